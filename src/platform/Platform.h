@@ -1,0 +1,34 @@
+#pragma once
+
+class AccessibilityTrust;
+class Clock;
+class ComputerName;
+class DefaultsStore;
+class Folders;
+class HttpTransport;
+class KeyPoster;
+class KeyTaps;
+class Microphone;
+class Pasteboard;
+class SecretStore;
+class SoundPlayer;
+class Volumes;
+class Workspace;
+
+/// The machine: all that the program asks of it, bundled. Every reference outlives the program's objects.
+struct Platform {
+    Clock &clock;
+    Folders &folders;
+    Volumes &volumes;
+    DefaultsStore &defaults;
+    SecretStore &secrets;
+    ComputerName &computerName;
+    Workspace &workspace;
+    HttpTransport &http;
+    AccessibilityTrust &trust;
+    Microphone &microphone;
+    SoundPlayer &sounds;
+    KeyTaps &keyTaps;
+    KeyPoster &keyPoster;
+    Pasteboard &pasteboard;
+};

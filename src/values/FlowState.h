@@ -1,0 +1,4 @@
+#pragma once
+
+/// Where a dictation is.
+enum class FlowState { idle, recording, processing };
