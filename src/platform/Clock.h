@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QTimeZone>
 
 #include <chrono>
 #include <functional>
@@ -23,6 +24,9 @@ public:
 
     /// The wall clock, in UTC. It may jump.
     virtual QDateTime now() const = 0;
+
+    /// Where the user is, for what is a day to them. It may change while the program runs.
+    virtual QTimeZone timeZone() const { return QTimeZone::systemTimeZone(); }
 
     /// Time since an arbitrary fixed instant; it never goes back and no clock setting moves it.
     virtual Duration monotonic() const = 0;

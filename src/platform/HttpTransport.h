@@ -12,7 +12,8 @@
 #include <stop_token>
 #include <utility>
 
-struct HttpRequest {
+struct HttpRequest
+{
     QByteArray method = "GET";
     QUrl url;
     QList<std::pair<QByteArray, QByteArray>> headers; ///< sent as they stand; nothing else of note is added
@@ -23,7 +24,8 @@ struct HttpRequest {
     std::chrono::milliseconds resourceTimeout = std::chrono::seconds(180);
 };
 
-struct HttpResponse {
+struct HttpResponse
+{
     int status = 0; ///< 0 when the answer is not HTTP
     QList<std::pair<QByteArray, QByteArray>> headers;
     QByteArray body;
@@ -42,7 +44,8 @@ struct HttpResponse {
 };
 
 /// An exchange that brought no answer; the text is one complete sentence for the user.
-struct TransportError {
+struct TransportError
+{
     enum class Kind { timedOut, offline, cancelled, insecure, other };
     Kind kind = Kind::other;
     QString message;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtTypes>
+#include <QtGlobal>
 
 #include <functional>
 #include <memory>
@@ -26,10 +26,11 @@ enum class KeyEventType : quint32 {
 };
 
 /// One press or release, by physical position.
-struct KeyEvent {
+struct KeyEvent
+{
     KeyEventType type = KeyEventType::keyDown;
-    qint64 keyCode = 0;      ///< virtual key code of the ANSI layout
-    quint64 flags = 0;       ///< the modifiers held, as `KeyFlags`; other bits are of no account
+    qint64 keyCode = 0; ///< virtual key code of the ANSI layout
+    quint64 flags = 0;  ///< the modifiers held, as `KeyFlags`; other bits are of no account
     bool isAutorepeat = false;
 };
 
@@ -37,7 +38,8 @@ struct KeyEvent {
 enum class KeyVerdict { pass, swallow };
 
 /// A key with the exact modifiers held.
-struct KeyChord {
+struct KeyChord
+{
     qint64 keyCode = 0;
     quint64 flags = 0;
     bool operator==(const KeyChord &) const = default;

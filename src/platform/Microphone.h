@@ -7,7 +7,8 @@
 #include <memory>
 
 /// How sound is stored: linear PCM, in this many samples a second, channels and bits.
-struct PcmFormat {
+struct PcmFormat
+{
     uint32_t sampleRate = 16000;
     uint16_t channels = 1;
     uint16_t bitDepth = 16;

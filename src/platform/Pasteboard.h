@@ -6,7 +6,8 @@
 #include <QString>
 
 /// One piece of data on the clipboard, in one of its formats.
-struct PasteboardData {
+struct PasteboardData
+{
     QString type; ///< the format's name, such as "text/html"
     QByteArray bytes;
     bool operator==(const PasteboardData &) const = default;

@@ -16,7 +16,8 @@ class Volumes;
 class Workspace;
 
 /// The machine: all that the program asks of it, bundled. Every reference outlives the program's objects.
-struct Platform {
+struct Platform
+{
     Clock &clock;
     Folders &folders;
     Volumes &volumes;

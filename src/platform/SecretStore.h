@@ -21,7 +21,8 @@ inline constexpr int32_t ioError = -36;
 class SecretStore
 {
 public:
-    struct Found {
+    struct Found
+    {
         std::optional<QByteArray> data;
         int32_t status = SecretStatus::itemNotFound;
     };

@@ -1,0 +1,84 @@
+#include "account/AccountStatus.h"
+
+#include "account/AccountSession.h"
+#include "account/AccountSessionStore.h"
+#include "settings/Prefs.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+AccountStatus::AccountStatus(const AccountSessionStore &sessions, Prefs &prefs)
+    : m_prefs(prefs),
+      m_signedIn(sessions.token().has_value())
+{
+    if (const QString email = m_prefs.accountEmail(); !email.isEmpty())
+        m_email = email;
+}
+
+void AccountStatus::adopt(const AccountSession &session)
+{
+    m_signedIn = true;
+    m_email = session.email;
+    m_prefs.setAccountEmail(session.email);
+    m_info = AccountInfo{.email = session.email,
+                         .plan = session.plan,
+                         .status = u"active"_s,
+                         .dailyMinutes = session.dailyMinutes,
+                         .usedTodaySeconds = std::nullopt,
+                         .remainingSeconds = std::nullopt};
+    m_remainingSeconds.reset();
+    Q_EMIT changed();
+}
+
+void AccountStatus::signOut()
+{
+    m_signedIn = false;
+    m_email.reset();
+    m_prefs.setAccountEmail(QString());
+    m_remainingSeconds.reset();
+    m_info.reset();
+    Q_EMIT changed();
+}
+
+bool AccountStatus::dropRejectedSession(AccountSessionStore &sessions)
+{
+    if (!sessions.token())
+        return false;
+    sessions.clear();
+    signOut();
+    Q_EMIT sessionRejected();
+    return true;
+}
+
+void AccountStatus::setInfo(const AccountInfo &info)
+{
+    m_info = info;
+    if (info.remainingSeconds)
+        m_remainingSeconds = std::max<qint64>(*info.remainingSeconds, 0);
+    if (m_signedIn && info.email && !info.email->isEmpty()) {
+        m_email = info.email;
+        m_prefs.setAccountEmail(*info.email);
+    }
+    Q_EMIT changed();
+}
+
+void AccountStatus::setRemainingSeconds(qint64 seconds)
+{
+    const qint64 left = std::max<qint64>(seconds, 0);
+    if (m_remainingSeconds == left)
+        return;
+    m_remainingSeconds = left;
+    Q_EMIT changed();
+}
+
+QString AccountStatus::minutesText(qint64 seconds)
+{
+    if (seconds <= 0)
+        return u"0 minutes"_s;
+    if (seconds < 60)
+        return u"under a minute"_s;
+    if (seconds < 120)
+        return u"1 minute"_s;
+    return QString::number(seconds / 60) + u" minutes"_s;
+}

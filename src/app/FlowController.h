@@ -1,0 +1,143 @@
+#pragma once
+
+#include "capture/AudioRecorder.h"
+#include "capture/HotkeyMonitor.h"
+#include "capture/OverlayPanel.h"
+#include "capture/TextInserter.h"
+#include "platform/Clock.h"
+#include "values/FlowState.h"
+
+#include <QCoroTask>
+#include <QDateTime>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stop_token>
+
+class Defaults;
+class HistoryStore;
+class Prefs;
+class SoundPlayer;
+class Transcriber;
+struct Dictation;
+struct Platform;
+
+/// The one owner of a dictation: from a tap of the shortcut to text in the front application.
+///
+/// It runs one dictation at a time; while one is being transcribed and pasted, taps are ignored.
+class FlowController final : public QObject
+{
+    Q_OBJECT
+public:
+    /// A recording must last longer than this, in seconds, to be transcribed.
+    static constexpr double minimumDuration = 0.4;
+    /// A recording's file must be larger than this, in bytes, to be transcribed.
+    static constexpr qint64 minimumFileSize = 16000;
+
+    FlowController(Platform &platform, Defaults &defaults, const Prefs &prefs, Transcriber &transcriber,
+                   HistoryStore &historyStore);
+    ~FlowController() override;
+
+    FlowState state() const { return m_state; }
+    /// The text of the last finished dictation.
+    const QString &lastTranscript() const { return m_lastTranscript; }
+    /// The texts of the newest stored dictations, newest first, 50 at most.
+    const QStringList &history() const { return m_history; }
+    /// Whether the global shortcut is installed and running.
+    bool hotkeyActive() const { return m_hotkey != nullptr; }
+    /// The last failure or notice; a clean success clears it.
+    const std::optional<QString> &lastError() const { return m_lastError; }
+
+    OverlayPanel &overlay() { return m_overlay; }
+    /// The installed shortcut; null when there is none.
+    HotkeyMonitor *hotkey() const { return m_hotkey.get(); }
+
+    /// Installs the stored shortcut, unless one is installed.
+    void start();
+    /// Stores the shortcut and puts it in the place of the installed one.
+    void updateHotkey(const HotkeySpec &spec);
+    /// The session no longer lets us watch keys.
+    void hotkeyPermissionLost();
+    /// The service ended the session.
+    void reportSignedOut();
+
+    /// What a tap of the shortcut does.
+    void toggle();
+    /// Starts a recording, unless a dictation is under way.
+    void beginRecording();
+    /// Ends the recording and sends it on its way; does nothing unless recording.
+    void finishRecording(bool limitReached);
+    /// Drops the recording; does nothing unless recording.
+    void cancelRecording();
+    /// Records a dictation whose text goes to the callback instead of being pasted and stored; only when
+    /// idle.
+    void captureNextTranscript(std::function<void(const QString &)> into);
+
+Q_SIGNALS:
+    void stateChanged();
+    void lastTranscriptChanged();
+    void historyChanged();
+    void hotkeyActiveChanged();
+    void lastErrorChanged();
+
+private:
+    using Capture = std::function<void(const QString &)>;
+
+    /// A transcript on its way to the user.
+    struct Draft
+    {
+        QString raw;
+        QString text;
+        qint64 transcribeMs = 0;
+        std::optional<qint64> cleanupMs;
+        std::optional<QString> chatModel;
+        std::optional<QString> notice;
+    };
+
+    QCoro::Task<> transcribeAndDeliver(QString filePath, double duration, qint64 fileSize);
+    QCoro::Task<Draft> cleanedUp(Draft draft, std::stop_token stop);
+    QCoro::Task<> paste(QString text, std::stop_token stop);
+    void deliverCapture(const Draft &draft);
+    Dictation record(const Draft &draft, double duration, qint64 fileSize) const;
+
+    void fail(const QString &message);
+    void endRecording();
+    void startMetering();
+    void stopMetering();
+    void startRecordingLimit();
+    void playSound(const QString &name);
+    void dropHotkey();
+    void adoptHistory();
+    void showOutcome(const std::optional<QString> &notice);
+    void schedule(void (FlowController::*step)());
+
+    void setState(FlowState state);
+    void setLastTranscript(const QString &text);
+    void setLastError(const std::optional<QString> &error);
+
+    Platform &m_platform;
+    Clock &m_clock;
+    Defaults &m_defaults;
+    const Prefs &m_prefs;
+    Transcriber &m_transcriber;
+    HistoryStore &m_historyStore;
+
+    AudioRecorder m_recorder;
+    OverlayPanel m_overlay;
+    TextInserter m_inserter;
+    std::unique_ptr<HotkeyMonitor> m_hotkey;
+
+    FlowState m_state = FlowState::idle;
+    QString m_lastTranscript;
+    QStringList m_history;
+    std::optional<QString> m_lastError;
+    std::optional<QDateTime> m_recordingStart;
+    std::unique_ptr<Timer> m_meterTimer;
+    std::unique_ptr<Timer> m_limitTimer;
+    Capture m_pendingCapture;
+    std::stop_source m_stop; // stopped when the controller goes away
+};

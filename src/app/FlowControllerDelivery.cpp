@@ -1,0 +1,118 @@
+#include "app/FlowController.h"
+
+#include "app/FlowText.h"
+#include "app/TemporaryFile.h"
+#include "history/HistoryStore.h"
+#include "settings/Prefs.h"
+#include "speech/Transcriber.h"
+
+#include <QUuid>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto noticeDuration = 3500ms;
+// A cleanup of fewer words never reached a model.
+constexpr qint64 minimumCleanupWords = 4;
+
+} // namespace
+
+// After each wait the controller may be gone, and then a stop was requested.
+QCoro::Task<> FlowController::transcribeAndDeliver(QString filePath, double duration, qint64 fileSize)
+{
+    const TemporaryFile recording(filePath);
+    const std::stop_token stop = m_stop.get_token();
+    const Clock::Duration began = m_clock.monotonic();
+    const Transcriber::Text transcript = co_await m_transcriber.transcribe(filePath, stop);
+    if (stop.stop_requested())
+        co_return;
+    if (!transcript)
+        co_return fail(transcript.error().description);
+
+    Draft draft;
+    draft.raw = transcript->trimmed();
+    draft.text = draft.raw;
+    draft.transcribeMs = FlowText::elapsedMilliseconds(m_clock.monotonic() - began);
+    if (draft.raw.isEmpty())
+        co_return fail(FlowError::nothingHeard().description);
+    if (m_prefs.isEnabled(PrefsKey::cleanupEnabled)) {
+        draft = co_await cleanedUp(draft, stop);
+        if (stop.stop_requested())
+            co_return;
+    }
+    if (m_pendingCapture)
+        co_return deliverCapture(draft);
+
+    setLastTranscript(draft.text);
+    m_historyStore.append(record(draft, duration, fileSize));
+    setLastError(draft.notice);
+    showOutcome(draft.notice);
+    co_await paste(draft.text, stop);
+    if (!stop.stop_requested())
+        setState(FlowState::idle);
+}
+
+QCoro::Task<FlowController::Draft> FlowController::cleanedUp(Draft draft, std::stop_token stop)
+{
+    const Clock::Duration began = m_clock.monotonic();
+    const QString raw = draft.raw;
+    const Transcriber::Text cleaned = co_await m_transcriber.cleanup(raw, stop);
+    if (stop.stop_requested())
+        co_return draft;
+    if (!cleaned) {
+        draft.notice =
+            u"Pasted raw transcript. Cleanup failed: "_s + FlowText::shortened(cleaned.error().description);
+        co_return draft;
+    }
+    if (const QString text = cleaned->trimmed(); !text.isEmpty())
+        draft.text = text;
+    if (Dictation::wordCountOf(raw) >= minimumCleanupWords) {
+        draft.cleanupMs = FlowText::elapsedMilliseconds(m_clock.monotonic() - began);
+        if (m_prefs.provider() != Provider::sayvane)
+            draft.chatModel = m_prefs.chatModel();
+    }
+    co_return draft;
+}
+
+void FlowController::deliverCapture(const Draft &draft)
+{
+    const Capture capture = std::exchange(m_pendingCapture, nullptr);
+    setLastTranscript(draft.text);
+    setLastError(draft.notice);
+    showOutcome(draft.notice);
+    setState(FlowState::idle);
+    capture(draft.text);
+}
+
+Dictation FlowController::record(const Draft &draft, double duration, qint64 fileSize) const
+{
+    const Provider provider = m_prefs.provider();
+    const bool isOwnKey = provider != Provider::sayvane;
+    return {.id = QUuid::createUuid(),
+            .date = m_clock.now(),
+            .durationSeconds = duration,
+            .wordCount = Dictation::wordCountOf(draft.text),
+            .text = draft.text,
+            .rawText = draft.raw != draft.text ? std::optional(draft.raw) : std::nullopt,
+            .transcribeMs = draft.transcribeMs,
+            .cleanupMs = draft.cleanupMs,
+            .audioBytes = fileSize,
+            .providerRaw = Providers::rawValue(provider),
+            .transcriptionModel = isOwnKey ? std::optional(m_prefs.transcriptionModel()) : std::nullopt,
+            .chatModel = draft.chatModel};
+}
+
+QCoro::Task<> FlowController::paste(QString text, std::stop_token stop)
+{
+    const bool pasted = co_await m_inserter.insert(text, stop);
+    if (pasted || stop.stop_requested())
+        co_return;
+    const QString message = u"Copied to clipboard. Grant Accessibility to paste automatically."_s;
+    setLastError(message);
+    m_overlay.show(FlowState::idle, message, OverlayTone::warning);
+    m_overlay.hide(noticeDuration);
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "values/FlowState.h"
+#include "values/OverlayTone.h"
+
+#include <QList>
+#include <QObject>
+#include <QString>
+
+#include <optional>
+
+/// What the overlay displays.
+class OverlayModel final : public QObject
+{
+    Q_OBJECT
+public:
+    /// How many levels the meter shows.
+    static constexpr qsizetype levelCount = 24;
+
+    FlowState state() const { return m_state; }
+    const std::optional<QString> &message() const { return m_message; }
+    OverlayTone tone() const { return m_tone; }
+    /// From 0 to 1, the newest last.
+    const QList<double> &levels() const { return m_levels; }
+
+    void present(FlowState state, const std::optional<QString> &message, OverlayTone tone);
+    /// Appends a level; only the newest stay.
+    void push(double level);
+    void clearLevels();
+
+Q_SIGNALS:
+    void presentationChanged();
+    void levelsChanged();
+
+private:
+    FlowState m_state = FlowState::idle;
+    std::optional<QString> m_message;
+    OverlayTone m_tone = OverlayTone::success;
+    QList<double> m_levels = QList<double>(levelCount, 0.0);
+};

@@ -1,0 +1,239 @@
+#include "history/HistoryFile.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <array>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void appendQuoted(QByteArray &json, const QString &text)
+{
+    static constexpr char hex[] = "0123456789abcdef";
+    json += '"';
+    // A lone half of a surrogate pair has no UTF-8 form and becomes the replacement character.
+    const QByteArray utf8 = text.toUtf8();
+    for (const char byte : utf8) {
+        const auto code = static_cast<unsigned char>(byte);
+        if (byte == '"' || byte == '\\') {
+            json += '\\';
+            json += byte;
+        } else if (byte == '\n') {
+            json += "\\n";
+        } else if (byte == '\t') {
+            json += "\\t";
+        } else if (byte == '\r') {
+            json += "\\r";
+        } else if (code < 0x20) {
+            json += "\\u00";
+            json += hex[code >> 4];
+            json += hex[code & 15];
+        } else {
+            json += byte;
+        }
+    }
+    json += '"';
+}
+
+/// One object under construction.
+class ObjectWriter
+{
+public:
+    explicit ObjectWriter(QByteArray &json) : m_json(json) { m_json += "  {"; }
+
+    void text(QByteArrayView key, const QString &value)
+    {
+        begin(key);
+        appendQuoted(m_json, value);
+    }
+    void integer(QByteArrayView key, qint64 value)
+    {
+        begin(key);
+        m_json += QByteArray::number(value);
+    }
+    void real(QByteArrayView key, double value)
+    {
+        begin(key);
+        m_json += std::isfinite(value) ? QByteArray::number(value, 'g', QLocale::FloatingPointShortest)
+                                       : QByteArray("0");
+    }
+    void text(QByteArrayView key, const std::optional<QString> &value)
+    {
+        if (value)
+            text(key, *value);
+    }
+    void integer(QByteArrayView key, const std::optional<qint64> &value)
+    {
+        if (value)
+            integer(key, *value);
+    }
+    void finish() { m_json += "\n  }"; }
+
+private:
+    void begin(QByteArrayView key)
+    {
+        m_json += m_isFirst ? "\n    \"" : ",\n    \"";
+        m_isFirst = false;
+        m_json += key;
+        m_json += "\" : ";
+    }
+
+    QByteArray &m_json;
+    bool m_isFirst = true;
+};
+
+void appendRecord(QByteArray &json, const Dictation &record)
+{
+    ObjectWriter object(json);
+    object.text("id", record.id.toString(QUuid::WithoutBraces).toUpper());
+    object.text("date", record.date.toUTC().toString(u"yyyy-MM-dd'T'HH:mm:ss'Z'"));
+    object.real("durationSeconds", record.durationSeconds);
+    object.integer("wordCount", record.wordCount);
+    object.text("text", record.text);
+    object.text("rawText", record.rawText);
+    object.integer("transcribeMs", record.transcribeMs);
+    object.integer("cleanupMs", record.cleanupMs);
+    object.integer("audioBytes", record.audioBytes);
+    object.text("providerRaw", record.providerRaw);
+    object.text("transcriptionModel", record.transcriptionModel);
+    object.text("chatModel", record.chatModel);
+    object.finish();
+}
+
+/// Reads the members of one object and remembers the first that is missing or of the wrong kind.
+class ObjectReader
+{
+public:
+    explicit ObjectReader(const QJsonObject &object) : m_object(object) {}
+
+    QString text(QLatin1StringView key)
+    {
+        const QJsonValue value = m_object.value(key);
+        return value.isString() ? value.toString() : refused<QString>(key);
+    }
+    double real(QLatin1StringView key)
+    {
+        const QJsonValue value = m_object.value(key);
+        return value.isDouble() ? value.toDouble() : refused<double>(key);
+    }
+    qint64 integer(QLatin1StringView key)
+    {
+        const double number = real(key);
+        if (number != std::trunc(number) || std::abs(number) >= 9.2e18)
+            return refused<qint64>(key);
+        return m_object.value(key).toInteger();
+    }
+    std::optional<QString> optionalText(QLatin1StringView key)
+    {
+        return isAbsent(key) ? std::nullopt : std::optional(text(key));
+    }
+    std::optional<qint64> optionalInteger(QLatin1StringView key)
+    {
+        return isAbsent(key) ? std::nullopt : std::optional(integer(key));
+    }
+    QUuid id(QLatin1StringView key)
+    {
+        const QString written = text(key);
+        const QUuid id = QUuid::fromString(written);
+        const bool isStandardForm =
+            written.compare(id.toString(QUuid::WithoutBraces), Qt::CaseInsensitive) == 0;
+        return isStandardForm ? id : refused<QUuid>(key);
+    }
+    QDateTime date(QLatin1StringView key)
+    {
+        // Whole seconds with a zone, as the ISO 8601 internet form has them.
+        const QString written = text(key);
+        static constexpr auto wholeSeconds = 19; // yyyy-MM-ddTHH:mm:ss
+        const QDateTime date = QDateTime::fromString(written, Qt::ISODate);
+        if (!date.isValid() || date.timeSpec() == Qt::LocalTime || written.size() <= wholeSeconds ||
+            written.at(10) != u'T' ||
+            (written.at(wholeSeconds) != u'Z' && written.at(wholeSeconds) != u'+' &&
+             written.at(wholeSeconds) != u'-'))
+            return refused<QDateTime>(key);
+        return date.toUTC();
+    }
+
+    const QString &refusal() const { return m_refusal; }
+
+private:
+    bool isAbsent(QLatin1StringView key) const
+    {
+        const QJsonValue value = m_object.value(key);
+        return value.isUndefined() || value.isNull();
+    }
+
+    template <typename T>
+    T refused(QLatin1StringView key)
+    {
+        if (m_refusal.isEmpty())
+            m_refusal = u"missing or wrong \"%1\""_s.arg(key);
+        return {};
+    }
+
+    const QJsonObject &m_object;
+    QString m_refusal;
+};
+
+std::expected<Dictation, QString> record(const QJsonValue &value)
+{
+    if (!value.isObject())
+        return std::unexpected(u"not an object"_s);
+    const QJsonObject members = value.toObject();
+    ObjectReader object(members);
+    Dictation dictation{.id = object.id("id"_L1),
+                        .date = object.date("date"_L1),
+                        .durationSeconds = object.real("durationSeconds"_L1),
+                        .wordCount = object.integer("wordCount"_L1),
+                        .text = object.text("text"_L1),
+                        .rawText = object.optionalText("rawText"_L1),
+                        .transcribeMs = object.optionalInteger("transcribeMs"_L1),
+                        .cleanupMs = object.optionalInteger("cleanupMs"_L1),
+                        .audioBytes = object.optionalInteger("audioBytes"_L1),
+                        .providerRaw = object.optionalText("providerRaw"_L1),
+                        .transcriptionModel = object.optionalText("transcriptionModel"_L1),
+                        .chatModel = object.optionalText("chatModel"_L1)};
+    if (!object.refusal().isEmpty())
+        return std::unexpected(object.refusal());
+    return dictation;
+}
+
+} // namespace
+
+QByteArray HistoryFile::encode(const QList<Dictation> &records)
+{
+    QByteArray json;
+    json.reserve(records.size() * 512 + 8);
+    json += '[';
+    bool isFirst = true;
+    for (const Dictation &dictation : records) {
+        json += isFirst ? "\n" : ",\n";
+        isFirst = false;
+        appendRecord(json, dictation);
+    }
+    json += "\n]";
+    return json;
+}
+
+std::expected<QList<Dictation>, QString> HistoryFile::decode(const QByteArray &json)
+{
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
+    if (error.error != QJsonParseError::NoError)
+        return std::unexpected(u"%1 at byte %2"_s.arg(error.errorString()).arg(error.offset));
+    if (!document.isArray())
+        return std::unexpected(u"The top level is not a list."_s);
+    QList<Dictation> records;
+    const QJsonArray values = document.array();
+    records.reserve(values.size());
+    for (const QJsonValue &value : values) {
+        auto read = record(value);
+        if (!read)
+            return std::unexpected(u"Record %1: %2."_s.arg(records.size()).arg(read.error()));
+        records.append(*std::move(read));
+    }
+    return records;
+}

@@ -1,0 +1,94 @@
+#include "speech/ServiceFailure.h"
+
+#include "support/Text.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+const FlowError dailyMinutesUsedUp =
+    FlowError::api(u"Sayvane: daily minutes used up. Resets at midnight UTC."_s);
+
+bool isRateLimit(const std::optional<QString> &code)
+{
+    return code == "rate_limited"_L1 || code == "upstream_rate_limited"_L1;
+}
+
+bool isAbsent(const QJsonValue &value)
+{
+    return value.isUndefined() || value.isNull();
+}
+
+} // namespace
+
+std::optional<AccountErrorBody> AccountErrorBody::decode(const QByteArray &json)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(json);
+    if (!document.isObject())
+        return std::nullopt;
+    const QJsonValue error = document.object().value("error"_L1);
+    const QJsonValue code = error.toObject().value("code"_L1);
+    const QJsonValue message = error.toObject().value("message"_L1);
+    const QJsonValue remaining = document.object().value("remainingSeconds"_L1);
+    const bool isRemainingWhole =
+        remaining.isDouble() && remaining.toDouble() == std::trunc(remaining.toDouble());
+    if (!(isAbsent(error) || error.isObject()) || !(isAbsent(code) || code.isString()) ||
+        !(isAbsent(message) || message.isString()) || !(isAbsent(remaining) || isRemainingWhole))
+        return std::nullopt;
+
+    AccountErrorBody body;
+    if (const QString normalised = code.toString().trimmed().toLower(); !normalised.isEmpty())
+        body.code = normalised;
+    if (message.isString())
+        body.message = message.toString();
+    if (isRemainingWhole)
+        body.remainingSeconds = remaining.toInteger();
+    return body;
+}
+
+std::optional<std::chrono::milliseconds>
+ServiceFailure::accountRetryDelay(int status, const std::optional<QString> &code,
+                                  const std::optional<QString> &retryAfter)
+{
+    if (status != 502 && status != 504 && !(status == 429 && isRateLimit(code)))
+        return std::nullopt;
+    static constexpr double longest = 5.0;
+    static const QRegularExpression decimal(uR"(\A[+-]?(\d+\.?\d*|\.\d+)([eE][+-]?\d+)?\z)"_s);
+    const QString text = Text::trimmedBlanks(retryAfter.value_or(QString()));
+    const double seconds = decimal.match(text).hasMatch() ? text.toDouble() : 0;
+    if (!(seconds > 0))
+        return 1500ms;
+    return std::chrono::milliseconds(static_cast<qint64>(std::trunc(std::min(seconds, longest) * 1000)));
+}
+
+ServiceFailure::Outcome ServiceFailure::accountFailure(int status,
+                                                       const std::optional<AccountErrorBody> &body)
+{
+    const FlowError noSession = FlowError::api(u"Sayvane: not signed in. Sign in under Settings."_s);
+    const auto code = body ? body->code : std::nullopt;
+    if (code == "quota_exceeded"_L1)
+        return {dailyMinutesUsedUp};
+    if (isRateLimit(code))
+        return {FlowError::api(u"Sayvane: busy, try again in a moment."_s)};
+    if (code == "unauthorized"_L1 || code == "invalid_token"_L1 || status == 401) {
+        // A known code decides before the status; here both come to the same.
+        return {noSession, true};
+    }
+    if (status == 429 && body && body->remainingSeconds == 0)
+        return {dailyMinutesUsedUp};
+    if (status == 403)
+        return {FlowError::api(u"Sayvane: this account cannot be used. Please get in touch."_s)};
+    if (body && body->message)
+        return {FlowError::api(u"Sayvane: "_s + *body->message)};
+    if (code)
+        return {FlowError::api(u"Sayvane: "_s + *code)};
+    return {FlowError::api(u"Sayvane: HTTP "_s + QString::number(status))};
+}

@@ -1,0 +1,169 @@
+#include "speech/Transcriber.h"
+
+#include "account/AccountStatus.h"
+#include "account/Credentials.h"
+#include "settings/Prefs.h"
+#include "speech/MultipartBody.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto minimumWarmUpInterval = 60s;
+
+FlowError unreadableAnswer()
+{
+    return FlowError::platform(u"The answer could not be read."_s);
+}
+
+HttpRequest uploadRequest(const QUrl &url, const QString &credential, const MultipartBody &body)
+{
+    return {
+        .method = "POST",
+        .url = url,
+        .headers = {{"Authorization", "Bearer " + credential.toUtf8()}, {"Content-Type", body.contentType()}},
+        .body = body.bytes};
+}
+
+Transcriber::Text textIn(const QByteArray &json)
+{
+    const QJsonValue text = QJsonDocument::fromJson(json).object().value("text"_L1);
+    if (!text.isString())
+        return std::unexpected(unreadableAnswer());
+    return text.toString();
+}
+
+} // namespace
+
+Transcriber::Transcriber(const Collaborators &with)
+    : m_prefs(with.prefs),
+      m_credentials(with.credentials),
+      m_sessions(with.sessions),
+      m_account(with.account),
+      m_http(with.http),
+      m_clock(with.clock),
+      m_modelRecovery(with.modelRecovery)
+{
+}
+
+std::expected<QUrl, FlowError> Transcriber::endpoint(const QString &path, Provider provider) const
+{
+    QString base;
+    switch (provider) {
+    case Provider::sayvane:
+        base = m_prefs.accountBaseURL();
+        break;
+    case Provider::groq:
+        base = u"https://api.groq.com/openai/v1"_s;
+        break;
+    case Provider::openai:
+        base = u"https://api.openai.com/v1"_s;
+        break;
+    }
+    QUrl url(base + path, QUrl::StrictMode);
+    if (!url.isValid())
+        return std::unexpected(FlowError::api(Providers::displayName(provider) + u": invalid API address"_s));
+    return url;
+}
+
+QCoro::Task<Transcriber::Text> Transcriber::transcribe(QString filePath, std::stop_token stop)
+{
+    const Provider provider = m_prefs.provider();
+    if (provider == Provider::sayvane)
+        return accountTranscribe(filePath, stop);
+    return ownKeyTranscribe(provider, filePath, stop);
+}
+
+QCoro::Task<Transcriber::Text> Transcriber::ownKeyTranscribe(Provider provider, QString filePath,
+                                                             std::stop_token stop)
+{
+    const auto key = m_credentials.apiKey(provider);
+    if (!key)
+        co_return std::unexpected(key.error());
+    const auto url = endpoint(u"/audio/transcriptions"_s, provider);
+    if (!url)
+        co_return std::unexpected(url.error());
+
+    const RequestBuilder build = [this, filePath, apiKey = *key, address = *url](
+                                     const QString &model) -> std::expected<HttpRequest, FlowError> {
+        QList<std::pair<QByteArray, QString>> fields{{"model", model}, {"response_format", u"json"_s}};
+        if (const QString language = m_prefs.language(); !language.isEmpty())
+            fields.append({"language", language});
+        if (const QString vocabulary = m_prefs.vocabulary(); !vocabulary.isEmpty())
+            fields.append({"prompt", u"Vocabulary that may appear: "_s + vocabulary});
+        const auto body = MultipartBody::build(fields, filePath);
+        if (!body)
+            return std::unexpected(FlowError::platform(body.error()));
+        return uploadRequest(address, apiKey, *body);
+    };
+    const QString model = m_prefs.transcriptionModel();
+    const Answer reply = co_await send(provider, ModelPurpose::transcription, model, build, stop);
+    if (!reply)
+        co_return std::unexpected(reply.error());
+    co_return textIn(reply->body);
+}
+
+QCoro::Task<Transcriber::Text> Transcriber::accountTranscribe(QString filePath, std::stop_token stop)
+{
+    const auto token = m_credentials.apiKey(Provider::sayvane);
+    if (!token)
+        co_return std::unexpected(token.error());
+    const auto url = endpoint(u"/v1/transcribe"_s, Provider::sayvane);
+    if (!url)
+        co_return std::unexpected(url.error());
+
+    QList<std::pair<QByteArray, QString>> fields;
+    if (const QString language = m_prefs.language(); !language.isEmpty())
+        fields.append({"language", language});
+    if (const QString vocabulary = m_prefs.vocabulary(); !vocabulary.isEmpty())
+        fields.append({"prompt", vocabulary});
+    const auto upload = MultipartBody::build(fields, filePath);
+    if (!upload)
+        co_return std::unexpected(FlowError::platform(upload.error()));
+    HttpRequest request = uploadRequest(*url, *token, *upload);
+    request.timeout = 180s;
+
+    const Answer reply = co_await send(request, Provider::sayvane, true, stop);
+    if (!reply)
+        co_return std::unexpected(reply.error());
+    if (stop.stop_requested())
+        co_return std::unexpected(FlowError::platform(u"Cancelled."_s));
+    const QJsonValue remaining = QJsonDocument::fromJson(reply->body).object().value("remainingSeconds"_L1);
+    const Text text = textIn(reply->body);
+    if (text && remaining.isDouble())
+        m_account.setRemainingSeconds(remaining.toInteger());
+    co_return text;
+}
+
+void Transcriber::warmUp(std::stop_token stop)
+{
+    const Clock::Duration now = m_clock.monotonic();
+    if (m_lastWarmUp && now - *m_lastWarmUp < minimumWarmUpInterval)
+        return;
+    const Provider provider = m_prefs.provider();
+    const auto credential = m_credentials.apiKey(provider);
+    if (!credential)
+        return;
+    // Noted before the request, so that failures are throttled too.
+    m_lastWarmUp = now;
+    const auto url = endpoint(u"/models"_s, provider);
+    if (!url)
+        return;
+    sendWarmUp({.method = "GET",
+                .url = *url,
+                .headers = {{"Authorization", "Bearer " + credential->toUtf8()}},
+                .body = {},
+                .timeout = 10s},
+               stop);
+}
+
+QCoro::Task<> Transcriber::sendWarmUp(HttpRequest request, std::stop_token stop)
+{
+    co_await m_http.send(request, stop);
+}

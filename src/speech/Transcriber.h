@@ -1,0 +1,87 @@
+#pragma once
+
+#include "platform/Clock.h"
+#include "platform/HttpTransport.h"
+#include "values/FlowError.h"
+#include "values/ModelPurpose.h"
+#include "values/Provider.h"
+
+#include <QCoroTask>
+#include <QString>
+
+#include <expected>
+#include <functional>
+#include <optional>
+#include <stop_token>
+
+class AccountSessionStore;
+class AccountStatus;
+class Credentials;
+class ModelRecovery;
+class Prefs;
+
+/// Turns a finished recording into text, and the text into what the user meant to write.
+///
+/// Every operation reads the provider and its settings afresh. A stop request ends it early with an
+/// error that nobody should show.
+class Transcriber
+{
+public:
+    struct Collaborators
+    {
+        Prefs &prefs;
+        const Credentials &credentials;
+        AccountSessionStore &sessions;
+        AccountStatus &account;
+        HttpTransport &http;
+        Clock &clock;
+        /// Consulted when a provider says that the model is gone.
+        ModelRecovery *modelRecovery = nullptr;
+    };
+    using Text = std::expected<QString, FlowError>;
+    using Answer = std::expected<HttpResponse, FlowError>;
+    /// Makes the request for a model id.
+    using RequestBuilder = std::function<std::expected<HttpRequest, FlowError>(const QString &model)>;
+
+    explicit Transcriber(const Collaborators &with);
+
+    /// The transcript of the WAV file, as the provider sent it.
+    QCoro::Task<Text> transcribe(QString filePath, std::stop_token stop);
+
+    /// The transcript as it should be pasted; fewer than four words come back unchanged.
+    QCoro::Task<Text> cleanup(QString transcript, std::stop_token stop);
+
+    /// Opens the connection ahead of the upload, at most once a minute. Never fails aloud.
+    void warmUp(std::stop_token stop);
+
+    /// The address of a path below the provider's base address.
+    std::expected<QUrl, FlowError> endpoint(const QString &path, Provider provider) const;
+
+    /// Sends for a model of the user's own provider; a model that is gone is replaced once, for good.
+    QCoro::Task<Answer> send(Provider provider, ModelPurpose purpose, QString model, RequestBuilder build,
+                             std::stop_token stop);
+
+    /// The one place where requests are performed: a successful answer, or what went wrong.
+    QCoro::Task<Answer> send(HttpRequest request, Provider provider, bool mayRetry, std::stop_token stop);
+
+private:
+    QCoro::Task<Text> ownKeyTranscribe(Provider provider, QString filePath, std::stop_token stop);
+    QCoro::Task<Text> accountTranscribe(QString filePath, std::stop_token stop);
+    QCoro::Task<Text> ownKeyCleanup(Provider provider, QString transcript, std::stop_token stop);
+    QCoro::Task<Text> accountCleanup(QString transcript, std::stop_token stop);
+    QCoro::Task<Answer> afterServiceRefusal(HttpRequest request, HttpResponse response, bool mayRetry,
+                                            std::stop_token stop);
+    QCoro::Task<Answer> buildAndSend(Provider provider, QString model, RequestBuilder build,
+                                     std::stop_token stop);
+    FlowError rejectedToken(const FlowError &otherwise);
+    QCoro::Task<> sendWarmUp(HttpRequest request, std::stop_token stop);
+
+    Prefs &m_prefs;
+    const Credentials &m_credentials;
+    AccountSessionStore &m_sessions;
+    AccountStatus &m_account;
+    HttpTransport &m_http;
+    Clock &m_clock;
+    ModelRecovery *m_modelRecovery;
+    std::optional<Clock::Duration> m_lastWarmUp;
+};

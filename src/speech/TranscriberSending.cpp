@@ -1,0 +1,83 @@
+#include "speech/Transcriber.h"
+
+#include "account/AccountSessionStore.h"
+#include "account/AccountStatus.h"
+#include "platform/Sleep.h"
+#include "settings/Prefs.h"
+#include "speech/ModelRecovery.h"
+#include "speech/ProviderFailure.h"
+#include "speech/ServiceFailure.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const FlowError cancelled = FlowError::platform(u"Cancelled."_s);
+
+} // namespace
+
+QCoro::Task<Transcriber::Answer> Transcriber::send(Provider provider, ModelPurpose purpose, QString model,
+                                                   RequestBuilder build, std::stop_token stop)
+{
+    const Answer first = co_await buildAndSend(provider, model, build, stop);
+    if (first || stop.stop_requested() || !m_modelRecovery || first.error().kind != FlowError::Kind::api ||
+        !ProviderFailure::mentionsUnknownModel(first.error().description))
+        co_return first;
+    const auto replacement = co_await m_modelRecovery->replacement(purpose, provider, model, stop);
+    if (stop.stop_requested() || !replacement || *replacement == model)
+        co_return first;
+    m_prefs.setModel(*replacement, purpose);
+    const QString successor = *replacement;
+    co_return co_await buildAndSend(provider, successor, build, stop);
+}
+
+QCoro::Task<Transcriber::Answer> Transcriber::buildAndSend(Provider provider, QString model,
+                                                           RequestBuilder build, std::stop_token stop)
+{
+    const auto request = build(model);
+    if (!request)
+        co_return std::unexpected(request.error());
+    co_return co_await send(*request, provider, true, stop);
+}
+
+QCoro::Task<Transcriber::Answer> Transcriber::send(HttpRequest request, Provider provider, bool mayRetry,
+                                                   std::stop_token stop)
+{
+    const auto response = co_await m_http.send(request, stop);
+    if (stop.stop_requested())
+        co_return std::unexpected(cancelled);
+    if (!response)
+        co_return std::unexpected(FlowError::platform(response.error().message));
+    if (response->isSuccess())
+        co_return *response;
+    if (provider == Provider::sayvane)
+        co_return co_await afterServiceRefusal(request, *response, mayRetry, stop);
+    co_return std::unexpected(ProviderFailure::failure(provider, response->status, response->body));
+}
+
+QCoro::Task<Transcriber::Answer> Transcriber::afterServiceRefusal(HttpRequest request, HttpResponse response,
+                                                                  bool mayRetry, std::stop_token stop)
+{
+    const auto body = AccountErrorBody::decode(response.body);
+    if (mayRetry) {
+        const auto code = body ? body->code : std::nullopt;
+        if (const auto delay =
+                ServiceFailure::accountRetryDelay(response.status, code, response.header("Retry-After"))) {
+            co_await sleepFor(m_clock, *delay, stop);
+            if (stop.stop_requested())
+                co_return std::unexpected(cancelled);
+            co_return co_await send(request, Provider::sayvane, false, stop);
+        }
+    }
+    if (body && body->remainingSeconds)
+        m_account.setRemainingSeconds(*body->remainingSeconds);
+    const ServiceFailure::Outcome outcome = ServiceFailure::accountFailure(response.status, body);
+    co_return std::unexpected(outcome.rejectsSession ? rejectedToken(outcome.error) : outcome.error);
+}
+
+FlowError Transcriber::rejectedToken(const FlowError &otherwise)
+{
+    if (!m_account.dropRejectedSession(m_sessions))
+        return otherwise;
+    return FlowError::api(u"Signed out. Sign in again in Settings."_s);
+}

@@ -1,0 +1,169 @@
+#pragma once
+
+#include "platform/AccessibilityTrust.h"
+#include "platform/ComputerName.h"
+#include "platform/DefaultsStore.h"
+#include "platform/Folders.h"
+#include "platform/KeyPoster.h"
+#include "platform/Pasteboard.h"
+#include "platform/Platform.h"
+#include "platform/SecretStore.h"
+#include "platform/SoundPlayer.h"
+#include "platform/Volumes.h"
+#include "platform/Workspace.h"
+#include "support/FakeKeyTaps.h"
+#include "support/FakeMicrophone.h"
+#include "support/FakeTransport.h"
+#include "support/VirtualClock.h"
+
+#include <QHash>
+#include <QStringList>
+#include <QTemporaryDir>
+
+/// Preferences in memory.
+class FakeDefaultsStore final : public DefaultsStore
+{
+public:
+    QJsonValue value(const QString &key) const override { return values.value(key, QJsonValue::Undefined); }
+    void setValue(const QString &key, const QJsonValue &value) override { values.insert(key, value); }
+    void remove(const QString &key) override { values.remove(key); }
+
+    QHash<QString, QJsonValue> values;
+};
+
+/// A keyring in memory that can be told to fail.
+class FakeSecretStore final : public SecretStore
+{
+public:
+    Found find(const QString &service, const QString &account) override;
+    int32_t add(const QString &service, const QString &account, const QByteArray &data,
+                Accessibility accessibility) override;
+    int32_t remove(const QString &service, const QString &account) override;
+    std::optional<QString> message(int32_t status) const override;
+
+    QHash<QString, QByteArray> items; ///< by account
+    QHash<QString, Accessibility> accessibilities;
+    int32_t findStatus = SecretStatus::success; ///< anything else fails every look-up
+    int32_t addStatus = SecretStatus::success;
+    int32_t removeStatus = SecretStatus::success;
+};
+
+/// A clipboard in memory.
+class FakePasteboard final : public Pasteboard
+{
+public:
+    QCoro::Task<QList<PasteboardItem>> items() override { co_return contents; }
+    qint64 changeCount() const override { return count; }
+    void setString(const QString &text) override
+    {
+        setItems({{{QStringLiteral("text/plain"), text.toUtf8()}}});
+    }
+    void setItems(const QList<PasteboardItem> &items) override
+    {
+        contents = items;
+        ++count;
+    }
+    QString text() const;
+
+    QList<PasteboardItem> contents;
+    qint64 count = 1;
+};
+
+/// Notes what is typed.
+class FakeKeyPoster final : public KeyPoster
+{
+public:
+    QCoro::Task<bool> post(KeyChord chord) override
+    {
+        if (!works)
+            co_return false;
+        posted.append(chord);
+        clipboardWhenPosted.append(pasteboard.text());
+        co_return true;
+    }
+    explicit FakeKeyPoster(FakePasteboard &watched) : pasteboard(watched) {}
+
+    FakePasteboard &pasteboard;
+    bool works = true;
+    QList<KeyChord> posted;
+    QStringList clipboardWhenPosted;
+};
+
+class FakeTrust final : public AccessibilityTrust
+{
+public:
+    bool isTrusted() const override { return trusted; }
+    bool isTrustedPrompting() override { return trusted; }
+
+    bool trusted = true;
+};
+
+class FakeSoundPlayer final : public SoundPlayer
+{
+public:
+    void play(const QString &name) override { played.append(name); }
+
+    QStringList played;
+};
+
+class FakeVolumes final : public Volumes
+{
+public:
+    std::optional<int64_t> availableCapacity(const QString &) const override { return capacity; }
+
+    std::optional<int64_t> capacity = int64_t{1} << 40;
+};
+
+class FakeFolders final : public Folders
+{
+public:
+    QString temporary() const override { return m_directory.path(); }
+    QString applicationSupport() const override { return m_directory.filePath(QStringLiteral("data")); }
+    /// The recordings that exist.
+    QStringList recordings() const;
+
+private:
+    QTemporaryDir m_directory;
+};
+
+class FakeWorkspace final : public Workspace
+{
+public:
+    bool open(const QUrl &address) override
+    {
+        opened.append(address);
+        return true;
+    }
+    bool open(SettingsPane) override { return true; }
+
+    QList<QUrl> opened;
+};
+
+class FakeComputerName final : public ComputerName
+{
+public:
+    QString localizedName() const override { return QStringLiteral("Study"); }
+};
+
+/// A machine for tests: public fields set the scene and tell what happened.
+class FakeMachine
+{
+public:
+    VirtualClock clock;
+    FakeFolders folders;
+    FakeVolumes volumes;
+    FakeDefaultsStore defaults;
+    FakeSecretStore secrets;
+    FakeComputerName computerName;
+    FakeWorkspace workspace;
+    FakeTransport http;
+    FakeTrust trust;
+    FakeMicrophone microphone;
+    FakeSoundPlayer sounds;
+    FakeKeyTaps keyTaps;
+    FakePasteboard pasteboard;
+    FakeKeyPoster keyPoster{pasteboard};
+
+    Platform platform{clock, folders, volumes,    defaults, secrets, computerName, workspace,
+                      http,  trust,   microphone, sounds,   keyTaps, keyPoster,    pasteboard};
+};

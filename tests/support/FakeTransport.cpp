@@ -1,0 +1,46 @@
+#include "support/FakeTransport.h"
+
+#include <QTest>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+QCoro::Task<FakeTransport::Result> FakeTransport::send(HttpRequest request, std::stop_token stop)
+{
+    if (request.method == "GET" && request.url.path().endsWith("/models"_L1)) {
+        warmUps.append(request);
+        co_return HttpResponse{200, {}, "{}"};
+    }
+    requests.append(request);
+    if (!m_prepared.empty()) {
+        const Result result = m_prepared.front();
+        m_prepared.pop_front();
+        co_return result;
+    }
+    const auto completion = std::make_shared<Completion<Result>>();
+    m_waiting.push_back(completion);
+    const std::function<void()> cancel = [completion] {
+        completion->complete(
+            std::unexpected(TransportError{TransportError::Kind::cancelled, u"Cancelled."_s}));
+    };
+    const std::stop_callback onStop(stop, cancel);
+    const Completion<Result>::Awaiter awaiter(completion.get());
+    co_return co_await awaiter;
+}
+
+int FakeTransport::waiting() const
+{
+    return static_cast<int>(
+        std::ranges::count_if(m_waiting, [](const auto &each) { return !each->isComplete(); }));
+}
+
+void FakeTransport::answer(const Result &result)
+{
+    while (!m_waiting.empty() && m_waiting.front()->isComplete())
+        m_waiting.pop_front();
+    QVERIFY2(!m_waiting.empty(), "no request is waiting");
+    const auto completion = m_waiting.front();
+    m_waiting.pop_front();
+    completion->complete(result);
+}
