@@ -1,0 +1,27 @@
+#pragma once
+
+#include <expected>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+
+/// What the user asks of the program.
+struct CommandLine
+{
+    enum class Action { serve, session, help, version };
+
+    Action action = Action::serve;
+    std::filesystem::path data; ///< empty: the usual folder
+    std::string host = "127.0.0.1";
+    int port = 8765;              ///< 0: any free one
+    std::filesystem::path models; ///< empty: the packaged ones
+    int decoders = 0;             ///< 0: one per processor, two at most
+    std::string email;
+    std::string device = "unnamed";
+    std::optional<int> dailyMinutes;
+
+    /// Expects the arguments without the program's name; the error is a sentence.
+    static std::expected<CommandLine, std::string> parse(std::span<const char *const> arguments);
+    static const char *help();
+};

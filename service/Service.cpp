@@ -1,0 +1,207 @@
+#include "service/Service.h"
+
+#include "service/accounts/SessionToken.h"
+#include "service/cleanup/Capitals.h"
+#include "service/cleanup/Editor.h"
+#include "service/cleanup/FullStops.h"
+#include "service/protocol/CleanupRequest.h"
+#include "service/protocol/Language.h"
+#include "service/protocol/Refusal.h"
+#include "service/protocol/TranscribeForm.h"
+#include "service/text/Vocabulary.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cmath>
+#include <memory>
+
+namespace {
+
+constexpr int recordingsAtOnce = 6;
+constexpr auto speechModel = "pocketsphinx-en-us";
+constexpr auto cleanupModel = "sayvane-rules";
+
+void refuse(httplib::Response &response, const Refusal &refusal)
+{
+    response.status = refusal.status;
+    if (refusal.retryAfterSeconds)
+        response.set_header("Retry-After", std::to_string(*refusal.retryAfterSeconds));
+    response.set_content(refusal.body(), "application/json");
+}
+
+void answer(httplib::Response &response, const nlohmann::json &body)
+{
+    response.status = 200;
+    response.set_content(body.dump(), "application/json");
+}
+
+/// The recogniser's words as a sentence, the user's terms in their own spelling.
+std::string sentence(const std::string &words, const std::string &prompt)
+{
+    return textOf(FullStops::endingText(Capitals::set(Vocabulary(prompt).spelled(wordsOf(words)))));
+}
+
+/// Answers requests for a known address with a method that it does not take.
+void allowOnly(httplib::Server &server, const char *path, const char *method)
+{
+    const auto explain = [method](const httplib::Request &, httplib::Response &response) {
+        response.set_header("Allow", method);
+        refuse(response, Refusal::forStatus(405));
+    };
+    const auto explainUnread = [explain](const httplib::Request &request, httplib::Response &response,
+                                         const httplib::ContentReader &) { explain(request, response); };
+    if (std::string_view(method) != "GET")
+        server.Get(path, explain);
+    if (std::string_view(method) != "POST")
+        server.Post(path, explainUnread);
+    server.Put(path, explainUnread);
+    server.Patch(path, explainUnread);
+    server.Delete(path, explainUnread);
+}
+
+} // namespace
+
+Service::Service(HttpsServer &server, Accounts &accounts, SpeechEngine &speech)
+    : m_server(server),
+      m_accounts(accounts),
+      m_speech(speech),
+      m_places(recordingsAtOnce)
+{
+    server.set_payload_max_length(TranscribeForm::maximumRecording + 1024 * 1024);
+    server.Post("/v1/transcribe",
+                [this](const Request &request, Response &response, const httplib::ContentReader &body) {
+                    transcribe(request, response, body);
+                });
+    server.Post("/v1/cleanup",
+                [this](const Request &request, Response &response, const httplib::ContentReader &body) {
+                    cleanup(request, response, body);
+                });
+    server.Get("/v1/me", [this](const Request &request, Response &response) { me(request, response); });
+    server.Get("/models", [this](const Request &request, Response &response) { models(request, response); });
+    server.Get("/health", [](const Request &, Response &response) { answer(response, {{"status", "ok"}}); });
+    allowOnly(server, "/v1/transcribe", "POST");
+    allowOnly(server, "/v1/cleanup", "POST");
+    for (const char *path : {"/v1/me", "/models", "/health"})
+        allowOnly(server, path, "GET");
+    // Without these the library would read a whole body into memory before it looks for the address.
+    const auto unknown = [](const Request &, Response &response, const httplib::ContentReader &) {
+        refuse(response, Refusal::forStatus(404));
+    };
+    server.Post(".*", unknown);
+    server.Put(".*", unknown);
+    server.Patch(".*", unknown);
+    server.Delete(".*", unknown);
+}
+
+void Service::transcribe(const Request &request, Response &response, const httplib::ContentReader &body)
+{
+    const auto account = authenticated(request, response);
+    if (!account)
+        return;
+    if (account->remainingSeconds() == 0)
+        return refuse(response, Refusal::quotaExceeded());
+    if (!request.is_multipart_form_data())
+        return refuse(response, Refusal::badRequest("The request is not a multipart form."));
+    if (!m_places.try_acquire())
+        return refuse(response, Refusal::rateLimited());
+    const auto release = [](std::counting_semaphore<> *places) { places->release(); };
+    const std::unique_ptr<std::counting_semaphore<>, decltype(release)> place(&m_places, release);
+
+    auto form = TranscribeForm::read(body);
+    if (!form)
+        return refuse(response, form.error());
+    if (!Language::mayBeEnglish(form->language())) {
+        return refuse(response,
+                      {400,
+                       "unsupported_language",
+                       "This service understands English only. Choose English or automatic as the language.",
+                       {},
+                       {}});
+    }
+    const auto recording = Recording::fromWav(form->recording());
+    if (!recording)
+        return refuse(response, Refusal::badRequest(recording.error()));
+    form->dropRecording();
+    answerRecording(request, response, *account, *recording, form->prompt());
+}
+
+void Service::answerRecording(const Request &request, Response &response, const Account &account,
+                              const Recording &recording, const std::string &prompt)
+{
+    const auto seconds = static_cast<std::int64_t>(std::ceil(recording.seconds()));
+    // Charged beforehand, so that requests at the same time cannot share the last seconds.
+    const auto remaining = m_accounts.charge(account, seconds);
+    if (!remaining)
+        return refuse(response, Refusal::quotaExceeded());
+    try {
+        const auto words = m_speech.transcribe(recording, [&] { return m_server.isAbandoned(request); });
+        if (words) {
+            return answer(response, {{"text", sentence(*words, prompt)},
+                                     {"model", speechModel},
+                                     {"seconds", seconds},
+                                     {"remainingSeconds", *remaining}});
+        }
+    } catch (...) {
+        m_accounts.refund(account, seconds);
+        throw;
+    }
+    m_accounts.refund(account, seconds);
+    refuse(response, {503, "stopping", "The service is stopping. Try again.", {}, {}});
+}
+
+void Service::cleanup(const Request &request, Response &response, const httplib::ContentReader &body)
+{
+    if (!authenticated(request, response))
+        return;
+    if (request.is_multipart_form_data())
+        return refuse(response, Refusal::badRequest("The request is not a JSON object in UTF-8."));
+    std::string text;
+    bool tooLarge = false;
+    const bool complete = body([&](const char *bytes, size_t size) {
+        tooLarge = text.size() + size > CleanupRequest::maximumBody;
+        if (!tooLarge)
+            text.append(bytes, size);
+        return !tooLarge;
+    });
+    if (tooLarge)
+        return refuse(response, Refusal::tooLarge("The text is too long."));
+    if (!complete)
+        return refuse(response, Refusal::forStatus(response.status == 413 ? 413 : 400));
+    const auto wanted = CleanupRequest::fromJson(text);
+    if (!wanted)
+        return refuse(response, wanted.error());
+    const Editor::Result result = Editor::edited(wanted->text, wanted->vocabulary, wanted->language);
+    answer(response, {{"text", result.text}, {"model", cleanupModel}, {"skipped", result.skipped}});
+}
+
+void Service::me(const Request &request, Response &response)
+{
+    if (const auto account = authenticated(request, response)) {
+        answer(response, {{"email", account->email},
+                          {"plan", "self-hosted"},
+                          {"status", "active"},
+                          {"dailyMinutes", account->dailySeconds / 60},
+                          {"usedTodaySeconds", account->usedSeconds},
+                          {"remainingSeconds", account->remainingSeconds()}});
+    }
+}
+
+void Service::models(const Request &request, Response &response)
+{
+    if (authenticated(request, response)) {
+        answer(response,
+               {{"object", "list"},
+                {"data",
+                 {{{"id", speechModel}, {"object", "model"}}, {{"id", cleanupModel}, {"object", "model"}}}}});
+    }
+}
+
+std::optional<Account> Service::authenticated(const Request &request, Response &response)
+{
+    const std::string header = request.get_header_value("Authorization");
+    const auto token = SessionToken::inHeader(header);
+    auto account = token.empty() ? std::nullopt : m_accounts.find(token);
+    if (!account)
+        refuse(response, Refusal::unauthorized());
+    return account;
+}

@@ -1,0 +1,101 @@
+#include "service/CommandLine.h"
+#include "service/Service.h"
+#include "service/machine/Certificate.h"
+#include "service/machine/DataFolder.h"
+#include "service/machine/Log.h"
+
+#include <algorithm>
+#include <csignal>
+#include <exception>
+#include <iostream>
+#include <thread>
+
+#include <sys/stat.h>
+#include <sysexits.h>
+
+namespace {
+
+/// The signals that end the program. Blocked here, before the first thread, and awaited in `serve`.
+sigset_t endingSignals()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    std::signal(SIGPIPE, SIG_IGN);
+    return signals;
+}
+
+std::string addressOf(const std::string &host, int port)
+{
+    const std::string name = host.find(':') == std::string::npos ? host : '[' + host + ']';
+    return "https://" + name + ':' + std::to_string(port);
+}
+
+size_t decodersFor(const CommandLine &line)
+{
+    const unsigned processors = std::max(1u, std::thread::hardware_concurrency());
+    return line.decoders > 0 ? static_cast<size_t>(line.decoders) : std::min(processors, 2u);
+}
+
+void serve(const CommandLine &line, DataFolder &folder)
+{
+    const sigset_t signals = endingSignals();
+    folder.lockForServing();
+    Certificate::ensure(folder.certificate(), folder.privateKey(), line.host);
+    Accounts accounts(folder.database());
+    HttpsServer server(folder.certificate(), folder.privateKey());
+    const int port = server.bind(line.host, line.port);
+    SpeechEngine speech(SpeechModel::in(line.models.empty() ? SpeechModel::packagedFolder() : line.models),
+                        decodersFor(line));
+    const Service service(server, accounts, speech);
+    std::thread serving([&server] { server.serve(); });
+    std::cout << "listening on " << addressOf(line.host, port) << " certificate "
+              << folder.certificate().string() << std::endl;
+    int received = 0;
+    sigwait(&signals, &received);
+    Log::note("ending");
+    server.end();
+    serving.join();
+}
+
+int run(const CommandLine &line)
+{
+    switch (line.action) {
+    case CommandLine::Action::help:
+        std::cout << CommandLine::help();
+        return EX_OK;
+    case CommandLine::Action::version:
+        std::cout << "sayvane-service " SAYVANE_VERSION "\n";
+        return EX_OK;
+    case CommandLine::Action::serve:
+    case CommandLine::Action::session:
+        break;
+    }
+    ::umask(077);
+    DataFolder folder(line.data.empty() ? DataFolder::usual() : line.data);
+    if (line.action == CommandLine::Action::serve)
+        serve(line, folder);
+    else
+        std::cout << Accounts(folder.database()).openSession(line.email, line.device, line.dailyMinutes)
+                  << std::endl;
+    return EX_OK;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const auto line = CommandLine::parse({argv + 1, argv + std::max(argc, 1)});
+    if (!line) {
+        std::cerr << "sayvane-service: " << line.error() << "\n" << CommandLine::help();
+        return EX_USAGE;
+    }
+    try {
+        return run(*line);
+    } catch (const std::exception &e) {
+        std::cerr << "sayvane-service: " << e.what() << "\n";
+        return EX_UNAVAILABLE;
+    }
+}

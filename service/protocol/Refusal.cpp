@@ -1,0 +1,74 @@
+#include "service/protocol/Refusal.h"
+
+#include <nlohmann/json.hpp>
+
+#include <utility>
+
+Refusal Refusal::badRequest(std::string message)
+{
+    return {400, "bad_request", std::move(message), {}, {}};
+}
+
+Refusal Refusal::tooLarge(std::string message)
+{
+    return {413, "payload_too_large", std::move(message), {}, {}};
+}
+
+Refusal Refusal::unauthorized()
+{
+    return {401, "unauthorized", "The session is missing or no longer valid.", {}, {}};
+}
+
+Refusal Refusal::quotaExceeded()
+{
+    return {
+        429, "quota_exceeded", "Today's dictation allowance is used up. It resets at midnight UTC.", {}, 0};
+}
+
+Refusal Refusal::rateLimited()
+{
+    return {429,
+            "rate_limited",
+            "Too many recordings are being transcribed just now. Try again in a moment.",
+            3,
+            {}};
+}
+
+Refusal Refusal::internalError()
+{
+    return {500, "internal_error", "The service failed. Try again.", {}, {}};
+}
+
+Refusal Refusal::forStatus(int status)
+{
+    switch (status) {
+    case 400:
+        return badRequest("The request is not valid HTTP, or is incomplete.");
+    case 401:
+        return unauthorized();
+    case 404:
+        return {404, "not_found", "There is nothing at this address.", {}, {}};
+    case 405:
+        return {405, "method_not_allowed", "This address does not take that method.", {}, {}};
+    case 413:
+        return tooLarge("The request is too large.");
+    case 414:
+        return {414, "bad_request", "The address is too long.", {}, {}};
+    case 500:
+        return internalError();
+    default:
+        return {status,
+                status < 500 ? "bad_request" : "internal_error",
+                "The request could not be carried out.",
+                {},
+                {}};
+    }
+}
+
+std::string Refusal::body() const
+{
+    nlohmann::json json{{"error", {{"code", code}, {"message", message}}}};
+    if (remainingSeconds)
+        json["remainingSeconds"] = *remainingSeconds;
+    return json.dump();
+}

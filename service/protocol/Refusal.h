@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+/// Why a request is not carried out, as the client is told: an HTTP status, a code for the program and
+/// one complete sentence for the user.
+struct Refusal
+{
+    int status = 400;
+    std::string code;
+    std::string message;
+    std::optional<int> retryAfterSeconds;
+    std::optional<std::int64_t> remainingSeconds;
+
+    static Refusal badRequest(std::string message);
+    static Refusal tooLarge(std::string message);
+    static Refusal unauthorized();
+    static Refusal quotaExceeded();
+    /// All places are taken; the client may try again by itself.
+    static Refusal rateLimited();
+    static Refusal internalError();
+    /// The refusal for an answer that was given a status and nothing else.
+    static Refusal forStatus(int status);
+
+    /// `{"error": {"code", "message"}}`, with "remainingSeconds" beside it when it is known.
+    std::string body() const;
+};
