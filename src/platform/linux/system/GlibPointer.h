@@ -1,0 +1,25 @@
+#pragma once
+
+#include <gio/gio.h>
+
+#include <memory>
+#include <type_traits>
+
+/// Gives a GLib value back in the way that its type asks for.
+struct GlibRelease
+{
+    template <typename T>
+    void operator()(T *value) const
+    {
+        if constexpr (std::is_same_v<T, GError>)
+            g_error_free(value);
+        else if constexpr (std::is_same_v<T, GVariant>)
+            g_variant_unref(value);
+        else
+            g_object_unref(value);
+    }
+};
+
+/// Sole owner of one reference.
+template <typename T>
+using GlibPointer = std::unique_ptr<T, GlibRelease>;

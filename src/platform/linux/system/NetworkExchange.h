@@ -1,0 +1,79 @@
+#pragma once
+
+#include "platform/HttpTransport.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <coroutine>
+#include <memory>
+
+#include <curl/curl.h>
+
+class TransferLoop;
+
+/// One request under way; a coroutine awaits its outcome. The waiter goes on from the event loop, so that
+/// it may destroy anything, or at once when the exchange is ended by `endNow`.
+class NetworkExchange final : public QObject
+{
+    Q_OBJECT
+public:
+    using Result = std::expected<HttpResponse, TransportError>;
+    static constexpr qsizetype largestBody = 64 * 1024 * 1024;
+
+    /// Where the certificates of trusted authorities are; what is empty is not used.
+    struct Trust
+    {
+        QByteArray file;
+        QByteArray folder;
+    };
+
+    /// The request must outlive the exchange: its body is sent from where it is.
+    NetworkExchange(TransferLoop &loop, const HttpRequest &request, const QByteArray &userAgent,
+                    const Trust &trust);
+    ~NetworkExchange() override;
+
+    void end(TransportError error);
+    void endNow(TransportError error);
+
+    /// What a coroutine awaits; it names the exchange and keeps nothing.
+    struct Outcome
+    {
+        NetworkExchange &exchange;
+
+        bool await_ready() const { return exchange.m_result.has_value(); }
+        void await_suspend(std::coroutine_handle<> waiter) { exchange.m_waiter = waiter; }
+        Result await_resume() { return std::move(*exchange.m_result); }
+    };
+
+private:
+    struct Release
+    {
+        void operator()(CURL *transfer) const { curl_easy_cleanup(transfer); }
+        void operator()(curl_slist *list) const { curl_slist_free_all(list); }
+    };
+
+    static size_t headerArrived(const char *line, size_t one, size_t size, void *self);
+    static size_t bodyArrived(const char *bytes, size_t one, size_t size, void *self);
+    static int progressed(void *self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent);
+
+    void describe(const HttpRequest &request, const QByteArray &userAgent, const Trust &trust);
+    void describeBody(const HttpRequest &request);
+    void addHeader(const QByteArray &line);
+    void takeHeader(const QByteArray &line);
+    void conclude(CURLcode code);
+    void finish(Result result);
+    void resume();
+
+    TransferLoop &m_loop;
+    QString m_host;
+    std::unique_ptr<curl_slist, Release> m_headers;
+    std::unique_ptr<CURL, Release> m_transfer;
+    QTimer m_silence;
+    QTimer m_whole;
+    curl_off_t m_progress = 0; // bytes in either direction
+    bool m_headComplete = false;
+    HttpResponse m_response;
+    std::optional<Result> m_result;
+    std::coroutine_handle<> m_waiter;
+};

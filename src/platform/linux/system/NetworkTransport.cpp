@@ -1,0 +1,71 @@
+#include "platform/linux/system/NetworkTransport.h"
+
+#include "platform/linux/system/TransferLoop.h"
+#include "platform/linux/system/TransportFailure.h"
+
+#include <QScopeGuard>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The folder is searched by hash for one authority at a time, which spares reading a bundle of all.
+NetworkExchange::Trust trustOfEnvironment()
+{
+    NetworkExchange::Trust trust{qgetenv("SSL_CERT_FILE"), qgetenv("SSL_CERT_DIR")};
+    if (trust.file.isEmpty() && trust.folder.isEmpty())
+        trust.folder = "/etc/ssl/certs";
+    return trust;
+}
+
+bool holdsControls(const QByteArray &text)
+{
+    return std::ranges::any_of(text, [](char c) { return (c >= 0 && c < ' ' && c != '\t') || c == 0x7f; });
+}
+
+/// Whether the request goes to a web address and no header could be taken for two.
+bool isSendable(const HttpRequest &request)
+{
+    const QUrl &url = request.url;
+    return url.isValid() && (url.scheme() == u"https" || url.scheme() == u"http") && !url.host().isEmpty() &&
+           !holdsControls(request.method) && std::ranges::none_of(request.headers, [](const auto &header) {
+               return header.first.isEmpty() || holdsControls(header.first) || holdsControls(header.second);
+           });
+}
+
+} // namespace
+
+NetworkTransport::NetworkTransport(QByteArray userAgent)
+    : m_userAgent(std::move(userAgent)),
+      m_trust(trustOfEnvironment())
+{
+}
+
+NetworkTransport::~NetworkTransport()
+{
+    m_closing = true; // a waiter that tries again is refused
+    while (!m_exchanges.isEmpty())
+        (*m_exchanges.begin())->endNow(TransportFailure::cancelled());
+}
+
+QCoro::Task<std::expected<HttpResponse, TransportError>> NetworkTransport::send(HttpRequest request,
+                                                                                std::stop_token stop)
+{
+    if (m_closing || stop.stop_requested())
+        co_return std::unexpected(TransportFailure::cancelled());
+    if (!isSendable(request))
+        co_return std::unexpected(TransportFailure::malformed());
+    if (!m_loop)
+        m_loop = std::make_unique<TransferLoop>();
+
+    NetworkExchange exchange(*m_loop, request, m_userAgent, m_trust);
+    m_exchanges.insert(&exchange);
+    const auto leave = qScopeGuard([this, &exchange] { m_exchanges.remove(&exchange); });
+    const std::stop_callback stopping(stop, [&exchange] { // on whichever thread asks for it
+        QMetaObject::invokeMethod(&exchange, [&exchange] { exchange.end(TransportFailure::cancelled()); });
+    });
+    NetworkExchange::Outcome outcome{exchange};
+    co_return co_await outcome;
+}

@@ -1,0 +1,515 @@
+#include "platform/linux/system/NetworkTransport.h"
+#include "support/server/TlsServer.h"
+
+#include <QCoroTask>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <set>
+#include <thread>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+using Result = std::expected<HttpResponse, TransportError>;
+using Kind = TransportError::Kind;
+
+Q_DECLARE_METATYPE(TlsServer::Answer)
+Q_DECLARE_METATYPE(TestCertificate)
+
+namespace {
+
+QCoro::Task<> keep(NetworkTransport &transport, HttpRequest request, std::stop_token stop,
+                   QList<Result> &results)
+{
+    auto result = co_await transport.send(request, stop);
+    results += result;
+}
+
+/// Tries a second time whatever came of the first, as a client with a retry would.
+QCoro::Task<> keepBoth(NetworkTransport &transport, HttpRequest request, QList<Result> &results)
+{
+    auto first = co_await transport.send(request, {});
+    results += first;
+    auto second = co_await transport.send(request, {});
+    results += second;
+}
+
+} // namespace
+
+class NetworkTransportTest : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_folder;
+
+    static HttpRequest get(const QUrl &url)
+    {
+        HttpRequest request;
+        request.url = url;
+        request.timeout = 20s;
+        return request;
+    }
+
+    static HttpRequest post(const QUrl &url, const QByteArray &body)
+    {
+        HttpRequest request = get(url);
+        request.method = "POST";
+        request.headers = {{"Authorization", "Bearer secret"}, {"Content-Type", "application/json"}};
+        request.body = body;
+        return request;
+    }
+
+    QString write(const QString &name, const QByteArray &bytes) const
+    {
+        QFile file(m_folder.filePath(name));
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+            qFatal("The test cannot write its file.");
+        return file.fileName();
+    }
+
+    void trust(const TestCertificate &authority) const
+    {
+        qputenv("SSL_CERT_FILE", write(u"authority.pem"_s, authority.certificate).toLocal8Bit());
+    }
+
+    static Result exchange(NetworkTransport &transport, const HttpRequest &request, std::stop_token stop = {})
+    {
+        return QCoro::waitFor(transport.send(request, stop));
+    }
+
+    static Kind kindOf(const Result &result) { return result ? Kind(-1) : result.error().kind; }
+
+private Q_SLOTS:
+    void init()
+    {
+        for (const char *name : {"SSL_CERT_FILE", "SSL_CERT_DIR", "http_proxy", "https_proxy", "HTTPS_PROXY",
+                                 "all_proxy", "ALL_PROXY", "no_proxy", "NO_PROXY"})
+            qunsetenv(name);
+    }
+
+    void aRequestHoldsWhatWasGivenAndNothingThatTellsOnTheUser()
+    {
+        TlsServer server;
+        trust(server.authority());
+        NetworkTransport transport("Sayvane/0.1");
+        server.answer(TlsServer::Answer::of(200, "{}", "application/json", {{"Set-Cookie", "id=1; Path=/"}}));
+        QVERIFY(exchange(transport, get(server.url(u"/first"_s))));
+        QVERIFY(exchange(transport, post(server.url(u"/second"_s), "{\"a\":1}")));
+
+        const TlsServer::Request request = server.requests().value(1);
+        QCOMPARE(request.method, "POST");
+        QCOMPARE(request.target, "/second");
+        QCOMPARE(request.body, "{\"a\":1}");
+        QCOMPARE(request.header("Authorization"), "Bearer secret");
+        QCOMPARE(request.header("User-Agent"), "Sayvane/0.1");
+        std::set<QByteArray> names;
+        for (const auto &[name, value] : request.headers)
+            names.insert(name.toLower());
+        const std::set<QByteArray> expected{"host",           "authorization",   "content-type",
+                                            "content-length", "accept-encoding", "user-agent"};
+        QVERIFY2(names == expected, request.bytes);
+    }
+
+    void everyStatusIsAnAnswer_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QByteArray>("header");
+        QTest::addColumn<QByteArray>("value");
+        for (const int status : {200, 201, 400, 402, 403, 404, 405, 410, 418, 422, 429, 500, 501, 502, 503})
+            QTest::addRow("%d", status) << status << QByteArray("Retry-After") << QByteArray("7");
+        QTest::newRow("redirect") << 302 << QByteArray("Location") << QByteArray("/elsewhere");
+        QTest::newRow("permanent redirect")
+            << 308 << QByteArray("Location") << QByteArray("http://127.0.0.1:9/");
+        QTest::newRow("bearer wanted") << 401 << QByteArray("WWW-Authenticate") << QByteArray("Bearer");
+        QTest::newRow("password wanted")
+            << 401 << QByteArray("WWW-Authenticate") << QByteArray("Basic realm=\"x\"");
+        QTest::newRow("unauthorized") << 401 << QByteArray("X-Other") << QByteArray("1");
+        QTest::newRow("proxy password") << 407 << QByteArray("X-Other") << QByteArray("1");
+    }
+
+    void everyStatusIsAnAnswer()
+    {
+        QFETCH(int, status);
+        QFETCH(QByteArray, header);
+        QFETCH(QByteArray, value);
+        TlsServer server;
+        trust(server.authority());
+        NetworkTransport transport("Sayvane/0.1");
+        server.answer(TlsServer::Answer::of(status, "{\"error\":{}}", "application/json", {{header, value}}));
+        const Result result = exchange(transport, post(server.url(u"/"_s), "body"));
+        QVERIFY2(result, result ? "" : qPrintable(result.error().message));
+        QCOMPARE(result->status, status);
+        QCOMPARE(result->body, "{\"error\":{}}");
+        QCOMPARE(result->header(header), QString::fromLatin1(value));
+        QCOMPARE(server.requests().size(), 1);
+    }
+
+    void anAnswerCutShortIsAnError_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n";
+        const QByteArray chunked = head + "Transfer-Encoding: chunked\r\n\r\n";
+        QTest::newRow("nothing") << QByteArray();
+        QTest::newRow("in the status line") << QByteArray("HTTP/1.1 20");
+        QTest::newRow("in the head") << head;
+        QTest::newRow("before the body") << head + "Content-Length: 17\r\n\r\n";
+        QTest::newRow("in the body") << head + "Content-Length: 17\r\n\r\n{\"text\":\"half";
+        QTest::newRow("before the last byte") << head + "Content-Length: 17\r\n\r\n{\"text\":\"halves\"";
+        QTest::newRow("in a chunk") << chunked + "11\r\n{\"text\":\"half";
+        QTest::newRow("between chunks") << chunked + "4\r\n{\"te\r\n";
+        QTest::newRow("before the last chunk") << chunked + "2\r\n{}\r\n";
+        QTest::newRow("in a trailer") << chunked + "2\r\n{}\r\n0\r\nX-Sum: 1\r\n";
+        QTest::newRow("failure body") << QByteArray("HTTP/1.1 500 No\r\nContent-Length: 9\r\n\r\n{");
+    }
+
+    void anAnswerCutShortIsAnError()
+    {
+        QFETCH(QByteArray, bytes);
+        for (const auto security : {TlsServer::Security::tls, TlsServer::Security::plain}) {
+            TlsServer server(security);
+            trust(server.authority());
+            NetworkTransport transport("Sayvane/0.1");
+            for (int i = 0; i < 5; ++i)
+                server.answer({.bytes = bytes, .afterwards = TlsServer::Afterwards::close});
+            const Result result = exchange(transport, post(server.url(u"/"_s), "body"));
+            QVERIFY(!result);
+            QCOMPARE(result.error().kind, Kind::other);
+            QVERIFY(result.error().message.contains(u"before its whole answer"_s));
+            QCOMPARE(server.requests().size(), 1); // not repeated: the server may have carried it out
+        }
+    }
+
+    void aBodyThatEndsWithTheConnectionIsWhole()
+    {
+        TlsServer server;
+        trust(server.authority());
+        NetworkTransport transport("Sayvane/0.1");
+        server.answer({.bytes = "HTTP/1.0 200 OK\r\n\r\n<html>plain</html>",
+                       .afterwards = TlsServer::Afterwards::close});
+        const Result result = exchange(transport, get(server.url(u"/"_s)));
+        QVERIFY(result);
+        QCOMPARE(result->body, "<html>plain</html>");
+    }
+
+    void chunksAndTheirTrailersAreRead()
+    {
+        TlsServer server;
+        trust(server.authority());
+        NetworkTransport transport("Sayvane/0.1");
+        server.answer({.bytes = "HTTP/1.1 100 Continue\r\nX-Early: 1\r\n\r\nHTTP/1.1 200 "
+                                "OK\r\nTransfer-Encoding: chunked\r\n\r\n"
+                                "3\r\n{\"a\r\n4\r\n\":1}\r\n0\r\nX-Sum: 1\r\n\r\n",
+                       .pieceSize = 7});
+        const Result result = exchange(transport, get(server.url(u"/"_s)));
+        QVERIFY2(result, result ? "" : qPrintable(result.error().message));
+        QCOMPARE(result->status, 200);
+        QCOMPARE(result->body, "{\"a\":1}");
+        QVERIFY(!result->header("X-Early"));
+    }
+
+    void aCompressedAnswerIsUnpacked()
+    {
+        const QByteArray text = QByteArray("{\"text\":\"").append(QByteArray(20000, 'a')).append("\"}");
+        TlsServer server;
+        trust(server.authority());
+        NetworkTransport transport("Sayvane/0.1");
+        server.answer(TlsServer::Answer::of(200, qCompress(text).sliced(4), "application/json",
+                                            {{"Content-Encoding", "deflate"}}));
+        const Result result = exchange(transport, get(server.url(u"/"_s)));
+        QVERIFY(result);
+        QCOMPARE(result->body, text);
+    }
+
+    void aWarmUpSavesTheHandshakeOfTheUpload()
+    {
+        TlsServer server;
+        trust(server.authority());
+        NetworkTransport transport("Sayvane/0.1");
+        QVERIFY(exchange(transport, get(server.url(u"/models"_s))));
+        const QByteArray recording(3'000'000, '\x7f');
+        QVERIFY(exchange(transport, post(server.url(u"/transcribe"_s), recording)));
+        QCOMPARE(server.requests().value(1).body, recording);
+        QCOMPARE(server.connections(), 1);
+        QCOMPARE(server.handshakes(), 1);
+    }
+
+    void aConnectionTheServerHasClosedIsOpenedAnew()
+    {
+        TlsServer server;
+        trust(server.authority());
+        NetworkTransport transport("Sayvane/0.1");
+        QVERIFY(exchange(transport, get(server.url(u"/models"_s))));
+        server.closeAllConnections();
+        QTRY_COMPARE(server.openConnections(), 0);
+        QVERIFY(exchange(transport, post(server.url(u"/transcribe"_s), "recording")));
+        QCOMPARE(server.requests().size(), 2);
+        QCOMPARE(server.connections(), 2);
+    }
+
+    void aLargeUploadArrivesWhole()
+    {
+        QByteArray recording(18 * 1024 * 1024, '\0');
+        for (qsizetype i = 0; i < recording.size(); i += 997)
+            recording[i] = char(i % 251);
+        TlsServer server;
+        trust(server.authority());
+        NetworkTransport transport("Sayvane/0.1");
+        QVERIFY(exchange(transport, post(server.url(u"/transcribe"_s), recording)));
+        QVERIFY(server.requests().value(0).body == recording);
+    }
+
+    void anAnswerOfEnormousSizeIsRefused_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("announced") << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 9000000000\r\n\r\nx");
+        QTest::newRow("not announced")
+            << QByteArray("HTTP/1.1 200 OK\r\n\r\n").append(QByteArray(65 * 1024 * 1024, 'x'));
+    }
+
+    void anAnswerOfEnormousSizeIsRefused()
+    {
+        QFETCH(QByteArray, bytes);
+        TlsServer server(TlsServer::Security::plain);
+        NetworkTransport transport("Sayvane/0.1");
+        server.answer({.bytes = bytes, .pieceSize = 1024 * 1024});
+        const Result result = exchange(transport, get(server.url(u"/"_s)));
+        QCOMPARE(kindOf(result), Kind::other);
+        QVERIFY(result.error().message.contains(u"too large"_s));
+    }
+
+    void aServerThatCannotBeTrustedGetsNoRequest_data()
+    {
+        QTest::addColumn<TestCertificate>("authority");
+        QTest::addColumn<TestCertificate>("certificate");
+        QTest::addColumn<QString>("reason");
+        const TestCertificate good = TestCertificate::authority();
+        const QDateTime now = QDateTime::currentDateTimeUtc();
+        const TestCertificate self = TestCertificate::selfSigned({});
+        QTest::newRow("expired") << good << good.issue({"127.0.0.1", now.addDays(-9), now.addDays(-1)})
+                                 << u"has expired"_s;
+        QTest::newRow("early") << good << good.issue({"127.0.0.1", now.addDays(1), now.addDays(9)})
+                               << u"not valid yet"_s;
+        QTest::newRow("other address") << good << good.issue({.name = "example.org"}) << u"another address"_s;
+        QTest::newRow("self-signed") << good << self << u"self-signed"_s;
+        QTest::newRow("unknown authority")
+            << good << TestCertificate::authority("Other").issue({}) << u"authority"_s;
+        QTest::newRow("forged") << good << TestCertificate::authority().issue({}) << u"secure connection"_s;
+        QTest::newRow("nothing trusted") << TestCertificate() << good.issue({}) << u"SSL_CERT_FILE"_s;
+    }
+
+    void aServerThatCannotBeTrustedGetsNoRequest()
+    {
+        QFETCH(TestCertificate, authority);
+        QFETCH(TestCertificate, certificate);
+        QFETCH(QString, reason);
+        TlsServer server(certificate);
+        trust(authority);
+        NetworkTransport transport("Sayvane/0.1");
+        const Result result = exchange(transport, post(server.url(u"/"_s), "secret"));
+        QCOMPARE(kindOf(result), Kind::insecure);
+        QVERIFY2(result.error().message.contains(reason), qPrintable(result.error().message));
+        QCOMPARE(server.bytesReceived(), 0);
+    }
+
+    void aFolderOfCertificatesIsTrusted()
+    {
+        TlsServer server;
+        QVERIFY(QDir(m_folder.path()).mkpath(u"authorities"_s));
+        write(u"authorities/"_s + QString::fromLatin1(server.authority().hashedName()),
+              server.authority().certificate);
+        qputenv("SSL_CERT_DIR", "/nonexistent:" + m_folder.filePath(u"authorities"_s).toLocal8Bit());
+        NetworkTransport transport("Sayvane/0.1");
+        QVERIFY(exchange(transport, get(server.url(u"/"_s))));
+    }
+
+    void aServerWithoutTlsIsInsecure()
+    {
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        connect(&server, &QTcpServer::newConnection, &server,
+                [&server] { server.nextPendingConnection()->write("HTTP/1.1 400 Bad Request\r\n\r\n"); });
+        NetworkTransport transport("Sayvane/0.1");
+        const Result result =
+            exchange(transport, get(QUrl(u"https://127.0.0.1:%1/"_s.arg(server.serverPort()))));
+        QCOMPARE(kindOf(result), Kind::insecure);
+    }
+
+    void aServerThatHangsUpDuringAnUploadIsAnError()
+    {
+        TlsServer server;
+        trust(server.authority());
+        NetworkTransport transport("Sayvane/0.1");
+        QList<Result> results;
+        const HttpRequest request = post(server.url(u"/"_s), QByteArray(18 * 1024 * 1024, 'x'));
+        const QCoro::Task<> task = keep(transport, request, {}, results);
+        QTRY_VERIFY(server.bytesReceived() > 0);
+        server.closeAllConnections();
+        QTRY_COMPARE(results.size(), 1);
+        QCOMPARE(kindOf(results.first()), Kind::other);
+        QCOMPARE(server.connections(), 1);
+    }
+
+    void silenceEndsARequestAndSlownessDoesNot()
+    {
+        TlsServer server;
+        trust(server.authority());
+        NetworkTransport transport("Sayvane/0.1");
+        HttpRequest request = get(server.url(u"/"_s));
+        request.timeout = 300ms;
+        const QByteArray answer = TlsServer::Answer::json(200, QByteArray(1000, '1')).bytes;
+
+        server.answer({.bytes = answer, .pieceSize = 120, .pause = 60ms});
+        QVERIFY(exchange(transport, request));
+
+        server.answer({.bytes = answer, .delay = 30s});
+        QCOMPARE(kindOf(exchange(transport, request)), Kind::timedOut);
+
+        server.answer({.bytes = answer, .cutAfter = answer.size() - 3});
+        QCOMPARE(kindOf(exchange(transport, request)), Kind::timedOut);
+        QTRY_COMPARE(server.openConnections(), 0); // given up, not left behind
+    }
+
+    void theWholeExchangeHasALimitToo()
+    {
+        TlsServer server;
+        trust(server.authority());
+        NetworkTransport transport("Sayvane/0.1");
+        HttpRequest request = get(server.url(u"/"_s));
+        request.resourceTimeout = 300ms;
+        server.answer({.bytes = TlsServer::Answer::json(200, QByteArray(1000, '1')).bytes,
+                       .pieceSize = 1,
+                       .pause = 20ms});
+        QCOMPARE(kindOf(exchange(transport, request)), Kind::timedOut);
+    }
+
+    void aServerThatNeverShakesHandsTimesOut()
+    {
+        QTcpServer mute;
+        QVERIFY(mute.listen(QHostAddress::LocalHost));
+        NetworkTransport transport("Sayvane/0.1");
+        HttpRequest request = get(QUrl(u"https://127.0.0.1:%1/"_s.arg(mute.serverPort())));
+        request.timeout = 200ms;
+        QCOMPARE(kindOf(exchange(transport, request)), Kind::timedOut);
+    }
+
+    void nobodyListeningIsOffline()
+    {
+        QTcpServer gone;
+        QVERIFY(gone.listen(QHostAddress::LocalHost));
+        const quint16 port = gone.serverPort();
+        gone.close();
+        NetworkTransport transport("Sayvane/0.1");
+        QCOMPARE(kindOf(exchange(transport, get(QUrl(u"https://127.0.0.1:%1/"_s.arg(port))))), Kind::offline);
+    }
+
+    void whatIsNoWebRequestIsRefused_data()
+    {
+        QTest::addColumn<QUrl>("url");
+        QTest::addColumn<QByteArray>("header");
+        const QUrl nowhere(u"http://127.0.0.1:9/"_s);
+        QTest::newRow("no address") << QUrl() << QByteArray("x");
+        QTest::newRow("file") << QUrl(u"file:///etc/hostname"_s) << QByteArray("x");
+        QTest::newRow("data") << QUrl(u"data:text/plain,hello"_s) << QByteArray("x");
+        QTest::newRow("no host") << QUrl(u"https:///path"_s) << QByteArray("x");
+        QTest::newRow("two headers in one") << nowhere << QByteArray("x\r\nCookie: a=b");
+    }
+
+    void whatIsNoWebRequestIsRefused()
+    {
+        QFETCH(QUrl, url);
+        QFETCH(QByteArray, header);
+        NetworkTransport transport("Sayvane/0.1");
+        HttpRequest request = get(url);
+        request.headers = {{"Authorization", header}};
+        QCOMPARE(kindOf(exchange(transport, request)), Kind::other);
+    }
+
+    void aStopRequestCancels_data()
+    {
+        QTest::addColumn<bool>("fromAnotherThread");
+        QTest::newRow("main thread") << false;
+        QTest::newRow("another thread") << true;
+    }
+
+    void aStopRequestCancels()
+    {
+        QFETCH(bool, fromAnotherThread);
+        TlsServer server;
+        trust(server.authority());
+        NetworkTransport transport("Sayvane/0.1");
+        server.answer({.delay = 30s});
+        std::stop_source stop;
+        QList<Result> results;
+        const QCoro::Task<> task = keep(transport, get(server.url(u"/"_s)), stop.get_token(), results);
+        QTRY_COMPARE(server.requests().size(), 1);
+        if (fromAnotherThread)
+            std::jthread([&stop] { stop.request_stop(); }).join();
+        else
+            stop.request_stop();
+        QTRY_COMPARE(results.size(), 1);
+        QCOMPARE(kindOf(results.first()), Kind::cancelled);
+        QTRY_COMPARE(server.openConnections(), 0);
+
+        QCOMPARE(kindOf(exchange(transport, get(server.url(u"/"_s)), stop.get_token())), Kind::cancelled);
+        QCOMPARE(server.requests().size(), 1);
+    }
+
+    void theEndOfTheTransportCancelsWhatIsUnderWay()
+    {
+        TlsServer server;
+        trust(server.authority());
+        auto transport = std::make_unique<NetworkTransport>("Sayvane/0.1");
+        server.answer({.delay = 30s});
+        server.answer({.delay = 30s});
+        QList<Result> results;
+        const QCoro::Task<> one = keep(*transport, get(server.url(u"/"_s)), {}, results);
+        const QCoro::Task<> two = keepBoth(*transport, get(server.url(u"/"_s)), results);
+        QTRY_COMPARE(server.requests().size(), 2);
+        transport.reset();
+        QCOMPARE(results.size(), 3);
+        for (const Result &result : std::as_const(results))
+            QCOMPARE(kindOf(result), Kind::cancelled);
+    }
+
+    void theWaiterMayDestroyTheTransport()
+    {
+        TlsServer server;
+        trust(server.authority());
+        auto transport = std::make_unique<NetworkTransport>("Sayvane/0.1");
+        int statuses = 0;
+        auto sent = transport->send(get(server.url(u"/"_s)), {});
+        sent.then([&](const Result &result) {
+            statuses += result ? result->status : 0;
+            transport.reset();
+        });
+        QTRY_COMPARE(statuses, 200);
+        QVERIFY(!transport);
+    }
+
+    void aProxyOfTheEnvironmentIsUsed()
+    {
+        TlsServer proxy(TlsServer::Security::plain);
+        TlsServer direct(TlsServer::Security::plain);
+        const QByteArray address = "http://127.0.0.1:" + QByteArray::number(proxy.serverPort());
+        qputenv("http_proxy", address);
+        qputenv("HTTPS_PROXY", address);
+        qputenv("no_proxy", "127.0.0.1");
+        NetworkTransport transport("Sayvane/0.1");
+        QVERIFY(exchange(transport, get(QUrl(u"http://plain.invalid/x"_s))));
+        QCOMPARE(proxy.requests().value(0).target, "http://plain.invalid/x");
+
+        proxy.answer(TlsServer::Answer::html(502, "no"));
+        QCOMPARE(kindOf(exchange(transport, get(QUrl(u"https://secure.invalid/x"_s)))), Kind::offline);
+        QCOMPARE(proxy.requests().value(1).method, "CONNECT");
+        QCOMPARE(proxy.requests().value(1).target, "secure.invalid:443");
+
+        QVERIFY(exchange(transport, get(direct.url(u"/"_s))));
+        QCOMPARE(direct.requests().size(), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(NetworkTransportTest)
+#include "NetworkTransportTest.moc"
