@@ -18,6 +18,7 @@
 namespace {
 
 constexpr int recordingsAtOnce = 6;
+constexpr size_t formLimit = TranscribeForm::maximumRecording + size_t{64} * 1024;
 constexpr auto speechModel = "pocketsphinx-en-us";
 constexpr auto cleanupModel = "sayvane-rules";
 
@@ -33,6 +34,12 @@ void answer(httplib::Response &response, const nlohmann::json &body)
 {
     response.status = 200;
     response.set_content(body.dump(), "application/json");
+}
+
+/// Known before anything of the body is read; a body in chunks is counted while it arrives.
+bool announcesMoreThan(const httplib::Request &request, size_t limit)
+{
+    return request.get_header_value<uint64_t>("Content-Length") > limit;
 }
 
 /// The recogniser's words as a sentence, the user's terms in their own spelling.
@@ -67,7 +74,7 @@ Service::Service(HttpsServer &server, Accounts &accounts, SpeechEngine &speech)
       m_speech(speech),
       m_places(recordingsAtOnce)
 {
-    server.set_payload_max_length(TranscribeForm::maximumRecording + 1024 * 1024);
+    server.set_payload_max_length(formLimit);
     server.Post("/v1/transcribe",
                 [this](const Request &request, Response &response, const httplib::ContentReader &body) {
                     transcribe(request, response, body);
@@ -102,6 +109,8 @@ void Service::transcribe(const Request &request, Response &response, const httpl
         return refuse(response, Refusal::quotaExceeded());
     if (!request.is_multipart_form_data())
         return refuse(response, Refusal::badRequest("The request is not a multipart form."));
+    if (announcesMoreThan(request, formLimit))
+        return refuse(response, Refusal::tooLarge("The recording is too long. The limit is 25 MB."));
     if (!m_places.try_acquire())
         return refuse(response, Refusal::rateLimited());
     const auto release = [](std::counting_semaphore<> *places) { places->release(); };
@@ -156,8 +165,8 @@ void Service::cleanup(const Request &request, Response &response, const httplib:
     if (request.is_multipart_form_data())
         return refuse(response, Refusal::badRequest("The request is not a JSON object in UTF-8."));
     std::string text;
-    bool tooLarge = false;
-    const bool complete = body([&](const char *bytes, size_t size) {
+    bool tooLarge = announcesMoreThan(request, CleanupRequest::maximumBody);
+    const bool complete = !tooLarge && body([&](const char *bytes, size_t size) {
         tooLarge = text.size() + size > CleanupRequest::maximumBody;
         if (!tooLarge)
             text.append(bytes, size);
@@ -166,7 +175,7 @@ void Service::cleanup(const Request &request, Response &response, const httplib:
     if (tooLarge)
         return refuse(response, Refusal::tooLarge("The text is too long."));
     if (!complete)
-        return refuse(response, Refusal::forStatus(response.status == 413 ? 413 : 400));
+        return refuse(response, Refusal::forStatus(400));
     const auto wanted = CleanupRequest::fromJson(text);
     if (!wanted)
         return refuse(response, wanted.error());

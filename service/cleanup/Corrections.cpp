@@ -24,14 +24,10 @@ Kind kindOf(const Word &word)
 /// Words from `at` that may only be followed by nothing or a comma.
 size_t correctionAt(const Words &words, size_t at)
 {
-    static const std::array<Phrase::Keys, 8> phrases{Phrase::Keys{"no", "sorry"},
-                                                     {"no", "wait"},
-                                                     {"no", "make", "that"},
-                                                     {"sorry", "make", "that"},
-                                                     {"make", "that"},
-                                                     {"i", "mean"},
-                                                     {"or", "rather"},
-                                                     {"no"}};
+    static constexpr std::array phrases{Phrase{"no", "sorry"},        Phrase{"no", "wait"},
+                                        Phrase{"no", "make", "that"}, Phrase{"sorry", "make", "that"},
+                                        Phrase{"make", "that"},       Phrase{"i", "mean"},
+                                        Phrase{"or", "rather"},       Phrase{"no"}};
     const size_t length = Phrase::lengthAt(words, at, phrases);
     const bool joins = length > 0 && words[at].gap == Word::Gap::space && words[at].before.empty();
     const std::string &after = joins ? words[at + length - 1].after : std::string();

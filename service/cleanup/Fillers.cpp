@@ -59,8 +59,8 @@ Words Fillers::soundsRemoved(Words words)
 
 Words Fillers::phrasesRemoved(Words words)
 {
-    static const std::array<Phrase::Keys, 5> phrases{
-        Phrase::Keys{"you", "know"}, {"i", "mean"}, {"sort", "of"}, {"kind", "of"}, {"like"}};
+    static constexpr std::array phrases{Phrase{"you", "know"}, Phrase{"i", "mean"}, Phrase{"sort", "of"},
+                                        Phrase{"kind", "of"}, Phrase{"like"}};
     Words kept;
     kept.reserve(words.size());
     for (size_t i = 0; i < words.size();) {

@@ -2,28 +2,26 @@
 
 #include <algorithm>
 
-bool Phrase::standsAt(std::span<const Word> words, size_t at, Keys keys)
+bool Phrase::standsAt(std::span<const Word> words, size_t at) const
 {
-    if (at + keys.size() > words.size())
+    if (at + m_size > words.size())
         return false;
-    for (size_t i = 0; i < keys.size(); ++i) {
+    for (size_t i = 0; i < m_size; ++i) {
         const Word &word = words[at + i];
-        if (word.isTerm || word.key != keys.begin()[i] || (i > 0 && !words[at + i - 1].runsInto(word)))
+        if (word.isTerm || word.key != m_keys[i] || (i > 0 && !words[at + i - 1].runsInto(word)))
             return false;
     }
     return true;
 }
 
-size_t Phrase::lengthAt(std::span<const Word> words, size_t at, std::span<const Keys> phrases)
+size_t Phrase::lengthAt(std::span<const Word> words, size_t at, std::span<const Phrase> phrases)
 {
-    for (const Keys &phrase : phrases) {
-        if (standsAt(words, at, phrase))
-            return phrase.size();
-    }
-    return 0;
+    const auto found =
+        std::ranges::find_if(phrases, [&](const Phrase &phrase) { return phrase.standsAt(words, at); });
+    return found == phrases.end() ? 0 : found->size();
 }
 
-bool Phrase::isOneOf(std::string_view key, Keys keys)
+bool Phrase::isOneOf(std::string_view key, std::initializer_list<std::string_view> keys)
 {
     return std::ranges::find(keys, key) != keys.end();
 }

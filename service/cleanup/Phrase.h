@@ -2,21 +2,35 @@
 
 #include "service/text/Word.h"
 
+#include <array>
+#include <concepts>
 #include <cstddef>
 #include <initializer_list>
 #include <span>
 #include <string_view>
 
-/// Looking for fixed phrases in a text.
-namespace Phrase {
+/// A fixed phrase of up to four words, to be looked for in a text.
+class Phrase
+{
+public:
+    template <typename... Keys>
+    requires(std::convertible_to<const Keys &, std::string_view> &&...) constexpr Phrase(const Keys &...keys)
+        : m_keys{keys...},
+          m_size(sizeof...(keys))
+    {
+    }
 
-using Keys = std::initializer_list<std::string_view>;
+    constexpr size_t size() const { return m_size; }
 
-/// Whether the keys follow each other at `at`, with neither punctuation nor a break between them.
-bool standsAt(std::span<const Word> words, size_t at, Keys keys);
-/// The number of words of the first of the phrases that stands there; 0 when none does.
-size_t lengthAt(std::span<const Word> words, size_t at, std::span<const Keys> phrases);
-/// Whether the key is one of them.
-bool isOneOf(std::string_view key, Keys keys);
+    /// Whether the words follow each other at `at`, with neither punctuation nor a break between them.
+    bool standsAt(std::span<const Word> words, size_t at) const;
 
-} // namespace Phrase
+    /// The number of words of the first of the phrases that stands there; 0 when none does.
+    static size_t lengthAt(std::span<const Word> words, size_t at, std::span<const Phrase> phrases);
+    /// Whether the key is one of them.
+    static bool isOneOf(std::string_view key, std::initializer_list<std::string_view> keys);
+
+private:
+    std::array<std::string_view, 4> m_keys;
+    size_t m_size;
+};

@@ -7,7 +7,7 @@
 
 namespace {
 
-using Phrase::isOneOf;
+constexpr auto isOneOf = &Phrase::isOneOf;
 using Scope = Retraction::Scope;
 
 /// Whether the word before makes the phrase part of the message: "you could scratch that".
@@ -57,8 +57,7 @@ std::optional<Retraction> withObject(std::span<const Word> words, size_t at)
 {
     const bool verb = isOneOf(words[at].key, {"scratch", "scrap", "delete", "strike", "remove"});
     if (!verb ||
-        !(Phrase::standsAt(words, at + 1, {"that", "last"}) ||
-          Phrase::standsAt(words, at + 1, {"the", "last"})) ||
+        !(Phrase{"that", "last"}.standsAt(words, at + 1) || Phrase{"the", "last"}.standsAt(words, at + 1)) ||
         at + 3 >= words.size() || !words[at].runsInto(words[at + 1]) ||
         !words[at + 2].runsInto(words[at + 3]))
         return {};
@@ -75,15 +74,18 @@ std::optional<Retraction> withObject(std::span<const Word> words, size_t at)
 /// "scratch that", "actually don't write that": what "that" is has to be the text before.
 std::optional<Retraction> withoutObject(std::span<const Word> words, size_t at, const Words &before)
 {
-    if (Phrase::standsAt(words, at, {"scratch", "that"})) {
+    if (Phrase{"scratch", "that"}.standsAt(words, at)) {
         const bool literal =
             !isCutOff(words, at + 2) &&
             isOneOf(words[at + 2].key, {"itch", "off", "from", "idea", "surface", "card", "with"});
         return literal ? std::nullopt : std::optional(Retraction{2, Scope::clause});
     }
-    static const std::array<Phrase::Keys, 6> phrases{
-        Phrase::Keys{"scrap", "that"},  {"delete", "that"}, {"strike", "that"}, {"don't", "write", "that"},
-        {"do", "not", "write", "that"}, {"ignore", "that"}};
+    static constexpr std::array phrases{Phrase{"scrap", "that"},
+                                        Phrase{"delete", "that"},
+                                        Phrase{"strike", "that"},
+                                        Phrase{"don't", "write", "that"},
+                                        Phrase{"do", "not", "write", "that"},
+                                        Phrase{"ignore", "that"}};
     const size_t length = Phrase::lengthAt(words, at, phrases);
     if (length == 0)
         return {};
@@ -96,10 +98,9 @@ std::optional<Retraction> withoutObject(std::span<const Word> words, size_t at, 
 /// "start again": with a pause before, or where the text plainly begins anew.
 std::optional<Retraction> beginning(std::span<const Word> words, size_t at, const Words &before)
 {
-    static const std::array<Phrase::Keys, 4> phrases{Phrase::Keys{"let", "me", "start", "again"},
-                                                     {"let", "me", "start", "over"},
-                                                     {"start", "again"},
-                                                     {"start", "over"}};
+    static constexpr std::array phrases{Phrase{"let", "me", "start", "again"},
+                                        Phrase{"let", "me", "start", "over"}, Phrase{"start", "again"},
+                                        Phrase{"start", "over"}};
     const size_t length = Phrase::lengthAt(words, at, phrases);
     const size_t next = at + length;
     if (length == 0 || next >= words.size())
@@ -120,7 +121,7 @@ std::optional<Retraction> beginning(std::span<const Word> words, size_t at, cons
 std::optional<Retraction> Retraction::at(std::span<const Word> words, size_t at, const Words &before,
                                          bool retracted)
 {
-    if (before.empty() && !retracted)
+    if (!words[at].before.empty() || (before.empty() && !retracted))
         return {};
     if (!before.empty() && words[at].gap == Word::Gap::space && addressesReader(before.back()))
         return {};

@@ -11,7 +11,7 @@
 
 namespace {
 
-using Phrase::isOneOf;
+constexpr auto isOneOf = &Phrase::isOneOf;
 using Text = std::span<const Word>;
 
 constexpr size_t reach = 40; // words; no instruction takes back more

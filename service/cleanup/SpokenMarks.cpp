@@ -6,16 +6,16 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
+#include <string_view>
 #include <utility>
 
 namespace {
 
 struct Command
 {
-    size_t words = 0;
-    Word::Gap gap = Word::Gap::space; // for layout
-    std::string mark;                 // for punctuation
+    Phrase phrase;
+    Word::Gap gap;         // for layout
+    std::string_view mark; // for punctuation
 };
 
 /// Words that a mark's name can hang on: "the comma", "another new line", "the Oxford comma".
@@ -28,22 +28,18 @@ bool leadsTo(const Word &word)
                             "with", "without", "oxford",  "serial", "big",   "huge"});
 }
 
-std::optional<Command> commandAt(const Words &words, size_t at)
+const Command *commandAt(const Words &words, size_t at)
 {
-    static const std::array<std::pair<Phrase::Keys, Command>, 7> commands{{
-        {{"new", "paragraph"}, {2, Word::Gap::paragraph, {}}},
-        {{"new", "line"}, {2, Word::Gap::line, {}}},
-        {{"full", "stop"}, {2, Word::Gap::space, "."}},
-        {{"question", "mark"}, {2, Word::Gap::space, "?"}},
-        {{"exclamation", "mark"}, {2, Word::Gap::space, "!"}},
-        {{"exclamation", "point"}, {2, Word::Gap::space, "!"}},
-        {{"comma"}, {1, Word::Gap::space, ","}},
-    }};
-    for (const auto &[phrase, command] : commands) {
-        if (Phrase::standsAt(words, at, phrase))
-            return command;
-    }
-    return {};
+    static constexpr std::array commands{Command{{"new", "paragraph"}, Word::Gap::paragraph, {}},
+                                         Command{{"new", "line"}, Word::Gap::line, {}},
+                                         Command{{"full", "stop"}, Word::Gap::space, "."},
+                                         Command{{"question", "mark"}, Word::Gap::space, "?"},
+                                         Command{{"exclamation", "mark"}, Word::Gap::space, "!"},
+                                         Command{{"exclamation", "point"}, Word::Gap::space, "!"},
+                                         Command{{"comma"}, Word::Gap::space, ","}};
+    const auto stands = [&](const Command &command) { return command.phrase.standsAt(words, at); };
+    const auto found = std::ranges::find_if(commands, stands);
+    return found == commands.end() ? nullptr : &*found;
 }
 
 /// Whether the named mark is what the sentence is about.
@@ -51,13 +47,13 @@ bool isContent(const Words &kept, const Words &words, size_t at, const Command &
 {
     if (!kept.empty() && words[at].gap == Word::Gap::space && leadsTo(kept.back()))
         return true;
-    const size_t next = at + command.words;
+    const size_t next = at + command.phrase.size();
     return next < words.size() && words[next - 1].runsInto(words[next]) &&
            Phrase::isOneOf(words[next].key, {"of", "manager", "managers", "item", "items", "break", "breaks",
                                              "character", "characters", "separated", "key", "and", "or"});
 }
 
-Words withMark(Words words, const std::string &mark)
+Words withMark(Words words, std::string_view mark)
 {
     if (words.empty())
         return words;
@@ -77,7 +73,7 @@ Words SpokenMarks::carriedOut(Words words)
     kept.reserve(words.size());
     Word::Gap gap = Word::Gap::space;
     for (size_t i = 0; i < words.size();) {
-        const std::optional<Command> command = commandAt(words, i);
+        const Command *command = commandAt(words, i);
         if (!command || isContent(kept, words, i, *command)) {
             Word word = std::move(words[i++]);
             if (gap != Word::Gap::space)
@@ -92,7 +88,7 @@ Words SpokenMarks::carriedOut(Words words)
             kept = withMark(std::move(kept), command->mark);
         else if (command->gap == Word::Gap::paragraph)
             kept = FullStops::endingParagraph(std::move(kept));
-        i += command->words;
+        i += command->phrase.size();
     }
     return kept;
 }

@@ -84,7 +84,7 @@ HttpsServer::HttpsServer(const std::filesystem::path &certificate, const std::fi
                                           SSL_MODE_RELEASE_BUFFERS);
     new_task_queue = [this] { return new ConnectionThreads(m_connections, connectionThreads); };
     set_keep_alive_timeout(idleLimit.count());
-    set_keep_alive_max_count(1'000'000);  // only announced; nothing here counts
+    set_keep_alive_max_count(1'000'000); // only announced; nothing here counts
     set_logger(logAnswer);
     set_error_handler(explainRefusal);
     set_exception_handler(explainException);

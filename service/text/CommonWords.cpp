@@ -19,9 +19,9 @@ const std::unordered_set<std::string_view> words{
 
 /// Those that no neighbouring language shares.
 const std::unordered_set<std::string_view> onlyEnglish{
-    "the", "and",  "that",  "this", "you",    "it",  "it's", "of",    "to",   "with",
-    "for", "we",   "they",  "have", "are",    "be",  "my",   "your",  "our",  "their",
-    "i'm", "i'll", "don't", "not",  "please", "but", "from", "would", "will", "should"};
+    "the",  "and",    "that", "this",  "you",  "it",    "it's",  "to",   "with",   "they", "are",  "be",
+    "my",   "your",   "our",  "their", "i'm",  "i'll",  "don't", "not",  "please", "but",  "from", "would",
+    "will", "should", "she",  "very",  "what", "there", "how",   "when", "where",  "about"};
 
 } // namespace
 
@@ -35,5 +35,5 @@ bool CommonWords::lookEnglish(const Words &text)
     constexpr size_t fewWords = 8;
     const auto found =
         std::ranges::count_if(text, [](const Word &word) { return onlyEnglish.contains(word.key); });
-    return text.size() < fewWords || static_cast<size_t>(found) * 20 >= text.size();
+    return text.size() < fewWords || static_cast<size_t>(found) * 12 >= text.size();
 }

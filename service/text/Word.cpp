@@ -10,9 +10,9 @@ constexpr std::string_view blanks = " \t\r\n\v\f";
 constexpr std::array<std::string_view, 10> openers{"\"", "'", "(", "[", "{", "“", "‘", "«", "¿", "¡"};
 constexpr std::array<std::string_view, 16> closers{".", ",", ";", ":", "!", "?", "\"", "'",
                                                    ")", "]", "}", "”", "’", "»", "…",  "‚"};
-constexpr std::array<std::string_view, 22> abbreviations{
-    "mr",  "mrs",    "ms", "dr", "prof", "st",  "vs",  "e.g", "i.e", "eg", "ie",
-    "etc", "approx", "jr", "sr", "inc",  "ltd", "a.m", "p.m", "cf",  "al", "dept"};
+constexpr std::array<std::string_view, 24> abbreviations{
+    "mr",     "mrs", "ms", "dr",  "prof", "st",  "vs",  "e.g", "i.e", "eg",   "ie",   "etc",
+    "approx", "jr",  "sr", "inc", "ltd",  "a.m", "p.m", "cf",  "al",  "dept", "corp", "co"};
 
 char lower(char c)
 {
@@ -75,7 +75,8 @@ bool Word::endsSentence() const
     if (after.find('.') == std::string::npos || after.find("..") != std::string::npos)
         return false;
     const bool isInitial = core.size() == 1 && core != "I" && core[0] >= 'A' && core[0] <= 'Z';
-    return !isInitial && std::ranges::find(abbreviations, key) == abbreviations.end();
+    return !isInitial && std::ranges::find(abbreviations, std::string_view(key).substr(key.rfind(' ') + 1)) ==
+                             abbreviations.end();
 }
 
 bool Word::runsInto(const Word &next) const

@@ -1,0 +1,164 @@
+#include "service/accounts/Accounts.h"
+#include "service/CommandLine.h"
+#include "service/accounts/SessionToken.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+using namespace std::chrono_literals;
+
+/// Sessions, the daily allowance, and the command that makes them.
+class AccountsTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_folder = std::make_unique<QTemporaryDir>(); }
+
+    void aSessionIsFoundByItsTokenAlone();
+    void theAllowanceLastsADay();
+    void anAllowanceIsKeptUntilItIsChanged();
+    void requestsAtOnceDoNotShareTheLastSeconds();
+    void readsTheAuthorizationHeader_data();
+    void readsTheAuthorizationHeader();
+    void readsTheCommandLine_data();
+    void readsTheCommandLine();
+
+private:
+    std::filesystem::path path() const { return m_folder->filePath(QStringLiteral("db")).toStdString(); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+void AccountsTest::aSessionIsFoundByItsTokenAlone()
+{
+    Accounts accounts(path());
+    const std::string a = accounts.openSession("a@example.com", "one", {});
+    const std::string b = accounts.openSession("b@example.com", "two", {});
+    QVERIFY(a.starts_with("svs_") && a.size() == 47 && a != b);
+    QCOMPARE(accounts.find(a)->email, std::string("a@example.com"));
+    QCOMPARE(accounts.find(b)->email, std::string("b@example.com"));
+    QVERIFY(!accounts.find(a.substr(0, 46)));
+    QVERIFY(!accounts.find("' OR 1=1 --"));
+    QVERIFY(!accounts.find(SessionToken::hash(a)));
+    QVERIFY(!accounts.find(""));
+}
+
+void AccountsTest::theAllowanceLastsADay()
+{
+    auto today = std::chrono::sys_days{2026y / 2 / 28};
+    std::string token;
+    {
+        Accounts accounts(path(), [&] { return today; });
+        token = accounts.openSession("a@example.com", "one", 1);
+        const Account account = *accounts.find(token);
+        QCOMPARE(accounts.charge(account, 20), std::optional<std::int64_t>(40));
+        QCOMPARE(accounts.charge(account, 35), std::optional<std::int64_t>(5));
+        accounts.refund(account, 35);
+        QCOMPARE(accounts.find(token)->remainingSeconds(), 40);
+    }
+    Accounts accounts(path(), [&] { return today; });
+    const Account account = *accounts.find(token);
+    QCOMPARE(account.remainingSeconds(), 40);
+    QCOMPARE(accounts.charge(account, 570), std::optional<std::int64_t>(0));
+    QVERIFY(!accounts.charge(account, 1));
+    QCOMPARE(accounts.find(token)->remainingSeconds(), 0);
+    today += std::chrono::days(1);
+    QCOMPARE(accounts.find(token)->remainingSeconds(), 60);
+    QCOMPARE(accounts.charge(account, 90), std::optional<std::int64_t>(0));
+    QVERIFY(!accounts.charge(account, 1));
+}
+
+void AccountsTest::anAllowanceIsKeptUntilItIsChanged()
+{
+    Accounts accounts(path());
+    const std::string first = accounts.openSession("a@example.com", "one", {});
+    QCOMPARE(accounts.find(first)->dailySeconds, 3600);
+    accounts.openSession("a@example.com", "two", 5);
+    accounts.openSession("a@example.com", "three", {});
+    QCOMPARE(accounts.find(first)->dailySeconds, 300);
+}
+
+void AccountsTest::requestsAtOnceDoNotShareTheLastSeconds()
+{
+    Accounts accounts(path());
+    Accounts others(path()); // another process with the same file
+    const Account account = *accounts.find(accounts.openSession("a@example.com", "one", 1));
+    std::atomic<int> granted = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([&, i] {
+            for (int n = 0; n < 3; ++n)
+                granted += (i % 2 ? accounts : others).charge(account, 10) ? 1 : 0;
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    QCOMPARE(granted.load(), 6);
+}
+
+void AccountsTest::readsTheAuthorizationHeader_data()
+{
+    QTest::addColumn<QByteArray>("header");
+    QTest::addColumn<QByteArray>("token");
+    QTest::newRow("bearer") << QByteArray("Bearer svs_a") << QByteArray("svs_a");
+    QTest::newRow("lower case") << QByteArray("bearer svs_a") << QByteArray("svs_a");
+    QTest::newRow("basic") << QByteArray("Basic svs_a") << QByteArray();
+    QTest::newRow("no token") << QByteArray("Bearer ") << QByteArray();
+    QTest::newRow("nothing") << QByteArray() << QByteArray();
+}
+
+void AccountsTest::readsTheAuthorizationHeader()
+{
+    QFETCH(QByteArray, header);
+    QFETCH(QByteArray, token);
+    QCOMPARE(std::string(SessionToken::inHeader(header.toStdString())), token.toStdString());
+}
+
+void AccountsTest::readsTheCommandLine_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("complaint");
+    const auto row = [](const char *name, const char *arguments, const char *complaint) {
+        QTest::newRow(name) << QString::fromUtf8(arguments).split(QLatin1Char(' '), Qt::SkipEmptyParts)
+                            << QString::fromUtf8(complaint);
+    };
+    row("nothing", "", "");
+    row("serve", "serve --host ::1 --port=0 --data /x --decoders 3", "");
+    row("session", "session --email A@b.c --device Desk --daily-minutes 90", "");
+    row("unknown command", "dance", "unknown command dance");
+    row("unknown option", "--loud yes", "unknown option --loud");
+    row("stray word", "serve fast", "unknown option fast");
+    row("missing value", "serve --data", "--data needs a value");
+    row("port", "--port 65536", "--port needs a number from 0 to 65535");
+    row("port with rest", "--port 80x", "--port needs a number from 0 to 65535");
+    row("host", "--host a,DNS:b", "--host needs a host name or an address");
+    row("session option to serve", "serve --email a@b.c", "unknown option --email");
+    row("no e-mail", "session", "session needs --email");
+    row("bad e-mail", "session --email a@b@c", "--email needs an e-mail address");
+    row("no minutes", "session --email a@b.c --daily-minutes 0",
+        "--daily-minutes needs a number from 1 to 1440");
+}
+
+void AccountsTest::readsTheCommandLine()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, complaint);
+    QList<QByteArray> bytes;
+    for (const QString &argument : arguments)
+        bytes << argument.toUtf8();
+    std::vector<const char *> pointers(bytes.cbegin(), bytes.cend());
+    const auto line = CommandLine::parse(pointers);
+    QCOMPARE(QString::fromStdString(line ? std::string() : line.error()), complaint);
+    if (line && line->action == CommandLine::Action::session) {
+        QCOMPARE(line->email, std::string("a@b.c"));
+        QCOMPARE(line->dailyMinutes, std::optional(90));
+    }
+}
+
+QTEST_APPLESS_MAIN(AccountsTest)
+#include "AccountsTest.moc"
