@@ -1,0 +1,8 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+// The protocol's C header calls a field by a keyword of C++.
+#define explicit explicitFlag
+#include <xcb/xkb.h>
+#undef explicit
