@@ -1,0 +1,70 @@
+#include "desktop/x11/Typist.h"
+
+#include "platform/linux/x11/XcbReply.h"
+#include "platform/linux/x11/XkbProtocol.h"
+
+#include <QProcess>
+
+#include <linux/input-event-codes.h>
+#include <xcb/xtest.h>
+
+Typist::Typist() : m_keyboard(m_connection)
+{
+}
+
+Typist::~Typist()
+{
+    const X11Keyboard::Keys down = m_keyboard.keysDown();
+    for (std::size_t key = 8; key < down.size(); ++key) {
+        if (down[key])
+            release(static_cast<int>(key) - 8);
+    }
+    xcb_xkb_latch_lock_state(m_connection.xcb(), XCB_XKB_ID_USE_CORE_KBD, 0xff, 0, true, 0, 0, 0, 0);
+    setLayout({QStringLiteral("us")});
+}
+
+void Typist::press(int evdevKey)
+{
+    fake(XCB_KEY_PRESS, evdevKey);
+}
+
+void Typist::release(int evdevKey)
+{
+    fake(XCB_KEY_RELEASE, evdevKey);
+}
+
+void Typist::tap(int evdevKey)
+{
+    press(evdevKey);
+    release(evdevKey);
+}
+
+bool Typist::isDown(int evdevKey) const
+{
+    return m_keyboard.keysDown()[static_cast<std::size_t>(evdevKey + 8)];
+}
+
+uint16_t Typist::lockedModifiers() const
+{
+    const auto cookie = xcb_xkb_get_state(m_connection.xcb(), XCB_XKB_ID_USE_CORE_KBD);
+    const auto reply = adopt(xcb_xkb_get_state_reply(m_connection.xcb(), cookie, nullptr));
+    return reply ? reply->lockedMods : 0;
+}
+
+void Typist::lockGroup(uint8_t group)
+{
+    xcb_xkb_latch_lock_state(m_connection.xcb(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, true, group, 0, 0, 0);
+    m_connection.flush();
+}
+
+void Typist::setLayout(const QStringList &arguments)
+{
+    QProcess::execute(QStringLiteral("setxkbmap"), arguments);
+}
+
+void Typist::fake(uint8_t event, int evdevKey)
+{
+    xcb_test_fake_input(m_connection.xcb(), event, static_cast<uint8_t>(evdevKey + 8), XCB_CURRENT_TIME,
+                        XCB_WINDOW_NONE, 0, 0, 0);
+    m_connection.flush();
+}

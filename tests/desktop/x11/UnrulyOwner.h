@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/linux/x11/SelectionData.h"
+#include "platform/linux/x11/X11Connection.h"
+
+/// Another program that owns CLIPBOARD and fails those who ask for it.
+class UnrulyOwner
+{
+public:
+    enum class Manner {
+        silent,         ///< answers nothing
+        halfSilent,     ///< lists two formats and delivers the first
+        diesHalfway,    ///< announces two formats, delivers one, and dies amid the other
+        neverEnds,      ///< sends one format piece by piece without end, after one that is fine
+        refusesTargets, ///< knows no list of formats, only UTF8_STRING
+    };
+
+    explicit UnrulyOwner(Manner manner);
+
+private:
+    void handle(const xcb_generic_event_t &event);
+    void answer(const xcb_selection_request_event_t &request);
+    void put(xcb_window_t window, xcb_atom_t property, xcb_atom_t type, uint8_t format,
+             const QByteArray &bytes);
+
+    Manner m_manner;
+    std::unique_ptr<X11Connection> m_connection;
+    xcb_window_t m_window;
+    xcb_atom_t m_good;
+    xcb_atom_t m_bad;
+};
