@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QByteArray>
+
+#include <xcb/xproto.h>
+
+class X11Connection;
+
+/// What the window that has the keyboard says about the program behind it.
+struct FocusedWindow
+{
+    QByteArray instance;  ///< first part of WM_CLASS
+    QByteArray className; ///< second part of WM_CLASS
+    QByteArray command;   ///< the process name, of which the kernel keeps 15 characters
+
+    /// Asks for the active window of the window manager, or else for the window with the input focus.
+    static FocusedWindow read(X11Connection &connection);
+};
