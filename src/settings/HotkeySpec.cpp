@@ -1,13 +1,13 @@
 #include "settings/HotkeySpec.h"
 
 #include "platform/KeyTap.h"
+#include "support/Json.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -145,17 +145,6 @@ QStringView boolText(bool value)
     return value ? u"true" : u"false";
 }
 
-std::optional<qint64> integer(const QJsonValue &value)
-{
-    if (!value.isDouble())
-        return std::nullopt;
-    // Whole numbers are kept exactly; a fraction is none.
-    const double number = value.toDouble();
-    if (number != std::trunc(number) || std::abs(number) >= 9.2e18)
-        return std::nullopt;
-    return value.toInteger();
-}
-
 } // namespace
 
 QString HotkeySpec::jsonString() const
@@ -171,7 +160,7 @@ HotkeySpec HotkeySpec::decode(const std::optional<QString> &json)
         return {};
     const QJsonDocument document = QJsonDocument::fromJson(json->toUtf8());
     const QJsonObject object = document.object();
-    const auto code = integer(object.value("keyCode"_L1));
+    const auto code = Json::wholeNumber(object.value("keyCode"_L1));
     if (!code)
         return {};
     for (const auto member : {"fn"_L1, "command"_L1, "option"_L1, "control"_L1, "shift"_L1}) {
