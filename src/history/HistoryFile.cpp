@@ -1,42 +1,52 @@
 #include "history/HistoryFile.h"
 
+#include "support/Json.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <array>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-void appendQuoted(QByteArray &json, const QString &text)
+QByteArray escaped(char16_t unit)
 {
-    static constexpr char hex[] = "0123456789abcdef";
-    json += '"';
-    // A lone half of a surrogate pair has no UTF-8 form and becomes the replacement character.
-    const QByteArray utf8 = text.toUtf8();
-    for (const char byte : utf8) {
-        const auto code = static_cast<unsigned char>(byte);
-        if (byte == '"' || byte == '\\') {
-            json += '\\';
-            json += byte;
-        } else if (byte == '\n') {
-            json += "\\n";
-        } else if (byte == '\t') {
-            json += "\\t";
-        } else if (byte == '\r') {
-            json += "\\r";
-        } else if (code < 0x20) {
-            json += "\\u00";
-            json += hex[code >> 4];
-            json += hex[code & 15];
-        } else {
-            json += byte;
-        }
+    switch (unit) {
+    case u'"':
+        return "\\\"";
+    case u'\\':
+        return "\\\\";
+    case u'\n':
+        return "\\n";
+    case u'\t':
+        return "\\t";
+    case u'\r':
+        return "\\r";
+    default:
+        return "\\u" + QByteArray::number(unit, 16).rightJustified(4, '0');
     }
+}
+
+void appendQuoted(QByteArray &json, QStringView text)
+{
     json += '"';
+    qsizetype plainBegin = 0; // what needs no escape is converted in one piece
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar unit = text.at(i);
+        if (unit.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate()) {
+            ++i;
+            continue;
+        }
+        // Half a surrogate pair has no UTF-8 form; escaped it comes back as it was.
+        if (unit.unicode() >= 0x20 && unit != u'"' && unit != u'\\' && !unit.isSurrogate())
+            continue;
+        json += text.sliced(plainBegin, i - plainBegin).toUtf8() + escaped(unit.unicode());
+        plainBegin = i + 1;
+    }
+    json += text.sliced(plainBegin).toUtf8() + '"';
 }
 
 /// One object under construction.
@@ -122,10 +132,8 @@ public:
     }
     qint64 integer(QLatin1StringView key)
     {
-        const double number = real(key);
-        if (number != std::trunc(number) || std::abs(number) >= 9.2e18)
-            return refused<qint64>(key);
-        return m_object.value(key).toInteger();
+        const auto number = Json::wholeNumber(m_object.value(key));
+        return number ? *number : refused<qint64>(key);
     }
     std::optional<QString> optionalText(QLatin1StringView key)
     {

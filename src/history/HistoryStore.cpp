@@ -4,7 +4,6 @@
 #include "platform/Clock.h"
 #include "platform/Folders.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
@@ -26,9 +25,12 @@ HistoryStore::HistoryStore(Folders &folders, Clock &clock)
     : m_clock(clock),
       m_filePath(folders.applicationSupport() + u"/Sayvane/history.json"_s)
 {
-    const QString folder = QFileInfo(m_filePath).path();
-    if (!QDir().mkpath(folder))
-        qCCritical(log).noquote() << "Could not create the history folder:" << folder;
+    std::error_code error;
+    std::filesystem::create_directories(std::filesystem::path(QFileInfo(m_filePath).path().toStdU16String()),
+                                        error);
+    if (error)
+        qCCritical(log).noquote() << "Could not create the history folder:"
+                                  << QString::fromStdString(error.message());
     load();
 }
 

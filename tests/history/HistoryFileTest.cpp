@@ -1,0 +1,185 @@
+#include "history/HistoryFile.h"
+
+#include <QTest>
+#include <QTimeZone>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QUuid id(u"{3F2504E0-4F89-41D3-9A0C-0305E82C3301}"_s);
+const QDateTime date(QDate(2026, 3, 1), QTime(9, 15, 42), QTimeZone::utc());
+
+const QByteArray required =
+    R"("id":"3F2504E0-4F89-41D3-9A0C-0305E82C3301","date":"2026-03-01T09:15:42Z","durationSeconds":2,)"
+    R"("wordCount":1,"text":"a")";
+
+} // namespace
+
+class HistoryFileTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void isLaidOutForReaders();
+    void readsRecords_data();
+    void readsRecords();
+    void everyTextComesBack_data();
+    void everyTextComesBack();
+    void summarisesTheTiming_data();
+    void summarisesTheTiming();
+};
+
+void HistoryFileTest::isLaidOutForReaders()
+{
+    const Dictation full{.id = id,
+                         .date = date.toTimeZone(QTimeZone("Asia/Kolkata")).addMSecs(900),
+                         .durationSeconds = 2.25,
+                         .wordCount = 2,
+                         .text = u"a \"b\\\" /"_s,
+                         .rawText = u"um\ta\nb"_s,
+                         .transcribeMs = 1234,
+                         .cleanupMs = 0,
+                         .audioBytes = 72044,
+                         .providerRaw = u"groq"_s,
+                         .transcriptionModel = u"whisper"_s,
+                         .chatModel = u"chat"_s};
+    const Dictation sparse{.id = id, .date = date, .durationSeconds = 3, .wordCount = 0, .text = {}};
+    const QByteArray expected = R"([
+  {
+    "id" : "3F2504E0-4F89-41D3-9A0C-0305E82C3301",
+    "date" : "2026-03-01T09:15:42Z",
+    "durationSeconds" : 2.25,
+    "wordCount" : 2,
+    "text" : "a \"b\\\" /",
+    "rawText" : "um\ta\nb",
+    "transcribeMs" : 1234,
+    "cleanupMs" : 0,
+    "audioBytes" : 72044,
+    "providerRaw" : "groq",
+    "transcriptionModel" : "whisper",
+    "chatModel" : "chat"
+  },
+  {
+    "id" : "3F2504E0-4F89-41D3-9A0C-0305E82C3301",
+    "date" : "2026-03-01T09:15:42Z",
+    "durationSeconds" : 3,
+    "wordCount" : 0,
+    "text" : ""
+  }
+])";
+    QCOMPARE(HistoryFile::encode({full, sparse}), expected);
+    const auto read = HistoryFile::decode(expected);
+    QVERIFY2(read, read ? "" : qPrintable(read.error()));
+    QCOMPARE(HistoryFile::encode(*read), expected);
+    QCOMPARE(HistoryFile::decode(HistoryFile::encode({}))->size(), 0);
+}
+
+void HistoryFileTest::readsRecords_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<bool>("isReadable");
+    const auto row = [](const char *name, const QByteArray &json, bool isReadable) {
+        QTest::newRow(name) << json << isReadable;
+    };
+    const auto with = [](const QByteArray &from, const QByteArray &to) {
+        return "[{" + QByteArray(required).replace(from, to) + "}]";
+    };
+    row("required fields alone", "[{" + required + "}]", true);
+    row("unknown fields", "[{\"x\":[1],\"text2\":null," + required + "}]", true);
+    row("optional fields null", "[{" + required + ",\"rawText\":null,\"cleanupMs\":null}]", true);
+    row("no records", " [ ] ", true);
+    row("lower-case id", with("3F2504E0-4F89-41D3-9A0C-0305E82C3301", "3f2504e0-4f89-41d3-9a0c-0305e82c3301"),
+        true);
+    row("whole duration with a fraction", with("\"durationSeconds\":2", "\"durationSeconds\":2.0"), true);
+    row("another zone", with("09:15:42Z", "14:45:42+05:30"), true);
+    for (const char *key : {"\"id\"", "\"date\"", "\"durationSeconds\"", "\"wordCount\"", "\"text\""})
+        row(qPrintable(u"without "_s + QString::fromUtf8(key)), with(key, "\"x\""), false);
+    row("fractional seconds", with("42Z", "42.5Z"), false);
+    row("milliseconds of zero", with("42Z", "42.000Z"), false);
+    row("date without zone", with("42Z", "42"), false);
+    row("date without seconds", with("09:15:42Z", "09:15Z"), false);
+    row("day alone", with("2026-03-01T09:15:42Z", "2026-03-01"), false);
+    row("a space for the T", with("01T09", "01 09"), false);
+    row("a day that never was", with("2026-03-01", "2026-02-30"), false);
+    row("date as a number", with("\"2026-03-01T09:15:42Z\"", "1"), false);
+    row("id in braces",
+        with("3F2504E0-4F89-41D3-9A0C-0305E82C3301", "{3F2504E0-4F89-41D3-9A0C-0305E82C3301}"), false);
+    row("no id at all", with("3F2504E0-4F89-41D3-9A0C-0305E82C3301", ""), false);
+    row("word count with a fraction", with("\"wordCount\":1", "\"wordCount\":1.5"), false);
+    row("word count beyond 64 bits", with("\"wordCount\":1", "\"wordCount\":1e30"), false);
+    row("text as a number", with("\"text\":\"a\"", "\"text\":1"), false);
+    row("text null", with("\"text\":\"a\"", "\"text\":null"), false);
+    row("optional number as text", "[{" + required + ",\"cleanupMs\":\"5\"}]", false);
+    row("one bad record among good ones", "[{" + required + "},{},{" + required + "}]", false);
+    row("a record that is a list", "[[]]", false);
+    row("an object on top", "{" + required + "}", false);
+    row("empty file", "", false);
+    row("cut short", "[{" + required, false);
+    row("invalid UTF-8", with("\"a\"", "\"\xFF\""), false);
+    row("zero bytes", QByteArray(4096, '\0'), false);
+}
+
+void HistoryFileTest::readsRecords()
+{
+    QFETCH(QByteArray, json);
+    const auto records = HistoryFile::decode(json);
+    QTEST(records.has_value(), "isReadable");
+    if (records && !records->isEmpty()) {
+        QCOMPARE(records->first().id, id);
+        QCOMPARE(records->first().date, date);
+        QCOMPARE(records->first().rawText, std::nullopt);
+    }
+    if (!records)
+        QVERIFY(!records.error().isEmpty());
+}
+
+void HistoryFileTest::everyTextComesBack_data()
+{
+    QTest::addColumn<QString>("text");
+    QString controls;
+    for (char16_t code = 0; code <= 0x20; ++code)
+        controls += QChar(code);
+    QTest::newRow("control characters") << controls + QChar(0x7F) + QChar(0x85);
+    QTest::newRow("line and paragraph separator") << u"a\u2028b\u2029c\uFEFF"_s;
+    QTest::newRow("emoji and scripts") << u"👩‍👩‍👧‍👦 שלום હું 語"_s;
+    QTest::newRow("quotes and slashes") << u"\"\\/\\u0041 </script>"_s;
+    QTest::newRow("half a pair") << QString(QChar(0xD83D)) + u'x';
+    QTest::newRow("the other half at the end") << u"x"_s + QChar(0xDE42);
+    QTest::newRow("halves in the wrong order") << QString(QChar(0xDE42)) + QChar(0xD83D);
+    QTest::newRow("a pair after a half") << QString(QChar(0xD83D)) + u"🙂"_s;
+    QTest::newRow("a million characters") << u"wörd🙂 "_s.repeated(150000);
+}
+
+void HistoryFileTest::everyTextComesBack()
+{
+    QFETCH(QString, text);
+    const Dictation record{.id = id, .date = date, .text = text, .rawText = text};
+    const auto read = HistoryFile::decode(HistoryFile::encode({record}));
+    QVERIFY(read);
+    QVERIFY(*read == QList{record});
+}
+
+void HistoryFileTest::summarisesTheTiming_data()
+{
+    QTest::addColumn<std::optional<qint64>>("transcribeMs");
+    QTest::addColumn<std::optional<qint64>>("cleanupMs");
+    QTest::addColumn<std::optional<QString>>("summary");
+    using Ms = std::optional<qint64>;
+    using Summary = std::optional<QString>;
+    QTest::newRow("both") << Ms(1234) << Ms(560) << Summary(u"1.2 s transcribe, 0.6 s cleanup"_s);
+    QTest::newRow("transcription alone") << Ms(49) << Ms() << Summary(u"0.0 s transcribe"_s);
+    QTest::newRow("cleanup alone") << Ms() << Ms(560) << Summary();
+    QTest::newRow("long") << Ms(61960) << Ms(0) << Summary(u"62.0 s transcribe, 0.0 s cleanup"_s);
+}
+
+void HistoryFileTest::summarisesTheTiming()
+{
+    QFETCH(std::optional<qint64>, transcribeMs);
+    QFETCH(std::optional<qint64>, cleanupMs);
+    const Dictation record{.transcribeMs = transcribeMs, .cleanupMs = cleanupMs};
+    QTEST(record.timingSummary(), "summary");
+}
+
+QTEST_APPLESS_MAIN(HistoryFileTest)
+#include "HistoryFileTest.moc"
