@@ -4,8 +4,11 @@
 
 using namespace Qt::StringLiterals;
 
-SecretStore::Found FakeSecretStore::find(const QString &, const QString &account)
+SecretStore::Found FakeSecretStore::find(const QString &service, const QString &account)
 {
+    services.append(service);
+    if (unreadable.contains(account))
+        return {std::nullopt, SecretStatus::interactionNotAllowed};
     if (findStatus != SecretStatus::success)
         return {std::nullopt, findStatus};
     if (!items.contains(account))
@@ -13,9 +16,13 @@ SecretStore::Found FakeSecretStore::find(const QString &, const QString &account
     return {items.value(account), SecretStatus::success};
 }
 
-int32_t FakeSecretStore::add(const QString &, const QString &account, const QByteArray &data,
+int32_t FakeSecretStore::add(const QString &service, const QString &account, const QByteArray &data,
                              Accessibility accessibility)
 {
+    static constexpr int32_t duplicateItem = -25299;
+    services.append(service);
+    if (items.contains(account))
+        return duplicateItem;
     if (addStatus == SecretStatus::success) {
         items.insert(account, data);
         accessibilities.insert(account, accessibility);
@@ -23,8 +30,9 @@ int32_t FakeSecretStore::add(const QString &, const QString &account, const QByt
     return addStatus;
 }
 
-int32_t FakeSecretStore::remove(const QString &, const QString &account)
+int32_t FakeSecretStore::remove(const QString &service, const QString &account)
 {
+    services.append(service);
     if (removeStatus != SecretStatus::success)
         return removeStatus;
     return items.remove(account) ? SecretStatus::success : SecretStatus::itemNotFound;

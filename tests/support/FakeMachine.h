@@ -44,6 +44,8 @@ public:
     QHash<QString, QByteArray> items; ///< by account
     QHash<QString, Accessibility> accessibilities;
     int32_t findStatus = SecretStatus::success; ///< anything else fails every look-up
+    QStringList unreadable;                     ///< accounts whose look-up alone fails
+    QStringList services;                       ///< every service asked for
     int32_t addStatus = SecretStatus::success;
     int32_t removeStatus = SecretStatus::success;
 };

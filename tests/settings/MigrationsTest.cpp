@@ -1,0 +1,286 @@
+#include "settings/Migrations.h"
+
+#include "settings/Defaults.h"
+#include "settings/Keychain.h"
+#include "support/FakeMachine.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString groqAccount = u"groq_api_key"_s;
+const QString openAIAccount = u"openai_api_key"_s;
+
+QString compact(const QJsonObject &object)
+{
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+/// Preferences and keys of one user, before and after a launch.
+struct Installation
+{
+    FakeDefaultsStore store;
+    FakeSecretStore secrets;
+
+    void launch()
+    {
+        Defaults defaults(store);
+        Keychain keychain(secrets);
+        Migrations(defaults, keychain).run();
+    }
+    void setPrefs(const QByteArray &json)
+    {
+        const QJsonObject object = QJsonDocument::fromJson(json).object();
+        for (auto it = object.begin(); it != object.end(); ++it)
+            store.values.insert(it.key(), it.value());
+    }
+    void setKey(const QString &account, const QByteArray &key)
+    {
+        if (!key.isEmpty())
+            secrets.items.insert(account, key);
+    }
+    QString prefs() const
+    {
+        QJsonObject object;
+        for (auto it = store.values.begin(); it != store.values.end(); ++it)
+            object.insert(it.key(), it.value());
+        return compact(object);
+    }
+    QByteArray keys() const
+    {
+        return secrets.items.value(groqAccount) + '|' + secrets.items.value(openAIAccount);
+    }
+};
+
+} // namespace
+
+class MigrationsTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void bringsAnInstallationUpToDate_data();
+    void bringsAnInstallationUpToDate();
+    void aFailingKeychainLosesNothing_data();
+    void aFailingKeychainLosesNothing();
+    void anyOldPreferenceMarksAnInstallation_data();
+    void anyOldPreferenceMarksAnInstallation();
+    void laterChoicesStay();
+    void tellsAMisfiledKey_data();
+    void tellsAMisfiledKey();
+};
+
+/// Once all steps are done, the three flags stand beside what `prefs` says.
+void MigrationsTest::bringsAnInstallationUpToDate_data()
+{
+    QTest::addColumn<QByteArray>("prefsBefore");
+    QTest::addColumn<QByteArray>("groqKey");
+    QTest::addColumn<QByteArray>("openAIKey");
+    QTest::addColumn<QByteArray>("prefsAfter");
+    QTest::addColumn<QByteArray>("keysAfter");
+    const auto row = [](const char *name, const QByteArray &prefs, const QByteArray &groq,
+                        const QByteArray &openAI, const QByteArray &after, const QByteArray &keys) {
+        QTest::newRow(name) << prefs << groq << openAI << after << keys;
+    };
+    // who installed what
+    row("fresh", "{}", "", "", R"({"provider":"sayvane"})", "|");
+    row("fresh, retired model alone", R"({"chatModel":"llama-3.1-8b-instant"})", "", "",
+        R"({"provider":"sayvane"})", "|");
+    row("service address alone", R"({"accountBaseURL":"https://x"})", "", "",
+        R"({"accountBaseURL":"https://x","provider":"sayvane"})", "|");
+    row("groq key", "{}", "gsk_1", "", R"({"provider":"groq"})", "gsk_1|");
+    row("openai key", "{}", "", "sk-1", R"({"provider":"openai"})", "|sk-1");
+    row("openai key of another form", "{}", "", "key", R"({"provider":"openai"})", "|key");
+    row("both keys", "{}", "gsk_1", "sk-1", R"({"provider":"groq"})", "gsk_1|sk-1");
+    row("provider of a wrong type", R"({"provider":5})", "", "sk-1", R"({"provider":"openai"})", "|sk-1");
+    row("provider chosen", R"({"provider":"openai","chatModel":""})", "gsk_1", "",
+        R"({"provider":"openai","chatModel":""})", "gsk_1|");
+    row("provider unknown", R"({"provider":"other"})", "gsk_1", "", R"({"provider":"other"})", "gsk_1|");
+    row("provider empty", R"({"provider":""})", "gsk_1", "", R"({"provider":""})", "gsk_1|");
+    // models
+    row("legacy models go", R"({"chatModel":" gpt-4o-mini\n","transcriptionModel":"whisper-1"})", "gsk_1", "",
+        R"({"provider":"groq"})", "gsk_1|");
+    row("legacy speech models go",
+        R"({"chatModel":"gpt-4o-mini-transcribe","transcriptionModel":"gpt-4o-transcribe"})", "gsk_1", "",
+        R"({"provider":"groq"})", "gsk_1|");
+    row("blank models go", R"({"chatModel":"","transcriptionModel":"  "})", "gsk_1", "",
+        R"({"provider":"groq"})", "gsk_1|");
+    row("chosen models stay", R"({"chatModel":"GPT-4o-mini","transcriptionModel":"mine"})", "gsk_1", "",
+        R"({"chatModel":"GPT-4o-mini","provider":"groq","transcriptionModel":"mine"})", "gsk_1|");
+    row("models stay with openai", R"({"chatModel":"gpt-4o-mini","transcriptionModel":""})", "", "sk-1",
+        R"({"chatModel":"gpt-4o-mini","provider":"openai","transcriptionModel":""})", "|sk-1");
+    row("retired model with openai", R"({"provider":"openai","chatModel":" llama-3.3-70b-versatile\n"})", "",
+        "", R"({"provider":"openai"})", "|");
+    row("20b becomes 120b", R"({"provider":"groq","chatModel":" openai/gpt-oss-20b "})", "", "",
+        R"({"provider":"groq","chatModel":"openai/gpt-oss-120b"})", "|");
+    row("20b becomes 120b with openai too", R"({"provider":"openai","chatModel":"openai/gpt-oss-20b"})", "",
+        "", R"({"provider":"openai","chatModel":"openai/gpt-oss-120b"})", "|");
+    row("20b chosen later stays",
+        R"({"provider":"groq","chatModel":"openai/gpt-oss-20b","groqChatDefaultMigratedTo120b":true})", "",
+        "", R"({"provider":"groq","chatModel":"openai/gpt-oss-20b"})", "|");
+    row("a flag of a wrong type is none",
+        R"({"provider":"groq","language":"en","languageDefaultMigratedToAuto":"yes"})", "", "",
+        R"({"provider":"groq","language":""})", "|");
+    // language
+    row("English becomes automatic", R"({"provider":"groq","language":" EN "})", "", "",
+        R"({"provider":"groq","language":""})", "|");
+    row("another language stays", R"({"provider":"groq","language":"gu"})", "", "",
+        R"({"provider":"groq","language":"gu"})", "|");
+    row("English chosen later stays",
+        R"({"provider":"groq","language":"en","languageDefaultMigratedToAuto":true})", "", "",
+        R"({"provider":"groq","language":"en"})", "|");
+    // keys in the wrong place
+    row("groq key under openai", "{}", "", " gsk_1\n", R"({"provider":"groq"})", "gsk_1|");
+    row("groq key under openai, blank groq", "{}", " ", "gsk_1", R"({"provider":"groq"})", "gsk_1|");
+    row("openai key under groq", "{}", " sk-1 ", "", R"({"provider":"groq"})", "|sk-1");
+    row("the same groq key twice", "{}", " gsk_1 ", "gsk_1", R"({"provider":"groq"})", " gsk_1 |");
+    row("the same openai key twice", "{}", "sk-1", "sk-1\n", R"({"provider":"groq"})", "|sk-1\n");
+    row("two groq keys", "{}", "gsk_1", "gsk_2", R"({"provider":"groq"})", "gsk_1|gsk_2");
+    row("two openai keys", "{}", "sk-1", "sk-2", R"({"provider":"groq"})", "sk-1|sk-2");
+    row("exchanged", "{}", "sk-1", "gsk_1", R"({"provider":"groq"})", "sk-1|gsk_1");
+    row("sorted out before", R"({"provider":"groq","keychainKeysMigrated":true})", "", "gsk_1",
+        R"({"provider":"groq"})", "|gsk_1");
+}
+
+void MigrationsTest::bringsAnInstallationUpToDate()
+{
+    Installation user;
+    QFETCH(QByteArray, prefsBefore);
+    QFETCH(QByteArray, groqKey);
+    QFETCH(QByteArray, openAIKey);
+    QFETCH(QByteArray, prefsAfter);
+    QFETCH(QByteArray, keysAfter);
+    user.setPrefs(prefsBefore);
+    user.setKey(groqAccount, groqKey);
+    user.setKey(openAIAccount, openAIKey);
+    QJsonObject expected = QJsonDocument::fromJson(prefsAfter).object();
+    for (const auto flag :
+         {u"keychainKeysMigrated", u"groqChatDefaultMigratedTo120b", u"languageDefaultMigratedToAuto"})
+        expected.insert(QString::fromUtf16(flag), true);
+    for (int launch = 0; launch < 3; ++launch) {
+        user.launch();
+        QCOMPARE(user.prefs(), compact(expected));
+        QCOMPARE(user.keys(), keysAfter);
+    }
+    for (const auto accessibility : std::as_const(user.secrets.accessibilities))
+        QCOMPARE(accessibility, Keychain::Accessibility::afterFirstUnlock);
+}
+
+void MigrationsTest::aFailingKeychainLosesNothing_data()
+{
+    using Break = void (*)(FakeSecretStore &);
+    QTest::addColumn<Break>("breakIt");
+    QTest::addColumn<QByteArray>("groqKey");
+    QTest::addColumn<QByteArray>("openAIKey");
+    QTest::addColumn<QString>("provider");
+    QTest::addColumn<QByteArray>("keysOnceItWorks");
+    const auto row = [](const char *name, Break breakIt, const QByteArray &groq, const QByteArray &openAI,
+                        const QString &provider, const QByteArray &keys) {
+        QTest::newRow(name) << breakIt << groq << openAI << provider << keys;
+    };
+    const Break locked = [](FakeSecretStore &s) { s.findStatus = SecretStatus::interactionNotAllowed; };
+    const Break noGroq = [](FakeSecretStore &s) { s.unreadable = QStringList{groqAccount}; };
+    const Break noOpenAI = [](FakeSecretStore &s) { s.unreadable = QStringList{openAIAccount}; };
+    const Break noAdd = [](FakeSecretStore &s) { s.addStatus = SecretStatus::ioError; };
+    const Break noRemove = [](FakeSecretStore &s) { s.removeStatus = SecretStatus::authFailed; };
+    row("locked", locked, "", "gsk_1", u"groq"_s, "gsk_1|");
+    row("locked and empty", locked, "", "", u"groq"_s, "|");
+    row("groq unreadable", noGroq, "", "sk-1", u"groq"_s, "|sk-1");
+    row("openai unreadable", noOpenAI, "sk-1", "", u"groq"_s, "|sk-1");
+    row("cannot add groq", noAdd, "", "gsk_1", u"groq"_s, "gsk_1|");
+    row("cannot add openai", noAdd, "sk-1", "", u"groq"_s, "|sk-1");
+    row("cannot remove the copy", noRemove, "gsk_1", "gsk_1", u"groq"_s, "gsk_1|");
+    row("cannot remove the moved key", noRemove, "", "gsk_1", u"groq"_s, "gsk_1|");
+}
+
+void MigrationsTest::aFailingKeychainLosesNothing()
+{
+    Installation user;
+    QFETCH(QByteArray, groqKey);
+    QFETCH(QByteArray, openAIKey);
+    user.setKey(groqAccount, groqKey);
+    user.setKey(openAIAccount, openAIKey);
+    user.setPrefs(R"({"chatModel":"gpt-4o-mini"})");
+    const QByteArray before = user.keys();
+    using Break = void (*)(FakeSecretStore &);
+    QFETCH(Break, breakIt);
+    breakIt(user.secrets);
+    user.launch();
+    QCOMPARE(user.keys(), before);
+    QTEST(user.store.value(u"provider"_s).toString(), "provider");
+    QVERIFY(!user.store.values.contains(u"chatModel"_s));
+    QVERIFY(!user.store.values.contains(u"keychainKeysMigrated"_s));
+    // The next launch tries again.
+    FakeSecretStore working;
+    working.items = user.secrets.items;
+    Defaults defaults(user.store);
+    Keychain keychain(working);
+    Migrations(defaults, keychain).run();
+    QTEST(working.items.value(groqAccount) + '|' + working.items.value(openAIAccount), "keysOnceItWorks");
+    QCOMPARE(user.store.value(u"keychainKeysMigrated"_s), QJsonValue(true));
+}
+
+void MigrationsTest::anyOldPreferenceMarksAnInstallation_data()
+{
+    QTest::addColumn<QString>("provider");
+    for (const char *key :
+         {"cleanupEnabled", "restoreClipboard", "soundsEnabled", "language", "transcriptionModel",
+          "chatModel", "vocabulary", "hotkeySpec", "showDashboardOnLaunch", "advancedExpanded",
+          "keychainKeysMigrated", "groqChatDefaultMigratedTo120b", "languageDefaultMigratedToAuto"})
+        QTest::newRow(key) << u"groq"_s;
+    for (const char *key : {"accountBaseURL", "accountEmail", "labsProvider", "labsAnswerModeExpiresAt"})
+        QTest::newRow(key) << u"sayvane"_s;
+}
+
+void MigrationsTest::anyOldPreferenceMarksAnInstallation()
+{
+    Installation user;
+    user.store.values.insert(QString::fromUtf8(QTest::currentDataTag()), 7); // a value of whatever type
+    user.launch();
+    QTEST(user.store.value(u"provider"_s).toString(), "provider");
+}
+
+void MigrationsTest::laterChoicesStay()
+{
+    Installation user;
+    user.setPrefs(R"({"provider":"groq","language":"en","chatModel":"openai/gpt-oss-20b"})");
+    user.launch();
+    user.setPrefs(R"({"language":"en","chatModel":"openai/gpt-oss-20b"})");
+    user.setKey(openAIAccount, "gsk_1");
+    user.launch();
+    QCOMPARE(user.store.value(u"language"_s).toString(), u"en"_s);
+    QCOMPARE(user.store.value(u"chatModel"_s).toString(), u"openai/gpt-oss-20b"_s);
+    QCOMPARE(user.keys(), "|gsk_1");
+}
+
+void MigrationsTest::tellsAMisfiledKey_data()
+{
+    QTest::addColumn<std::optional<QString>>("value");
+    QTest::addColumn<Provider>("provider");
+    QTest::addColumn<std::optional<QString>>("misfiled");
+    const auto none = std::optional<QString>();
+    const auto text = [](const char16_t *value) { return std::optional(QString::fromUtf16(value)); };
+    QTest::newRow("absent") << none << Provider::groq << none;
+    QTest::newRow("blank") << text(u" \n") << Provider::openai << none;
+    QTest::newRow("groq at home") << text(u"gsk_1") << Provider::groq << none;
+    QTest::newRow("openai at home") << text(u"sk-1") << Provider::openai << none;
+    QTest::newRow("groq abroad") << text(u"\tgsk_1 ") << Provider::openai << text(u"gsk_1");
+    QTest::newRow("openai abroad") << text(u" sk-1\n") << Provider::groq << text(u"sk-1");
+    QTest::newRow("case counts") << text(u"SK-1") << Provider::groq << none;
+    QTest::newRow("neither's form") << text(u"key") << Provider::groq << none;
+    QTest::newRow("the service has no key") << text(u"sk-1") << Provider::sayvane << none;
+}
+
+void MigrationsTest::tellsAMisfiledKey()
+{
+    QFETCH(std::optional<QString>, value);
+    QFETCH(Provider, provider);
+    QTEST(Migrations::misfiled(value, provider), "misfiled");
+}
+
+QTEST_APPLESS_MAIN(MigrationsTest)
+#include "MigrationsTest.moc"
