@@ -1,0 +1,123 @@
+#include "platform/linux/sound/WavFile.h"
+
+#include <QFile>
+#include <QtEndian>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <limits>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr uint32_t headerSize = 44;
+constexpr uint32_t sampleSize = 2;
+constexpr uint32_t largest = std::numeric_limits<int32_t>::max(); // more than 18 hours at 16 kHz
+
+using Header = std::array<char, headerSize>;
+
+Header headerOf(uint32_t sampleRate, uint32_t size)
+{
+    Header header;
+    char *at = header.data();
+    const auto text = [&at](const char *fourCharacters) { at = std::copy_n(fourCharacters, 4, at); };
+    const auto number = [&at]<typename Number>(Number value) {
+        qToLittleEndian(value, at);
+        at += sizeof value;
+    };
+    text("RIFF");
+    number(headerSize - 8 + size);
+    text("WAVE");
+    text("fmt ");
+    number(uint32_t(16));
+    number(uint16_t(1)); // linear PCM
+    number(uint16_t(1)); // channel
+    number(sampleRate);
+    number(sampleRate * sampleSize); // bytes a second
+    number(uint16_t(sampleSize));
+    number(uint16_t(sampleSize * 8));
+    text("data");
+    number(size);
+    return header;
+}
+
+} // namespace
+
+std::expected<WavFile, QString> WavFile::create(const QString &path, uint32_t sampleRate)
+{
+    const int file = ::open(QFile::encodeName(path).constData(),
+                            O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (file < 0)
+        return std::unexpected(qt_error_string(errno));
+    WavFile wav(file, sampleRate);
+    if (!wav.writeHeader()) {
+        const QString cause = qt_error_string(errno);
+        QFile::remove(path);
+        return std::unexpected(cause);
+    }
+    lseek(file, headerSize, SEEK_SET);
+    return wav;
+}
+
+WavFile::WavFile(WavFile &&other) noexcept
+    : m_file(std::exchange(other.m_file, -1)),
+      m_sampleRate(other.m_sampleRate),
+      m_size(other.m_size),
+      m_promised(other.m_promised)
+{
+}
+
+WavFile::~WavFile()
+{
+    close();
+}
+
+std::expected<void, QString> WavFile::append(QByteArrayView pcm)
+{
+    if (m_file < 0)
+        return std::unexpected(qt_error_string(EBADF));
+    int cause = pcm.size() > largest - m_size ? EFBIG : 0;
+    while (!pcm.isEmpty() && cause == 0) {
+        const ssize_t written = ::write(m_file, pcm.data(), static_cast<size_t>(pcm.size()));
+        if (written > 0) {
+            m_size += static_cast<uint32_t>(written);
+            pcm = pcm.sliced(written);
+        } else if (errno != EINTR) {
+            cause = errno;
+        }
+    }
+    if (cause != 0) {
+        close();
+        return std::unexpected(qt_error_string(cause));
+    }
+    if (m_size - m_promised >= m_sampleRate * sampleSize / 2)
+        writeHeader();
+    return {};
+}
+
+void WavFile::close()
+{
+    if (m_file < 0)
+        return;
+    if (m_size % sampleSize != 0) { // a full disk may cut a sample in two
+        m_size -= m_size % sampleSize;
+        // Should this fail, the header still leaves the odd byte out.
+        [[maybe_unused]] const int cut = ftruncate(m_file, headerSize + m_size);
+    }
+    writeHeader();
+    ::close(std::exchange(m_file, -1));
+}
+
+bool WavFile::writeHeader()
+{
+    const Header header = headerOf(m_sampleRate, m_size);
+    if (pwrite(m_file, header.data(), header.size(), 0) != ssize_t(header.size()))
+        return false;
+    m_promised = m_size;
+    return true;
+}

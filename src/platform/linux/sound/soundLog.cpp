@@ -1,0 +1,3 @@
+#include "platform/linux/sound/soundLog.h"
+
+Q_LOGGING_CATEGORY(soundLog, "com.sayvane.app.sound")

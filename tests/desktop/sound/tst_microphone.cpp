@@ -1,0 +1,206 @@
+#include "desktop/sound/AudioServer.h"
+#include "desktop/sound/HeardSound.h"
+#include "desktop/sound/PipeVoice.h"
+#include "platform/linux/sound/PulseConnection.h"
+#include "platform/linux/sound/PulseMicrophone.h"
+
+#include <QFile>
+#include <QLocalServer>
+#include <QTcpServer>
+#include <QTest>
+
+using Authorization = Microphone::Authorization;
+
+namespace {
+
+const QString nullSink = QStringLiteral("module-null-sink sink_name=speaker norewinds=1");
+
+QStringList load(const QString &module)
+{
+    return QStringList{QStringLiteral("load-module")} << module.split(u' ');
+}
+
+void writeCookie(const QString &path, char fill)
+{
+    QFile cookie(path);
+    QVERIFY(cookie.open(QFile::WriteOnly));
+    cookie.write(QByteArray(256, fill));
+}
+
+} // namespace
+
+class MicrophoneTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup() { qunsetenv("PULSE_SERVER"); }
+
+    /// Nobody is there to refuse us: the answer is that there is no microphone.
+    void withoutAServerThereIsNoMicrophone_data()
+    {
+        QTest::addColumn<QByteArray>("server");
+        QTest::newRow("no socket") << QByteArray("unix:/nonexistent/native");
+        QTest::newRow("no listener") << QByteArray("tcp:127.0.0.1:1");
+        QTest::newRow("no address") << QByteArray("{nonsense");
+        QTest::newRow("no answer") << QByteArray();
+    }
+
+    void withoutAServerThereIsNoMicrophone()
+    {
+        QFETCH(QByteArray, server);
+        const QTemporaryDir folder;
+        QLocalServer mute; // takes connections and says nothing
+        QVERIFY(mute.listen(folder.filePath(QStringLiteral("native"))));
+        qputenv("PULSE_SERVER", server.isEmpty() ? "unix:" + mute.fullServerName().toUtf8() : server);
+        PulseConnection connection;
+        PulseMicrophone microphone(connection);
+        QCOMPARE(microphone.authorization(), Authorization::authorized);
+        QVERIFY(!microphone.hasInputDevice());
+        const auto recording = microphone.open(folder.filePath(QStringLiteral("a.wav")), {});
+        QVERIFY(!(*recording)->prepare());
+        QVERIFY(!(*recording)->record());
+        QVERIFY(!(*recording)->isRecording());
+    }
+
+    void microphonesComeAndGo()
+    {
+        const AudioServer server({nullSink});
+        PulseConnection connection;
+        PulseMicrophone microphone(connection);
+        QCOMPARE(microphone.authorization(), Authorization::authorized);
+        QVERIFY(!microphone.hasInputDevice()); // a monitor is none
+        const QString pipe = server.path(QStringLiteral("voice"));
+        server.control(load(PipeVoice::microphone(QStringLiteral("mic"), pipe)));
+        QTRY_VERIFY_WITH_TIMEOUT(microphone.hasInputDevice(), 5000);
+        server.control({QStringLiteral("unload-module"), QStringLiteral("module-pipe-source")});
+        QTRY_VERIFY_WITH_TIMEOUT(!microphone.hasInputDevice(), 5000);
+    }
+
+    void aRealMicrophoneIsPreferredToAMonitor()
+    {
+        AudioServer server({nullSink});
+        const QString pipe = server.path(QStringLiteral("voice"));
+        server.control(load(PipeVoice::microphone(QStringLiteral("mic"), pipe)));
+        server.control({QStringLiteral("set-default-source"), QStringLiteral("speaker.monitor")});
+        PulseConnection connection;
+        PulseMicrophone microphone(connection);
+        QVERIFY(microphone.hasInputDevice());
+        const QString path = server.path(QStringLiteral("a.wav"));
+        const auto recording = microphone.open(path, {});
+        QVERIFY((*recording)->record());
+        PipeVoice voice(pipe);
+        voice.say(3200);
+        (*recording)->stop();
+        QCOMPARE(HeardSound::read(path).samples, voice.said());
+    }
+
+    void aBusyMicrophoneRefuses()
+    {
+        const AudioServer server({});
+        server.control(
+            load(PipeVoice::microphone(QStringLiteral("mic"), server.path(QStringLiteral("voice")))));
+        server.control({QStringLiteral("suspend-source"), QStringLiteral("mic"), QStringLiteral("1")});
+        PulseConnection connection;
+        PulseMicrophone microphone(connection);
+        QVERIFY(microphone.hasInputDevice());
+        const auto recording = microphone.open(server.path(QStringLiteral("a.wav")), {});
+        QVERIFY(!(*recording)->prepare());
+        QVERIFY(!(*recording)->record());
+        server.control({QStringLiteral("suspend-source"), QStringLiteral("mic"), QStringLiteral("0")});
+        QVERIFY((*recording)->prepare());
+        QVERIFY(!(*recording)->isRecording());
+        QVERIFY((*recording)->record());
+        QVERIFY((*recording)->isRecording());
+    }
+
+    void aServerThatRefusesUsDeniesTheMicrophone()
+    {
+        const AudioServer server({nullSink});
+        const QString theirs = server.path(QStringLiteral("theirs"));
+        const QString ours = server.path(QStringLiteral("ours"));
+        writeCookie(theirs, 'a');
+        writeCookie(ours, 'b');
+        QTcpServer free;
+        QVERIFY(free.listen(QHostAddress::LocalHost));
+        const QString port = QString::number(free.serverPort());
+        free.close();
+        server.control(
+            load(QStringLiteral("module-native-protocol-tcp listen=127.0.0.1 port=%1 auth-cookie=%2")
+                     .arg(port, theirs)));
+        qputenv("PULSE_SERVER", "tcp:127.0.0.1:" + port.toLatin1());
+        qputenv("PULSE_COOKIE", QFile::encodeName(ours));
+        PulseConnection connection;
+        PulseMicrophone microphone(connection);
+        QCOMPARE(microphone.authorization(), Authorization::denied);
+        QVERIFY(!microphone.hasInputDevice());
+        writeCookie(ours, 'a');
+        microphone.requestAccess();
+        QCOMPARE(microphone.authorization(), Authorization::authorized);
+        qunsetenv("PULSE_COOKIE");
+    }
+
+    void theConnectionComesBackWithTheServer()
+    {
+        const QTemporaryDir folder;
+        const QString pipe = folder.filePath(QStringLiteral("voice"));
+        AudioServer server({PipeVoice::microphone(QStringLiteral("mic"), pipe)});
+        PulseConnection connection;
+        PulseMicrophone microphone(connection);
+        const auto generation = [&connection] {
+            const std::unique_lock lock(connection.loop());
+            return connection.context() ? connection.generation() : 0;
+        };
+        QVERIFY(microphone.hasInputDevice());
+        QCOMPARE(generation(), 1U);
+        server.kill();
+        QTRY_COMPARE_WITH_TIMEOUT(generation(), 0U, 5000);
+        QVERIFY(!microphone.hasInputDevice());
+        QCOMPARE(microphone.authorization(), Authorization::authorized);
+        QFile::remove(pipe); // the dead server's
+        server.start();
+        QTRY_COMPARE_WITH_TIMEOUT(generation(), 2U, 5000); // unasked
+
+        const QString path = server.path(QStringLiteral("a.wav"));
+        const auto recording = microphone.open(path, {});
+        QVERIFY((*recording)->record());
+        PipeVoice voice(pipe);
+        voice.say(1600);
+        (*recording)->stop();
+        QCOMPARE(HeardSound::read(path).samples, voice.said());
+    }
+
+    void otherFormatsAreRefused_data()
+    {
+        QTest::addColumn<PcmFormat>("format");
+        QTest::newRow("two channels") << PcmFormat{.channels = 2};
+        QTest::newRow("24 bits") << PcmFormat{.bitDepth = 24};
+        QTest::newRow("floating point") << PcmFormat{.isFloat = true};
+        QTest::newRow("big-endian") << PcmFormat{.isBigEndian = true};
+        QTest::newRow("no rate") << PcmFormat{.sampleRate = 0};
+    }
+
+    void otherFormatsAreRefused()
+    {
+        QFETCH(PcmFormat, format);
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("a.wav"));
+        PulseConnection connection;
+        PulseMicrophone microphone(connection);
+        const auto recording = microphone.open(path, format);
+        QVERIFY(!recording);
+        QCOMPARE(recording.error(), QStringLiteral("Only 16-bit little-endian mono sound can be recorded"));
+        QVERIFY(!QFile::exists(path));
+    }
+
+    void aFileThatCannotBeMadeIsAnError()
+    {
+        PulseConnection connection;
+        PulseMicrophone microphone(connection);
+        QCOMPARE(microphone.open(QStringLiteral("/nonexistent/a.wav"), {}).error(),
+                 QStringLiteral("The recording file cannot be created: No such file or directory"));
+    }
+};
+
+QTEST_GUILESS_MAIN(MicrophoneTest)
+#include "tst_microphone.moc"

@@ -1,0 +1,256 @@
+#include "desktop/sound/AudioServer.h"
+#include "desktop/sound/HeardSound.h"
+#include "desktop/sound/PipeVoice.h"
+#include "platform/linux/sound/PulseConnection.h"
+#include "platform/linux/sound/PulseMicrophone.h"
+
+#include <QFileInfo>
+#include <QProcess>
+#include <QTest>
+
+#include <cmath>
+#include <csignal>
+#include <functional>
+#include <memory>
+
+#include <sndfile.h>
+#include <sys/resource.h>
+
+namespace {
+
+constexpr qsizetype header = 44;
+
+/// A pure tone as a file to play, in stereo at the usual rate of music.
+void writeTone(const QString &path, double pitch, double amplitude)
+{
+    SF_INFO info = {};
+    info.samplerate = 44100;
+    info.channels = 2;
+    info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+    SNDFILE *file = sf_open(QFile::encodeName(path).constData(), SFM_WRITE, &info);
+    QVERIFY(file);
+    QList<float> frames;
+    for (int n = 0; n < 20 * info.samplerate; ++n) {
+        const auto sample = float(amplitude * std::sin(2 * M_PI * pitch * n / info.samplerate));
+        frames << sample << sample;
+    }
+    sf_writef_float(file, frames.constData(), frames.size() / 2);
+    sf_close(file);
+}
+
+/// The limit that a full disk is for one process.
+void limitFiles(rlim_t size)
+{
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit = {};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = size;
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+} // namespace
+
+/// A microphone that hears exactly what a voice says into a pipe.
+struct PipeRoom
+{
+    PipeRoom() : connection(std::make_unique<PulseConnection>()), microphone(*connection)
+    {
+        QVERIFY(microphone.hasInputDevice());
+    }
+
+    QString file(const char *name) const { return server.path(QString::fromLatin1(name)); }
+
+    std::unique_ptr<Recording> start(const char *name)
+    {
+        auto recording = microphone.open(file(name), {});
+        return recording && (*recording)->prepare() && (*recording)->record() ? std::move(*recording)
+                                                                              : nullptr;
+    }
+
+    QTemporaryDir pipes;
+    QString pipe = pipes.filePath(QStringLiteral("voice"));
+    AudioServer server{{PipeVoice::microphone(QStringLiteral("mic"), pipe)}};
+    PipeVoice voice{pipe};
+    std::unique_ptr<PulseConnection> connection;
+    PulseMicrophone microphone;
+};
+
+class RecordingTest final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aToneKeepsItsPitchAndLevel_data()
+    {
+        QTest::addColumn<double>("pitch");
+        QTest::addColumn<double>("amplitude");
+        QTest::addColumn<double>("level");
+        QTest::newRow("loud") << 440.0 << 0.5 << -9.03;
+        QTest::newRow("quiet and high") << 3000.0 << 0.01 << -43.01;
+    }
+
+    void aToneKeepsItsPitchAndLevel()
+    {
+        QFETCH(double, pitch);
+        QFETCH(double, amplitude);
+        QFETCH(double, level);
+        const AudioServer server(
+            {QStringLiteral("module-null-sink sink_name=speaker norewinds=1"),
+             QStringLiteral("module-remap-source source_name=mic master=speaker.monitor")});
+        PulseConnection connection;
+        PulseMicrophone microphone(connection);
+        QVERIFY(microphone.hasInputDevice());
+        const auto recording = microphone.open(server.path(QStringLiteral("a.wav")), {});
+        QVERIFY((*recording)->prepare() && (*recording)->record());
+        const auto power = [&recording] {
+            (*recording)->updateMeters();
+            return (*recording)->averagePower(0);
+        };
+        QCOMPARE(power(), -120.0);
+
+        const QString tone = server.path(QStringLiteral("tone.wav"));
+        writeTone(tone, pitch, amplitude);
+        QProcess player;
+        player.start(QStringLiteral("paplay"), {QStringLiteral("--device=speaker"), tone});
+        QTRY_VERIFY_WITH_TIMEOUT(power() > level - 6, 5000);
+
+        // Opened amid the tone, a recording has it from its first sample to its last.
+        const QString path = server.path(QStringLiteral("b.wav"));
+        const auto inside = microphone.open(path, {});
+        QVERIFY((*inside)->prepare() && (*inside)->record());
+        QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(path).size() > 16000, 5000);
+        QVERIFY2(std::abs(power() - level) < 1, qPrintable(QString::number(power())));
+        (*inside)->stop();
+        player.kill();
+        player.waitForFinished();
+
+        const HeardSound sound = HeardSound::read(path);
+        QCOMPARE(sound.sampleRate, 16000);
+        QCOMPARE(sound.channels, 1);
+        QCOMPARE(sound.format, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+        QCOMPARE(qRound(sound.pitch()), qRound(pitch));
+        for (qsizetype at = 0; at + 160 <= sound.samples.size(); at += 160) {
+            const HeardSound part{16000, 1, 0, sound.samples.sliced(at, 160)};
+            QVERIFY2(std::abs(part.level() - level) < 1, qPrintable(QString::number(at)));
+        }
+    }
+
+    void nothingSaidIsLost_data()
+    {
+        QTest::addColumn<int>("samples");
+        QTest::newRow("a syllable") << 800;
+        QTest::newRow("a word") << 16000;
+    }
+
+    /// Every sample said between the return of record and the call of stop is in the file.
+    void nothingSaidIsLost()
+    {
+        QFETCH(int, samples);
+        PipeRoom room;
+        for (const char *name : {"1.wav", "2.wav", "3.wav"}) {
+            const auto recording = room.start(name);
+            QVERIFY(recording);
+            room.voice.forget();
+            room.voice.say(samples);
+            recording->stop();
+            QVERIFY(!recording->isRecording());
+            QCOMPARE(HeardSound::read(room.file(name)).samples, room.voice.said());
+        }
+    }
+
+    void aKilledRecorderLeavesAReadableFile()
+    {
+        PipeRoom room;
+        const QString path = room.file("a.wav");
+        QProcess recorder;
+        recorder.start(QStringLiteral(RECORDER), {path});
+        QTRY_VERIFY_WITH_TIMEOUT(
+            room.server.control({QStringLiteral("list"), QStringLiteral("source-outputs")})
+                .contains("Dictation"),
+            5000);
+        for (int n = 1; n <= 6; ++n) {
+            room.voice.say(8000);
+            QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(path).size() >= header + qsizetype(n) * 16000, 5000);
+        }
+        recorder.kill();
+        recorder.waitForFinished();
+        const HeardSound sound = HeardSound::read(path);
+        QCOMPARE(sound.sampleRate, 16000);
+        QVERIFY(sound.samples.size() > 48000 - 16000);
+        QCOMPARE(sound.samples, room.voice.said().first(sound.samples.size()));
+    }
+
+    void aLossKeepsWhatWasHeard_data()
+    {
+        QTest::addColumn<std::function<void(PipeRoom &)>>("lose");
+        const auto row = [](const char *name, const std::function<void(PipeRoom &)> &lose) {
+            QTest::newRow(name) << lose;
+        };
+        row("the server dies", [](PipeRoom &room) { room.server.kill(); });
+        row("the microphone is unplugged", [](PipeRoom &room) {
+            room.server.control({QStringLiteral("unload-module"), QStringLiteral("module-pipe-source")});
+        });
+        row("only a monitor is left", [](PipeRoom &room) {
+            room.server.control({QStringLiteral("load-module"), QStringLiteral("module-null-sink")});
+            room.server.control({QStringLiteral("unload-module"), QStringLiteral("module-pipe-source")});
+        });
+        row("the microphone is taken away", [](PipeRoom &room) {
+            room.server.control(
+                {QStringLiteral("suspend-source"), QStringLiteral("mic"), QStringLiteral("1")});
+        });
+        row("the disk is full", [](PipeRoom &room) {
+            limitFiles(rlim_t(header + 32000));
+            room.voice.say(100);
+        });
+    }
+
+    void aLossKeepsWhatWasHeard()
+    {
+        QFETCH(std::function<void(PipeRoom &)>, lose);
+        PipeRoom room;
+        const auto recording = room.start("a.wav");
+        QVERIFY(recording);
+        room.voice.say(16000);
+        QTRY_COMPARE_WITH_TIMEOUT(QFileInfo(room.file("a.wav")).size(), header + 32000, 5000);
+        QVERIFY(recording->isRecording());
+        lose(room);
+        QTRY_VERIFY_WITH_TIMEOUT(!recording->isRecording(), 5000);
+        limitFiles(RLIM_INFINITY);
+        recording->stop();
+        recording->stop();
+        QVERIFY(!recording->isRecording());
+        QCOMPARE(HeardSound::read(room.file("a.wav")).samples, room.voice.said().first(16000));
+    }
+
+    void anotherMicrophoneTakesOver()
+    {
+        PipeRoom room;
+        const QString other = room.pipes.filePath(QStringLiteral("other"));
+        room.server.control(QStringList{QStringLiteral("load-module")}
+                            << PipeVoice::microphone(QStringLiteral("headset"), other).split(u' '));
+        const auto recording = room.start("a.wav");
+        QVERIFY(recording);
+        room.voice.say(1600);
+        QTRY_COMPARE_WITH_TIMEOUT(QFileInfo(room.file("a.wav")).size(), header + 3200, 5000);
+        const bool wasHeadset =
+            room.server.control({QStringLiteral("get-default-source")}).startsWith("headset");
+        QVERIFY(!wasHeadset);
+        room.server.control({QStringLiteral("set-default-source"), QStringLiteral("headset")});
+        PipeVoice voice(other);
+        QTRY_VERIFY_WITH_TIMEOUT((voice.say(160), QFileInfo(room.file("a.wav")).size() > header + 3200),
+                                 5000);
+        QVERIFY(recording->isRecording());
+    }
+
+    void droppingARecordingClosesIt()
+    {
+        PipeRoom room;
+        room.start("a.wav").reset();
+        QCOMPARE(HeardSound::read(room.file("a.wav")).sampleRate, 16000);
+        QTRY_VERIFY_WITH_TIMEOUT(
+            room.server.control({QStringLiteral("list"), QStringLiteral("source-outputs")}).isEmpty(), 5000);
+    }
+};
+
+QTEST_GUILESS_MAIN(RecordingTest)
+#include "tst_recording.moc"
