@@ -1,5 +1,6 @@
 #include "speech/ServiceFailure.h"
 
+#include "support/Json.h"
 #include "support/Text.h"
 
 #include <QJsonDocument>
@@ -38,10 +39,9 @@ std::optional<AccountErrorBody> AccountErrorBody::decode(const QByteArray &json)
     const QJsonValue code = error.toObject().value("code"_L1);
     const QJsonValue message = error.toObject().value("message"_L1);
     const QJsonValue remaining = document.object().value("remainingSeconds"_L1);
-    const bool isRemainingWhole =
-        remaining.isDouble() && remaining.toDouble() == std::trunc(remaining.toDouble());
+    const auto remainingSeconds = Json::wholeNumber(remaining);
     if (!(isAbsent(error) || error.isObject()) || !(isAbsent(code) || code.isString()) ||
-        !(isAbsent(message) || message.isString()) || !(isAbsent(remaining) || isRemainingWhole))
+        !(isAbsent(message) || message.isString()) || !(isAbsent(remaining) || remainingSeconds))
         return std::nullopt;
 
     AccountErrorBody body;
@@ -49,8 +49,7 @@ std::optional<AccountErrorBody> AccountErrorBody::decode(const QByteArray &json)
         body.code = normalised;
     if (message.isString())
         body.message = message.toString();
-    if (isRemainingWhole)
-        body.remainingSeconds = remaining.toInteger();
+    body.remainingSeconds = remainingSeconds;
     return body;
 }
 

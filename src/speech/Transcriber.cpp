@@ -4,11 +4,10 @@
 #include "account/Credentials.h"
 #include "settings/Prefs.h"
 #include "speech/MultipartBody.h"
+#include "support/Json.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
-
-#include <cmath>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -134,10 +133,10 @@ QCoro::Task<Transcriber::Text> Transcriber::accountTranscribe(QString filePath, 
         co_return std::unexpected(reply.error());
     if (stop.stop_requested())
         co_return std::unexpected(FlowError::platform(u"Cancelled."_s));
-    const QJsonValue remaining = QJsonDocument::fromJson(reply->body).object().value("remainingSeconds"_L1);
     const Text text = textIn(reply->body);
-    if (text && remaining.isDouble())
-        m_account.setRemainingSeconds(remaining.toInteger());
+    const QJsonObject answer = QJsonDocument::fromJson(reply->body).object();
+    if (const auto remaining = Json::wholeNumber(answer.value("remainingSeconds"_L1)); text && remaining)
+        m_account.setRemainingSeconds(*remaining);
     co_return text;
 }
 

@@ -1,0 +1,99 @@
+#pragma once
+
+#include "account/AccountSessionStore.h"
+#include "account/AccountStatus.h"
+#include "account/Credentials.h"
+#include "settings/Defaults.h"
+#include "settings/Keychain.h"
+#include "settings/Prefs.h"
+#include "speech/ModelRecovery.h"
+#include "speech/Transcriber.h"
+#include "support/FakeMachine.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <optional>
+
+/// A transcriber over a fake machine, with a credential for every provider.
+class SpeechFixture
+{
+public:
+    /// Answers with one successor and notes what it was asked.
+    struct Recovery final : ModelRecovery
+    {
+        QCoro::Task<std::optional<QString>> replacement(ModelPurpose purpose, Provider provider,
+                                                        QString current, std::stop_token) override
+        {
+            asked.append(QStringLiteral("%1 %2 %3")
+                             .arg(purpose == ModelPurpose::chat ? QStringLiteral("chat")
+                                                                : QStringLiteral("transcription"),
+                                  Providers::rawValue(provider), current));
+            co_return successor;
+        }
+        std::optional<QString> successor;
+        QStringList asked;
+    };
+
+    /// A machine whose user has a key for every provider and is signed in.
+    struct Machine : FakeMachine
+    {
+        Machine()
+        {
+            secrets.items = {{QStringLiteral("groq_api_key"), " gsk_1\n"},
+                             {QStringLiteral("openai_api_key"), "sk-1"},
+                             {QStringLiteral("sayvane_session"), "svs_1\n"}};
+        }
+    };
+
+    SpeechFixture()
+    {
+        choose(QStringLiteral("groq"));
+        QFile file(wav);
+        if (file.open(QIODevice::WriteOnly))
+            file.write(recording);
+    }
+
+    FakeSecretStore &secrets() { return machine.secrets; }
+    FakeTransport &http() { return machine.http; }
+    void set(const QString &key, const QJsonValue &value) { machine.defaults.values.insert(key, value); }
+    void choose(const QString &provider) { set(QStringLiteral("provider"), provider); }
+
+    void transcribe() { keep(transcriber.transcribe(wav, stop.get_token())); }
+    void cleanUp(const QString &text) { keep(transcriber.cleanup(text, stop.get_token())); }
+    void answerJson(const QJsonObject &body, int status = 200)
+    {
+        http().answer(status, QJsonDocument(body).toJson());
+    }
+
+    /// The text, or the error's sentence after "! "; "waiting" as long as there is neither.
+    QString outcome() const
+    {
+        if (!result)
+            return QStringLiteral("waiting");
+        return *result ? result->value() : QStringLiteral("! ") + result->error().description;
+    }
+
+    const QByteArray recording = QByteArray("RIFF\0\r\n--\xFFWAVE", 14);
+    Machine machine;
+    const QString wav = machine.folders.temporary() + QStringLiteral("/sayvane-test.wav");
+    Defaults defaults{machine.defaults};
+    Prefs prefs{defaults, QStringLiteral("https://service.test")};
+    Keychain keychain{machine.secrets};
+    AccountSessionStore sessions{keychain};
+    AccountStatus account{sessions, prefs};
+    Credentials credentials{keychain, sessions};
+    Recovery recovery;
+    Transcriber transcriber{{prefs, credentials, sessions, account, machine.http, machine.clock, &recovery}};
+    std::stop_source stop;
+    std::optional<Transcriber::Text> result;
+
+private:
+    QCoro::Task<> keep(QCoro::Task<Transcriber::Text> task)
+    {
+        result.reset();
+        const Transcriber::Text text = co_await task;
+        result = text;
+    }
+};
