@@ -1,0 +1,69 @@
+"""Usage: house_test.py SOURCE QT_HEADERS"""
+
+import pathlib
+import sys
+import tempfile
+import unittest
+
+from arrows import House
+
+SOURCE, QT_HEADERS = sys.argv[1:3]
+
+ROOMS = {
+    "support/CMakeLists.txt": "sayvane_room(support\n    SOURCES Text.h\n    LINKS Qt6::Core\n)",
+    "platform/CMakeLists.txt": "target_link_libraries(sayvane_platform INTERFACE sayvane::support Qt6::Core)",
+    "platform/linux/CMakeLists.txt": "sayvane_room(linux SOURCES X.cpp LINKS sayvane::platform PRIVATE Qt6::Gui)",
+    "history/CMakeLists.txt": "sayvane_room(history SOURCES H.h  # LINKS sayvane::speech\n LINKS sayvane::platform)",
+    "speech/CMakeLists.txt": "sayvane_room(speech SOURCES S.h LINKS sayvane::history)",
+    "screen/CMakeLists.txt": "sayvane_room(screen SOURCES S.h LINKS sayvane::speech Qt6::Quick)",
+    "support/Text.h": "#pragma once\n#include <QString>\n",
+    "history/H.h": '#pragma once\n#include "support/Text.h"\n#include <vector>\n',
+    "speech/S.h": '#pragma once\n#include "history/H.h"\n#include "support/Text.h"\n',
+    "screen/S.cpp": '#include "speech/S.h"\n#include <QQuickItem>\n#include "S.moc"\n',
+    "platform/linux/X.cpp": '#include "platform/linux/X.h"\n#include <QGuiApplication>\n',
+    "platform/linux/X.h": "#pragma once\n",
+    "main.cpp": '#include "platform/linux/X.h"\n',
+}
+
+VIOLATIONS = {
+    "an arrow upwards": ("history/H.cpp", '#include "speech/S.h"', "history does not link to speech"),
+    "an arrow aside": ("support/T.cpp", '  #  include "history/H.h"', "support does not link to history"),
+    "behind the seam": ("speech/S.cpp", '#include "platform/linux/X.h"', "behind the machine's interfaces"),
+    "a window in a core room": ("speech/S.cpp", "#include <QIcon>", "speech does not link to Qt6::Gui"),
+    "a window by its module": ("speech/S.cpp", "#include <QtWidgets/QLabel>", "speech does not link to Qt6::Widgets"),
+    "a core room that lists a window": (
+        "history/CMakeLists.txt", "sayvane_room(history SOURCES H.h LINKS sayvane::platform Qt6::Widgets)",
+        "history links to Qt6::Widgets"),
+    "a circle": (
+        "support/CMakeLists.txt", "sayvane_room(support SOURCES T.h LINKS sayvane::speech)", "link to each other"),
+    "a file that is not there": ("speech/S.cpp", '#include "Text.h"', "is no file below the source"),
+    "a file outside all rooms": ("attic/A.cpp", "", "in no room"),
+    "an unguarded header": ("speech/T.h", "struct T {};", "no #pragma once"),
+}
+
+
+class HouseTest(unittest.TestCase):
+    maxDiff = None
+
+    def test_every_include_has_its_arrow(self):
+        house = House(SOURCE, QT_HEADERS)
+        self.assertGreater(len(house.files), 50)
+        self.assertIn("Qt6::Gui", house.qt_modules.values())
+        self.assertEqual(list(house.complaints()), [])
+
+    def test_violations_are_noticed(self):
+        for name, (file, content, complaint) in {"none": ("main.cpp", "", None), **VIOLATIONS}.items():
+            with self.subTest(name), tempfile.TemporaryDirectory() as folder:
+                for path, text in {**ROOMS, file: content}.items():
+                    target = pathlib.Path(folder, path)
+                    target.parent.mkdir(parents=True, exist_ok=True)
+                    target.write_text(text)
+                complaints = list(House(folder, QT_HEADERS).complaints())
+                if complaint:
+                    self.assertTrue(any(complaint in each for each in complaints), complaints)
+                else:
+                    self.assertEqual(complaints, [])
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
