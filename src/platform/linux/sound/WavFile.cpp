@@ -87,8 +87,8 @@ std::expected<void, QString> WavFile::append(QByteArrayView pcm)
         if (written > 0) {
             m_size += static_cast<uint32_t>(written);
             pcm = pcm.sliced(written);
-        } else if (errno != EINTR) {
-            cause = errno;
+        } else if (written == 0 || errno != EINTR) {
+            cause = written == 0 ? ENOSPC : errno;
         }
     }
     if (cause != 0) {
@@ -116,8 +116,11 @@ void WavFile::close()
 bool WavFile::writeHeader()
 {
     const Header header = headerOf(m_sampleRate, m_size);
-    if (pwrite(m_file, header.data(), header.size(), 0) != ssize_t(header.size()))
+    const ssize_t written = pwrite(m_file, header.data(), header.size(), 0);
+    if (written != ssize_t(header.size())) {
+        errno = written < 0 ? errno : ENOSPC;
         return false;
+    }
     m_promised = m_size;
     return true;
 }
