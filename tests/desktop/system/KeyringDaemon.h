@@ -3,10 +3,8 @@
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
-#include <QDBusInterface>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
-#include <QDBusReply>
 #include <QDBusVariant>
 #include <QProcess>
 
@@ -55,43 +53,40 @@ public:
 
     static QString defaultCollection()
     {
-        QDBusInterface service = secrets();
-        const QDBusReply<QDBusObjectPath> path =
-            service.call(QStringLiteral("ReadAlias"), QStringLiteral("default"));
-        return path.value().path();
+        const QDBusMessage reply = call(QStringLiteral("ReadAlias"), {QStringLiteral("default")});
+        return reply.arguments().value(0).value<QDBusObjectPath>().path();
     }
 
     static void lock()
     {
-        QDBusInterface service = secrets();
-        service.call(QStringLiteral("Lock"),
-                     QVariant::fromValue(QList{QDBusObjectPath(defaultCollection())}));
+        call(QStringLiteral("Lock"), {QVariant::fromValue(QList{QDBusObjectPath(defaultCollection())})});
     }
 
     /// By the keyring's own back door for log-ins, which needs no prompt.
     static void unlock()
     {
-        QDBusInterface service = secrets();
-        const QDBusMessage session = service.call(QStringLiteral("OpenSession"), QStringLiteral("plain"),
-                                                  QVariant::fromValue(QDBusVariant(QString())));
+        const QDBusMessage session =
+            call(QStringLiteral("OpenSession"),
+                 {QStringLiteral("plain"), QVariant::fromValue(QDBusVariant(QString()))});
         QDBusArgument password;
         password.beginStructure();
         password << session.arguments().value(1).value<QDBusObjectPath>() << QByteArray()
                  << QByteArray("private") << QStringLiteral("text/plain");
         password.endStructure();
-        QDBusInterface backDoor(service.service(), service.path(),
-                                QStringLiteral("org.gnome.keyring.InternalUnsupportedGuiltRiddenInterface"));
-        backDoor.call(QStringLiteral("UnlockWithMasterPassword"),
-                      QVariant::fromValue(QDBusObjectPath(defaultCollection())),
-                      QVariant::fromValue(password));
+        call(QStringLiteral("UnlockWithMasterPassword"),
+             {QVariant::fromValue(QDBusObjectPath(defaultCollection())), QVariant::fromValue(password)},
+             QStringLiteral("org.gnome.keyring.InternalUnsupportedGuiltRiddenInterface"));
     }
 
 private:
-    static QDBusInterface secrets()
+    static QDBusMessage call(const QString &method, const QVariantList &arguments,
+                             const QString &interface = QStringLiteral("org.freedesktop.Secret.Service"))
     {
-        return QDBusInterface(QStringLiteral("org.freedesktop.secrets"),
-                              QStringLiteral("/org/freedesktop/secrets"),
-                              QStringLiteral("org.freedesktop.Secret.Service"));
+        QDBusMessage message =
+            QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.secrets"),
+                                           QStringLiteral("/org/freedesktop/secrets"), interface, method);
+        message.setArguments(arguments);
+        return QDBusConnection::sessionBus().call(message);
     }
 
     QProcess m_process;

@@ -1,4 +1,5 @@
 #include "platform/linux/system/KeyringPrompt.h"
+#include "support/VirtualClock.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -59,18 +60,6 @@ private:
     QDBusConnection m_bus;
 };
 
-/// Only its monotonic time is asked for.
-class SetClock final : public Clock
-{
-public:
-    QDateTime now() const override { return {}; }
-    Duration monotonic() const override { return time; }
-    std::unique_ptr<Timer> after(Duration, std::function<void()>) override { return nullptr; }
-    std::unique_ptr<Timer> every(Duration, std::function<void()>) override { return nullptr; }
-
-    Duration time = 100s;
-};
-
 } // namespace
 
 class KeyringPromptTest : public QObject
@@ -79,7 +68,7 @@ class KeyringPromptTest : public QObject
 
     const QStringList m_item{u"/org/freedesktop/secrets/collection/login/1"_s};
     std::optional<FakeSecretService> m_service;
-    SetClock m_clock;
+    VirtualClock m_clock;
 
     /// Lets everything that is on its way on the bus arrive, both ways.
     static void settle()
@@ -96,11 +85,7 @@ class KeyringPromptTest : public QObject
     }
 
 private Q_SLOTS:
-    void init()
-    {
-        m_service.emplace();
-        m_clock.time = 100s;
-    }
+    void init() { m_service.emplace(); }
 
     void onePromptIsOpenAtATime()
     {
@@ -109,7 +94,7 @@ private Q_SLOTS:
         prompt.unlock(m_item);
         QTRY_COMPARE(m_service->requests, (QStringList{u"Unlock"_s, u"Prompt"_s}));
         prompt.createDefaultCollection();
-        m_clock.time += 1h;
+        m_clock.advance(1h);
         prompt.unlock(m_item);
         settle();
         QCOMPARE(m_service->requests.size(), 2);
@@ -122,11 +107,11 @@ private Q_SLOTS:
         QTRY_COMPARE(m_service->requests.size(), 2);
         m_service->complete(true);
         settle();
-        m_clock.time += 59s;
+        m_clock.advance(59s);
         prompt.unlock(m_item);
         settle();
         QCOMPARE(m_service->requests.size(), 2);
-        m_clock.time += 2s;
+        m_clock.advance(2s);
         prompt.createDefaultCollection();
         QTRY_COMPARE(m_service->requests,
                      (QStringList{u"Unlock"_s, u"Prompt"_s, u"CreateCollection"_s, u"Prompt"_s}));
@@ -154,7 +139,7 @@ private Q_SLOTS:
         QTRY_COMPARE(m_service->requests.size(), 2);
         m_service.reset();
         settle();
-        m_clock.time += 61s;
+        m_clock.advance(61s);
         m_service.emplace();
         settle();
         prompt.unlock(m_item);
@@ -169,7 +154,7 @@ private Q_SLOTS:
         prompt.unlock(m_item);
         settle();
         m_service.emplace();
-        m_clock.time += 61s;
+        m_clock.advance(61s);
         prompt.unlock(m_item);
         QTRY_COMPARE(m_service->requests.size(), 2);
     }

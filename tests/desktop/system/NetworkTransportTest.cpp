@@ -259,6 +259,7 @@ private Q_SLOTS:
         NetworkTransport transport("Sayvane/0.1");
         QVERIFY(exchange(transport, post(server.url(u"/transcribe"_s), recording)));
         QVERIFY(server.requests().value(0).body == recording);
+        QVERIFY(server.requests().value(0).header("Expect").isEmpty()); // it would wait for a go-ahead
     }
 
     void anAnswerOfEnormousSizeIsRefused_data()

@@ -110,6 +110,7 @@ void TlsServer::incomingConnection(qintptr descriptor)
         socket->deleteLater();
     });
     socket->setSocketDescriptor(descriptor);
+    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // as web servers do
     if (m_security == Security::tls) {
         socket->setSslConfiguration(m_tls);
         socket->startServerEncryption();

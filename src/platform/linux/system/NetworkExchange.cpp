@@ -147,7 +147,6 @@ void NetworkExchange::finish(Result result)
     m_result = std::move(result);
     m_silence.stop();
     m_whole.stop();
-    m_loop.remove(m_transfer.get());
     QMetaObject::invokeMethod(
         this, [this] { resume(); }, Qt::QueuedConnection);
 }

@@ -45,15 +45,14 @@ NetworkTransport::NetworkTransport(QByteArray userAgent)
 
 NetworkTransport::~NetworkTransport()
 {
-    m_closing = true; // a waiter that tries again is refused
-    while (!m_exchanges.isEmpty())
+    while (!m_exchanges.isEmpty()) // also those that a waiter starts on being cancelled
         (*m_exchanges.begin())->endNow(TransportFailure::cancelled());
 }
 
 QCoro::Task<std::expected<HttpResponse, TransportError>> NetworkTransport::send(HttpRequest request,
                                                                                 std::stop_token stop)
 {
-    if (m_closing || stop.stop_requested())
+    if (stop.stop_requested())
         co_return std::unexpected(TransportFailure::cancelled());
     if (!isSendable(request))
         co_return std::unexpected(TransportFailure::malformed());

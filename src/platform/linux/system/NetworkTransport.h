@@ -33,5 +33,4 @@ private:
     NetworkExchange::Trust m_trust;
     std::unique_ptr<TransferLoop> m_loop;
     QSet<NetworkExchange *> m_exchanges; // under way
-    bool m_closing = false;
 };
