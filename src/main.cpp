@@ -1,0 +1,86 @@
+#include "app/FlowLog.h"
+#include "app/Host.h"
+#include "app/SessionCommand.h"
+#include "platform/linux/LinuxMachine.h"
+#include "platform/linux/QuitSignals.h"
+#include "platform/linux/system/LogFormat.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFile>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int exitUsage = 64;
+constexpr int exitFailure = 1;
+
+int complain(const QString &message, int status)
+{
+    std::fprintf(stderr, "sayvane: %s\n", qPrintable(message));
+    return status;
+}
+
+int storeSession(SecretStore &secrets)
+{
+    QFile input;
+    static constexpr qint64 longestToken = 4096;
+    if (!input.open(stdin, QIODevice::ReadOnly))
+        return complain(input.errorString(), exitFailure);
+    const QString trouble = SessionCommand::store(secrets, input.read(longestToken));
+    return trouble.isEmpty() ? 0 : complain(trouble, exitFailure);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    QuitSignals quitSignals;
+    QCoreApplication::setApplicationName(u"sayvane"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(SAYVANE_VERSION));
+    installLog();
+
+    QCommandLineParser options;
+    options.setApplicationDescription(u"Dictation in any application: tap the shortcut, speak, tap again."_s);
+    options.addHelpOption();
+    options.addVersionOption();
+    const QCommandLineOption profile(
+        u"profile"_s, u"Keep settings, history and secrets apart under this name."_s, u"name"_s);
+    const QCommandLineOption service(u"service"_s, u"The hosted service to dictate to, an https address."_s,
+                                     u"address"_s, u"https://accounts.sayvane.app"_s);
+    const QCommandLineOption session(
+        u"store-session"_s,
+        u"Store the service's session token read from standard input (none: remove it) and end."_s);
+    options.addOptions({profile, service, session});
+    if (!options.parse(application.arguments()) || !options.positionalArguments().isEmpty()) {
+        const QString reason =
+            options.errorText().isEmpty()
+                ? u"Unexpected argument '%1'."_s.arg(options.positionalArguments().value(0))
+                : options.errorText();
+        return complain(reason + u" Try --help."_s, exitUsage);
+    }
+    options.process(application);
+    const auto address = Prefs::validAccountBaseURL(options.value(service));
+    if (!address)
+        return complain(u"--service takes an https address without query or fragment."_s, exitUsage);
+
+    LinuxMachine machine(
+        {.profile = options.value(profile),
+         .soundsFolder = QCoreApplication::applicationDirPath() + u"/" SAYVANE_SOUNDS_FROM_BIN ""_s,
+         .userAgent = "Sayvane/" SAYVANE_VERSION});
+    if (options.isSet(session))
+        return storeSession(machine.platform().secrets);
+
+    Host host(machine.platform(), *address);
+    FlowLog::follow(host.flow());
+    QObject::connect(&quitSignals, &QuitSignals::received, &application, &QCoreApplication::quit);
+    // The desktop session is over.
+    QObject::connect(&machine.desktop().connection(), &X11Connection::lost, &application,
+                     &QCoreApplication::quit);
+    host.launch();
+    return application.exec();
+}

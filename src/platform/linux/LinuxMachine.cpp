@@ -1,0 +1,25 @@
+#include "platform/linux/LinuxMachine.h"
+
+LinuxMachine::LinuxMachine(const Settings &settings)
+    : m_folders(settings.profile),
+      m_defaults(m_folders.configuration(), m_clock),
+      m_secrets(m_clock, settings.profile),
+      m_http(settings.userAgent),
+      m_microphone(m_pulse),
+      m_sounds(m_pulse, settings.soundsFolder),
+      m_platform{.clock = m_clock,
+                 .folders = m_folders,
+                 .volumes = m_volumes,
+                 .defaults = m_defaults,
+                 .secrets = m_secrets,
+                 .computerName = m_computerName,
+                 .workspace = m_workspace,
+                 .http = m_http,
+                 .trust = m_desktop.trust(),
+                 .microphone = m_microphone,
+                 .sounds = m_sounds,
+                 .keyTaps = m_desktop.keyTaps(),
+                 .keyPoster = m_desktop.keyPoster(),
+                 .pasteboard = m_desktop.pasteboard()}
+{
+}
