@@ -3,6 +3,8 @@
 #include "platform/linux/sound/PulseConnection.h"
 #include "platform/linux/sound/PulseSoundPlayer.h"
 
+#include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTest>
 #include <QtEndian>
@@ -114,10 +116,12 @@ private Q_SLOTS:
         PulseConnection connection;
         QCOMPARE(connection.settledState(), PulseConnection::State::ready);
         Loudspeakers loudspeakers;
-        PulseSoundPlayer(connection, QStringLiteral("/nonexistent")).play(QStringLiteral("Pop"));
-        PulseSoundPlayer player(connection, QStringLiteral(SOUNDS));
+        PulseSoundPlayer bare(connection, QStringLiteral("/nonexistent"));
+        bare.play(QStringLiteral("Pop"));
+        const QString stranger = server.path(QStringLiteral("Glass.wav"));
+        QVERIFY(QFile::copy(QStringLiteral(SOUNDS "/Pop.wav"), stranger));
+        PulseSoundPlayer player(connection, QFileInfo(stranger).path());
         player.play(QStringLiteral("Glass"));
-        player.play(QStringLiteral("../sounds/Pop"));
         const qsizetype before = loudspeakers.heard().size();
         QTRY_VERIFY_WITH_TIMEOUT(loudspeakers.heard().size() > before + 12000, 5000);
         QVERIFY(loudspeakers.sound().isEmpty());
