@@ -26,7 +26,6 @@ private Q_SLOTS:
     void readsRecords();
     void everyTextComesBack_data();
     void everyTextComesBack();
-    void summarisesTheTiming_data();
     void summarisesTheTiming();
 };
 
@@ -160,25 +159,14 @@ void HistoryFileTest::everyTextComesBack()
     QVERIFY(*read == QList{record});
 }
 
-void HistoryFileTest::summarisesTheTiming_data()
-{
-    QTest::addColumn<std::optional<qint64>>("transcribeMs");
-    QTest::addColumn<std::optional<qint64>>("cleanupMs");
-    QTest::addColumn<std::optional<QString>>("summary");
-    using Ms = std::optional<qint64>;
-    using Summary = std::optional<QString>;
-    QTest::newRow("both") << Ms(1234) << Ms(560) << Summary(u"1.2 s transcribe, 0.6 s cleanup"_s);
-    QTest::newRow("transcription alone") << Ms(49) << Ms() << Summary(u"0.0 s transcribe"_s);
-    QTest::newRow("cleanup alone") << Ms() << Ms(560) << Summary();
-    QTest::newRow("long") << Ms(61960) << Ms(0) << Summary(u"62.0 s transcribe, 0.0 s cleanup"_s);
-}
-
 void HistoryFileTest::summarisesTheTiming()
 {
-    QFETCH(std::optional<qint64>, transcribeMs);
-    QFETCH(std::optional<qint64>, cleanupMs);
-    const Dictation record{.transcribeMs = transcribeMs, .cleanupMs = cleanupMs};
-    QTEST(record.timingSummary(), "summary");
+    const auto summary = [](std::optional<qint64> transcribeMs, std::optional<qint64> cleanupMs) {
+        return Dictation{.transcribeMs = transcribeMs, .cleanupMs = cleanupMs}.timingSummary();
+    };
+    QCOMPARE(summary(1234, 560), u"1.2 s transcribe, 0.6 s cleanup"_s);
+    QCOMPARE(summary(61960, std::nullopt), u"62.0 s transcribe"_s);
+    QCOMPARE(summary(std::nullopt, 560), std::nullopt);
 }
 
 QTEST_APPLESS_MAIN(HistoryFileTest)

@@ -97,7 +97,6 @@ private Q_SLOTS:
     void aFailedWriteKeepsTheOldFileAndIsTriedAgain();
     void aFolderThatCannotBeMadeIsSaidOnce();
     void nobodyElseMayReadTheFile();
-    void everyChangeIsAnnouncedWithItsFigures();
 
 private:
     std::unique_ptr<Fixture> m;
@@ -265,19 +264,6 @@ void HistoryStoreTest::nobodyElseMayReadTheFile()
     m->store().append(m->dictation(u"secret"_s));
     const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
     QCOMPARE(QFile::permissions(m->path()) & others, QFile::Permissions());
-}
-
-void HistoryStoreTest::everyChangeIsAnnouncedWithItsFigures()
-{
-    QList<int> figures;
-    const auto note = [&] { figures.append(m->store().stats().dictationsToday); };
-    connect(&m->store(), &HistoryStore::recordsChanged, this, note);
-    const Dictation a = m->dictation(u"a"_s);
-    m->store().append(a);
-    m->store().append(m->dictation(u"b"_s));
-    m->store().remove(a);
-    m->store().clear();
-    QCOMPARE(figures, (QList<int>{1, 2, 1, 0}));
 }
 
 QTEST_GUILESS_MAIN(HistoryStoreTest)

@@ -109,13 +109,6 @@ private Q_SLOTS:
         QTEST(HotkeySpec::modifierDisplay(flags), "shown");
     }
 
-    void requiresItsModifiersExactly()
-    {
-        QCOMPARE(HotkeySpec().requiredFlags(), 0x800000U);
-        const HotkeySpec all{.fn = true, .command = true, .option = true, .control = true, .shift = true};
-        QCOMPARE(all.requiredFlags(), KeyFlags::compared);
-    }
-
     void namesEveryKeyOnce()
     {
         QStringList names;

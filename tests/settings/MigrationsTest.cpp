@@ -69,9 +69,6 @@ private Q_SLOTS:
     void aFailingKeychainLosesNothing();
     void anyOldPreferenceMarksAnInstallation_data();
     void anyOldPreferenceMarksAnInstallation();
-    void laterChoicesStay();
-    void tellsAMisfiledKey_data();
-    void tellsAMisfiledKey();
 };
 
 /// Once all steps are done, the three flags stand beside what `prefs` says.
@@ -242,44 +239,6 @@ void MigrationsTest::anyOldPreferenceMarksAnInstallation()
     user.store.values.insert(QString::fromUtf8(QTest::currentDataTag()), 7); // a value of whatever type
     user.launch();
     QTEST(user.store.value(u"provider"_s).toString(), "provider");
-}
-
-void MigrationsTest::laterChoicesStay()
-{
-    Installation user;
-    user.setPrefs(R"({"provider":"groq","language":"en","chatModel":"openai/gpt-oss-20b"})");
-    user.launch();
-    user.setPrefs(R"({"language":"en","chatModel":"openai/gpt-oss-20b"})");
-    user.setKey(openAIAccount, "gsk_1");
-    user.launch();
-    QCOMPARE(user.store.value(u"language"_s).toString(), u"en"_s);
-    QCOMPARE(user.store.value(u"chatModel"_s).toString(), u"openai/gpt-oss-20b"_s);
-    QCOMPARE(user.keys(), "|gsk_1");
-}
-
-void MigrationsTest::tellsAMisfiledKey_data()
-{
-    QTest::addColumn<std::optional<QString>>("value");
-    QTest::addColumn<Provider>("provider");
-    QTest::addColumn<std::optional<QString>>("misfiled");
-    const auto none = std::optional<QString>();
-    const auto text = [](const char16_t *value) { return std::optional(QString::fromUtf16(value)); };
-    QTest::newRow("absent") << none << Provider::groq << none;
-    QTest::newRow("blank") << text(u" \n") << Provider::openai << none;
-    QTest::newRow("groq at home") << text(u"gsk_1") << Provider::groq << none;
-    QTest::newRow("openai at home") << text(u"sk-1") << Provider::openai << none;
-    QTest::newRow("groq abroad") << text(u"\tgsk_1 ") << Provider::openai << text(u"gsk_1");
-    QTest::newRow("openai abroad") << text(u" sk-1\n") << Provider::groq << text(u"sk-1");
-    QTest::newRow("case counts") << text(u"SK-1") << Provider::groq << none;
-    QTest::newRow("neither's form") << text(u"key") << Provider::groq << none;
-    QTest::newRow("the service has no key") << text(u"sk-1") << Provider::sayvane << none;
-}
-
-void MigrationsTest::tellsAMisfiledKey()
-{
-    QFETCH(std::optional<QString>, value);
-    QFETCH(Provider, provider);
-    QTEST(Migrations::misfiled(value, provider), "misfiled");
 }
 
 QTEST_APPLESS_MAIN(MigrationsTest)

@@ -36,12 +36,9 @@ private Q_SLOTS:
 
     void knowsAUsableServiceAddress_data();
     void knowsAUsableServiceAddress();
-    void readsTheProvider_data();
-    void readsTheProvider();
     void readsTheModel_data();
     void readsTheModel();
     void registersDefaultsWithoutStoringThem();
-    void theModelDefaultsAreThoseOfTheLaunch();
     void aValueOfAWrongTypeIsNone_data();
     void aValueOfAWrongTypeIsNone();
     void storesModelsTrimmed();
@@ -89,28 +86,6 @@ void PrefsTest::knowsAUsableServiceAddress()
     QCOMPARE(m->prefs.accountBaseURL(), address.value_or(u"https://service.test"_s));
 }
 
-void PrefsTest::readsTheProvider_data()
-{
-    QTest::addColumn<QJsonValue>("stored");
-    QTest::addColumn<Provider>("provider");
-    QTest::newRow("none") << QJsonValue(QJsonValue::Undefined) << Provider::sayvane;
-    QTest::newRow("sayvane") << QJsonValue(u"sayvane"_s) << Provider::sayvane;
-    QTest::newRow("groq") << QJsonValue(u"groq"_s) << Provider::groq;
-    QTest::newRow("openai") << QJsonValue(u"openai"_s) << Provider::openai;
-    QTest::newRow("letter case counts") << QJsonValue(u"Groq"_s) << Provider::sayvane;
-    QTest::newRow("blanks count") << QJsonValue(u"groq "_s) << Provider::sayvane;
-    QTest::newRow("unknown") << QJsonValue(u"other"_s) << Provider::sayvane;
-    QTest::newRow("a number") << QJsonValue(1) << Provider::sayvane;
-}
-
-void PrefsTest::readsTheProvider()
-{
-    QFETCH(QJsonValue, stored);
-    if (!stored.isUndefined())
-        m->store.values.insert(u"provider"_s, stored);
-    QTEST(m->prefs.provider(), "provider");
-}
-
 void PrefsTest::readsTheModel_data()
 {
     QTest::addColumn<QString>("provider");
@@ -123,6 +98,7 @@ void PrefsTest::readsTheModel_data()
     QTest::newRow("openai") << u"openai"_s << none << u"gpt-4o-mini-transcribe"_s << u"gpt-4o-mini"_s;
     QTest::newRow("stored") << u"groq"_s << QJsonValue(u" mine "_s) << u" mine "_s << u" mine "_s;
     QTest::newRow("stored empty") << u"groq"_s << QJsonValue(u""_s) << u""_s << u""_s;
+    QTest::newRow("unknown provider") << u"Groq"_s << none << u""_s << u""_s;
     QTest::newRow("of a wrong type") << u"openai"_s << QJsonValue(true) << u"gpt-4o-mini-transcribe"_s
                                      << u"gpt-4o-mini"_s;
 }
@@ -161,16 +137,6 @@ void PrefsTest::registersDefaultsWithoutStoringThem()
     QCOMPARE(m->prefs.vocabulary().split(u',').size(), 3);
     QVERIFY(HotkeySpec::decode(m->defaults.text(u"hotkeySpec"_s)) == HotkeySpec());
     QCOMPARE(m->defaults.text(u"accountEmail"_s), std::nullopt);
-}
-
-void PrefsTest::theModelDefaultsAreThoseOfTheLaunch()
-{
-    m->store.values.insert(u"provider"_s, u"groq"_s);
-    m->prefs.registerDefaults(m->keychain);
-    m->store.values.insert(u"provider"_s, u"openai"_s);
-    QCOMPARE(m->prefs.chatModel(), u"openai/gpt-oss-120b"_s);
-    m->prefs.registerDefaults(m->keychain); // the next launch
-    QCOMPARE(m->prefs.chatModel(), u"gpt-4o-mini"_s);
 }
 
 void PrefsTest::aValueOfAWrongTypeIsNone_data()

@@ -55,6 +55,9 @@ public:
             file.write(recording);
     }
 
+    /// Ends what is still under way.
+    ~SpeechFixture() { stop.request_stop(); }
+
     FakeSecretStore &secrets() { return machine.secrets; }
     FakeTransport &http() { return machine.http; }
     void set(const QString &key, const QJsonValue &value) { machine.defaults.values.insert(key, value); }

@@ -29,7 +29,6 @@ private Q_SLOTS:
 
     void uploadsTheRecording_data();
     void uploadsTheRecording();
-    void everyUploadHasItsOwnBoundary();
     void readsTheAnswer_data();
     void readsTheAnswer();
     void explainsARefusal_data();
@@ -106,13 +105,6 @@ void TranscriptionTest::uploadsTheRecording()
     QVERIFY(request.resourceTimeout == 180s);
     m->answerJson({{u"text"_s, u" untouched\n"_s}});
     QCOMPARE(m->outcome(), u" untouched\n"_s);
-}
-
-void TranscriptionTest::everyUploadHasItsOwnBoundary()
-{
-    m->transcribe();
-    m->transcribe();
-    QVERIFY(m->http().requests.at(0).headers != m->http().requests.at(1).headers);
 }
 
 void TranscriptionTest::readsTheAnswer_data()
@@ -264,6 +256,8 @@ void TranscriptionTest::aGoneModelIsReplacedOnce()
     QCOMPARE(m->prefs.chatModel(), u"chat"_s);
     QCOMPARE(m->recovery.asked, QStringList{u"transcription groq old"_s});
     QCOMPARE(m->http().requests.size(), secondStatus != 0 ? 2 : 1);
+    if (secondStatus != 0) // with a boundary of its own
+        QVERIFY(m->http().requests.first().headers != m->http().requests.last().headers);
     if (secondStatus != 0)
         QVERIFY(m->http().requests.last().body.contains("name=\"model\"\r\n\r\nnew\r\n"));
 }
