@@ -21,8 +21,10 @@ RecordingWindow::RecordingWindow(const QByteArray &instance, const QByteArray &c
     const QByteArray wmClass = instance + '\0' + className + '\0';
     xcb_change_property(m_connection.xcb(), XCB_PROP_MODE_REPLACE, m_window, XCB_ATOM_WM_CLASS,
                         XCB_ATOM_STRING, 8, static_cast<uint32_t>(wmClass.size()), wmClass.constData());
-    xcb_map_window(m_connection.xcb(), m_window);
-    m_connection.dispatchUntil([this] { return m_isFocused; }, 5s);
+    // A window manager that is still starting may forget a window that appears meanwhile.
+    do {
+        xcb_map_window(m_connection.xcb(), m_window);
+    } while (!m_connection.dispatchUntil([this] { return m_isFocused; }, 1s) && m_connection.isOpen());
 }
 
 void RecordingWindow::handle(const xcb_generic_event_t &event)

@@ -19,7 +19,11 @@ Typist::~Typist()
         if (down[key])
             release(static_cast<int>(key) - 8);
     }
-    xcb_xkb_latch_lock_state(m_connection.xcb(), XCB_XKB_ID_USE_CORE_KBD, 0xff, 0, true, 0, 0, 0, 0);
+    if (lockedModifiers() & XCB_MOD_MASK_LOCK)
+        tap(KEY_CAPSLOCK);
+    if (lockedModifiers() & XCB_MOD_MASK_2)
+        tap(KEY_NUMLOCK);
+    lockGroup(0);
     setLayout({QStringLiteral("us")});
 }
 
@@ -54,7 +58,7 @@ uint16_t Typist::lockedModifiers() const
 void Typist::lockGroup(uint8_t group)
 {
     xcb_xkb_latch_lock_state(m_connection.xcb(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, true, group, 0, 0, 0);
-    m_connection.flush();
+    m_keyboard.group(); // the answer comes after the change
 }
 
 void Typist::setLayout(const QStringList &arguments)
@@ -66,5 +70,5 @@ void Typist::fake(uint8_t event, int evdevKey)
 {
     xcb_test_fake_input(m_connection.xcb(), event, static_cast<uint8_t>(evdevKey + 8), XCB_CURRENT_TIME,
                         XCB_WINDOW_NONE, 0, 0, 0);
-    m_connection.flush();
+    m_keyboard.group(); // the answer comes after the event
 }

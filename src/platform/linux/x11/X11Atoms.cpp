@@ -3,6 +3,13 @@
 #include "platform/linux/x11/X11Connection.h"
 #include "platform/linux/x11/XcbReply.h"
 
+namespace {
+
+// The server numbers from 1 and uses 29 bits.
+constexpr xcb_atom_t firstOwnAtom = 0x80000000;
+
+} // namespace
+
 X11Atoms::X11Atoms(X11Connection &connection) : m_connection(connection)
 {
 }
@@ -25,8 +32,11 @@ QList<xcb_atom_t> X11Atoms::of(const QList<QByteArray> &names)
             remember(reply->atom, it.key());
     }
     QList<xcb_atom_t> atoms;
-    for (const QByteArray &name : names)
-        atoms.append(m_atoms.value(name, XCB_ATOM_NONE));
+    for (const QByteArray &name : names) {
+        if (!m_atoms.contains(name))
+            remember(firstOwnAtom + static_cast<xcb_atom_t>(m_atoms.size()), name);
+        atoms.append(m_atoms.value(name));
+    }
     return atoms;
 }
 

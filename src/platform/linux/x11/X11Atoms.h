@@ -8,17 +8,17 @@
 
 class X11Connection;
 
-/// The numbers that the X server gives to names, each asked for once.
+/// The numbers that the X server gives to names, each asked for once. Without a server the numbers are our
+/// own, so that names can still be told apart.
 class X11Atoms
 {
 public:
     explicit X11Atoms(X11Connection &connection);
 
-    /// The atom of a name; 0 without a server.
     xcb_atom_t operator[](const QByteArray &name);
-    /// The atoms of several names, in one round trip.
+    /// Several names in one round trip.
     QList<xcb_atom_t> of(const QList<QByteArray> &names);
-    /// The names of several atoms, in one round trip; empty for a number that is none.
+    /// The names of several numbers, in one round trip; empty for a number that is none.
     QList<QByteArray> names(const QList<xcb_atom_t> &atoms);
 
 private:

@@ -42,6 +42,7 @@ X11Connection::X11Connection(const QByteArray &display) : m_xcb(nullptr), m_atom
 X11Connection::~X11Connection()
 {
     m_notifier.reset();
+    flush(); // disconnecting would drop what is still on its way
     xcb_disconnect(m_xcb);
 }
 

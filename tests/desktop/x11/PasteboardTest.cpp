@@ -1,0 +1,275 @@
+#include "desktop/x11/ClipboardKeeper.h"
+#include "desktop/x11/UnrulyOwner.h"
+#include "platform/linux/x11/SelectionRead.h"
+#include "platform/linux/x11/WindowProperty.h"
+#include "platform/linux/x11/X11Desktop.h"
+
+#include <QCoroTask>
+#include <QFile>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <algorithm>
+
+Q_DECLARE_METATYPE(UnrulyOwner::Manner)
+
+/// The clipboard between us and other programs, good ones and bad ones.
+class PasteboardTest : public QObject
+{
+    Q_OBJECT
+
+    static QList<PasteboardItem> read(X11Desktop &desktop)
+    {
+        return QCoro::waitFor(desktop.pasteboard().items());
+    }
+
+    static QByteArray bytesOf(const QList<PasteboardItem> &items, const char *type)
+    {
+        for (const PasteboardItem &item : items) {
+            for (const PasteboardData &data : item) {
+                if (data.type == QLatin1String(type))
+                    return data.bytes;
+            }
+        }
+        return {};
+    }
+
+    /// What xclip gets when it asks for a format.
+    static QByteArray pasted(const char *target)
+    {
+        QProcess xclip;
+        xclip.start(QStringLiteral("xclip"),
+                    {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
+                     QStringLiteral("-t"), QString::fromLatin1(target)});
+        QByteArray output;
+        connect(&xclip, &QProcess::readyRead, &xclip, [&] { output += xclip.readAll(); });
+        [[maybe_unused]] const bool ended =
+            QTest::qWaitFor([&] { return xclip.state() == QProcess::NotRunning; }, 20000);
+        return output + xclip.readAll();
+    }
+
+    /// Lets xclip own the clipboard from now on; it stays in the background until somebody else does.
+    static void copy(const QByteArray &bytes, const char *target)
+    {
+        const QTemporaryDir folder;
+        QFile file(folder.filePath(QStringLiteral("bytes")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+        file.close();
+        QProcess xclip;
+        xclip.setStandardOutputFile(QProcess::nullDevice());
+        xclip.start(QStringLiteral("xclip"),
+                    {QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
+                     QStringLiteral("-t"), QString::fromLatin1(target), file.fileName()});
+        QTRY_COMPARE(xclip.state(), QProcess::NotRunning);
+    }
+
+    static QByteArray noise(qsizetype size)
+    {
+        QByteArray bytes(size, '\0');
+        QRandomGenerator random(7);
+        std::ranges::generate(bytes, [&] { return static_cast<char>(random.generate()); });
+        return bytes;
+    }
+
+private Q_SLOTS:
+    void textReachesOtherPrograms_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addRow("empty") << QString();
+        QTest::addRow("plain") << QStringLiteral("Hello, world.\nSecond line.");
+        QTest::addRow("emoji and right to left")
+            << QStringLiteral("👩‍👩‍👧 שלום العالم é");
+        QTest::addRow("100,000 characters") << QStringLiteral("0123456789").repeated(10000);
+        QTest::addRow("800,000 characters") << QStringLiteral("Ünïcødé ").repeated(100000);
+    }
+
+    void textReachesOtherPrograms()
+    {
+        QFETCH(const QString, text);
+        X11Desktop desktop;
+        desktop.pasteboard().setString(text);
+        for (const char *target : {"UTF8_STRING", "text/plain;charset=utf-8", "text/plain", "TEXT"})
+            QVERIFY2(pasted(target) == text.toUtf8(), target);
+        QVERIFY(pasted("STRING") == text.toLatin1());
+        QCOMPARE(pasted("x-kde-passwordManagerHint"), "secret");
+        QCOMPARE(bytesOf(read(desktop), "UTF8_STRING"), text.toUtf8());
+    }
+
+    void whatOthersCopiedComesBackAsItWas_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QByteArray>("target");
+        QTest::addRow("text") << QByteArray("copied by hand") << QByteArray("UTF8_STRING");
+        QTest::addRow("3 MB image") << noise(3'000'000) << QByteArray("image/png");
+        QTest::addRow("20 MB image") << noise(20'000'000) << QByteArray("image/png");
+        QTest::addRow("files") << QByteArray("copy\nfile:///a%20b")
+                               << QByteArray("x-special/gnome-copied-files");
+    }
+
+    void whatOthersCopiedComesBackAsItWas()
+    {
+        QFETCH(const QByteArray, bytes);
+        QFETCH(const QByteArray, target);
+        X11Desktop desktop;
+        copy(bytes, target.constData());
+        const QList<PasteboardItem> items = read(desktop);
+        QCOMPARE(items.size(), 1);
+        QVERIFY(bytesOf(items, target.constData()) == bytes);
+        desktop.pasteboard().setString(QStringLiteral("dictated"));
+        desktop.pasteboard().setItems(items);
+        QVERIFY(pasted(target.constData()) == bytes);
+        QVERIFY(pasted("x-kde-passwordManagerHint").isEmpty());
+    }
+
+    /// A format may come as another type, or in units of 16 bits; one of 32 bits means nothing elsewhere.
+    void everyFormatIsKeptWithItsTypeAndUnit()
+    {
+        X11Desktop desktop;
+        X11Connection connection;
+        SelectionSender sender(connection);
+        SelectionOwner other(connection, sender, "CLIPBOARD");
+        const QList<xcb_atom_t> atoms = connection.atoms().of(
+            {"text/html", "TEXT", "UTF8_STRING", "application/x-color", "PIXMAP", "text/uri-list"});
+        const QByteArray html(700'000, 'h');
+        const QByteArray colour("\1\2\3\4\5\6\7\10", 8);
+        const SelectionContents contents{{atoms[0], atoms[0], 8, html},
+                                         {atoms[1], atoms[2], 8, "text"},
+                                         {atoms[3], atoms[3], 16, colour},
+                                         {atoms[4], atoms[4], 32, QByteArray(4, '\1')},
+                                         {atoms[5], atoms[5], 8, html}};
+        other.own(contents);
+        QTRY_VERIFY(desktop.pasteboard().changeCount() > 0);
+        const QList<PasteboardItem> items = read(desktop);
+        const PasteboardItem expected{{QStringLiteral("text/html"), html},
+                                      {QStringLiteral("TEXT"), "text"},
+                                      {QStringLiteral("application/x-color"), colour},
+                                      {QStringLiteral("text/uri-list"), html}};
+        QCOMPARE(items, QList<PasteboardItem>{expected});
+
+        desktop.pasteboard().setItems(items);
+        QTRY_VERIFY(!other.isOwner());
+        SelectionRead back(connection, other.selection());
+        bool isDone = false;
+        connect(&back, &SelectionRead::finished, this, [&] { isDone = true; });
+        back.start();
+        QTRY_VERIFY(isDone);
+        const SelectionContents restored = back.contents();
+        QCOMPARE(restored.size(), 4);
+        QCOMPARE(restored[1].type, atoms[2]);
+        QCOMPARE(restored[2].format, 16);
+        QCOMPARE(restored[2].bytes, colour);
+        QVERIFY(restored[3].bytes == html);
+    }
+
+    void aBadOwnerCostsABoundedTime_data()
+    {
+        QTest::addColumn<UnrulyOwner::Manner>("manner");
+        QTest::addColumn<QStringList>("kept");
+        const QStringList good{QStringLiteral("UTF8_STRING")};
+        QTest::addRow("silent") << UnrulyOwner::Manner::silent << QStringList();
+        QTest::addRow("silent after the first format") << UnrulyOwner::Manner::halfSilent << good;
+        QTest::addRow("dies halfway") << UnrulyOwner::Manner::diesHalfway << good;
+        QTest::addRow("never ends") << UnrulyOwner::Manner::neverEnds << good;
+        QTest::addRow("knows no list of formats") << UnrulyOwner::Manner::refusesTargets << good;
+    }
+
+    void aBadOwnerCostsABoundedTime()
+    {
+        QFETCH(const UnrulyOwner::Manner, manner);
+        QFETCH(const QStringList, kept);
+        X11Desktop desktop;
+        const UnrulyOwner owner(manner);
+        QStringList types;
+        for (const PasteboardItem &item : read(desktop)) { // it comes back at all
+            for (const PasteboardData &data : item)
+                types.append(data.type);
+        }
+        QCOMPARE(types, kept);
+        // And nothing of it disturbs what comes next.
+        desktop.pasteboard().setString(QStringLiteral("next"));
+        QCOMPARE(pasted("UTF8_STRING"), "next");
+    }
+
+    void changesOfEverybodyCountOnce()
+    {
+        X11Desktop desktop;
+        X11Pasteboard &pasteboard = desktop.pasteboard();
+        const qint64 start = pasteboard.changeCount();
+        pasteboard.setString(QStringLiteral("one"));
+        const qint64 own = pasteboard.changeCount();
+        QVERIFY(own > start);
+        QCOMPARE(pasted("UTF8_STRING"), "one"); // our own notification has come by now
+        QCOMPARE(pasteboard.changeCount(), own);
+
+        copy("theirs", "UTF8_STRING");
+        QTRY_COMPARE(pasteboard.changeCount(), own + 1);
+        pasteboard.setItems({});
+        pasteboard.setItems({});
+        QVERIFY(pasted("UTF8_STRING").isEmpty());
+        QVERIFY(read(desktop).isEmpty());
+        QCOMPARE(pasteboard.changeCount(), own + 3);
+    }
+
+    /// Somebody copies just before our own change, and we hear of it only after.
+    void aChangeThatOursReplacedIsNoChange()
+    {
+        X11Desktop desktop;
+        X11Connection connection;
+        SelectionSender sender(connection);
+        SelectionOwner other(connection, sender, "CLIPBOARD");
+        const xcb_atom_t utf8 = connection.atoms()["UTF8_STRING"];
+        other.own({{utf8, utf8, 8, "theirs"}});
+        connection.atoms()["theirs stands"];
+        desktop.pasteboard().setString(QStringLiteral("ours"));
+        const qint64 count = desktop.pasteboard().changeCount();
+        QCOMPARE(pasted("UTF8_STRING"), "ours");
+        QCOMPARE(desktop.pasteboard().changeCount(), count);
+
+        // Just after is another matter.
+        desktop.pasteboard().setString(QStringLiteral("ours again"));
+        desktop.connection().atoms()["ours stands"];
+        other.own({{utf8, utf8, 8, "theirs again"}});
+        QTRY_COMPARE(desktop.pasteboard().changeCount(), count + 2);
+        QCOMPARE(bytesOf(read(desktop), "UTF8_STRING"), "theirs again");
+    }
+
+    void theClipboardIsLeftToAManagerAtTheEnd()
+    {
+        const ClipboardKeeper keeper;
+        const QString text = QStringLiteral("kept ").repeated(100000);
+        {
+            X11Desktop desktop;
+            desktop.pasteboard().setString(text);
+        }
+        QVERIFY(pasted("UTF8_STRING") == text.toUtf8());
+        QCOMPARE(pasted("x-kde-passwordManagerHint"), "secret");
+    }
+
+    void severalFormatsAreDeliveredInOneRequest()
+    {
+        X11Desktop desktop;
+        desktop.pasteboard().setString(QStringLiteral("text"));
+        X11Connection connection;
+        const xcb_window_t window = connection.createWindow(0);
+        const QList<xcb_atom_t> atoms = connection.atoms().of(
+            {"UTF8_STRING", "ONE", "image/png", "TWO", "MULTIPLE", "PAIRS", "CLIPBOARD"});
+        xcb_change_property(connection.xcb(), XCB_PROP_MODE_REPLACE, window, atoms[5],
+                            connection.atoms()["ATOM_PAIR"], 32, 4, atoms.constData());
+        bool isAnswered = false;
+        connect(&connection, &X11Connection::eventReceived, this, [&](const xcb_generic_event_t *event) {
+            isAnswered |= (event->response_type & 0x7f) == XCB_SELECTION_NOTIFY;
+        });
+        xcb_convert_selection(connection.xcb(), window, atoms[6], atoms[4], atoms[5], XCB_CURRENT_TIME);
+        connection.flush();
+        QTRY_VERIFY(isAnswered);
+        QCOMPARE(WindowProperty::read(connection, window, atoms[1]).bytes, "text");
+        const QList<uint32_t> answered = WindowProperty::read(connection, window, atoms[5]).values();
+        QCOMPARE(answered, QList<uint32_t>({atoms[0], atoms[1], atoms[2], 0}));
+    }
+};
+
+QTEST_GUILESS_MAIN(PasteboardTest)
+#include "PasteboardTest.moc"
