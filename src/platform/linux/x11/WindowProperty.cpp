@@ -3,6 +3,8 @@
 #include "platform/linux/x11/X11Connection.h"
 #include "platform/linux/x11/XcbReply.h"
 
+#include <cstring>
+
 namespace {
 
 WindowProperty get(X11Connection &connection, bool deleting, xcb_window_t window, xcb_atom_t property,
@@ -38,4 +40,12 @@ WindowProperty WindowProperty::take(X11Connection &connection, xcb_window_t wind
                                     qsizetype maxBytes)
 {
     return get(connection, true, window, property, maxBytes);
+}
+
+QList<uint32_t> WindowProperty::values() const
+{
+    QList<uint32_t> values(format == 32 ? bytes.size() / 4 : 0);
+    if (!values.isEmpty())
+        std::memcpy(values.data(), bytes.constData(), static_cast<std::size_t>(values.size()) * 4);
+    return values;
 }

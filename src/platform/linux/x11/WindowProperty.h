@@ -3,8 +3,6 @@
 #include <QByteArray>
 #include <QList>
 
-#include <cstring>
-
 #include <xcb/xproto.h>
 
 class X11Connection;
@@ -25,10 +23,5 @@ struct WindowProperty
                                qsizetype maxBytes);
 
     /// The units of a 32-bit property.
-    QList<uint32_t> values() const
-    {
-        QList<uint32_t> result(format == 32 ? bytes.size() / 4 : 0);
-        std::memcpy(result.data(), bytes.constData(), static_cast<std::size_t>(result.size()) * 4);
-        return result;
-    }
+    QList<uint32_t> values() const;
 };
