@@ -150,7 +150,7 @@ void FlowController::beginRecording()
                         ? u"Couldn't start recording: "_s + error.description
                         : error.description);
     }
-    m_recordingStart = m_clock.now();
+    m_recordingStart = m_clock.monotonic();
     setState(FlowState::recording);
     if (m_hotkey)
         m_hotkey->setInterceptEscape(true);
@@ -198,8 +198,9 @@ void FlowController::finishRecording(bool limitReached)
 {
     if (m_state != FlowState::recording)
         return;
-    const double duration =
-        m_recordingStart ? static_cast<double>(m_recordingStart->msecsTo(m_clock.now())) / 1000 : 0;
+    const Clock::Duration recorded =
+        m_recordingStart ? m_clock.monotonic() - *m_recordingStart : Clock::Duration::zero();
+    const double duration = std::chrono::duration<double>(recorded).count();
     m_recordingStart.reset();
     endRecording();
     const auto path = m_recorder.stop();

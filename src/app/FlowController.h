@@ -8,7 +8,6 @@
 #include "values/FlowState.h"
 
 #include <QCoroTask>
-#include <QDateTime>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -135,7 +134,8 @@ private:
     QString m_lastTranscript;
     QStringList m_history;
     std::optional<QString> m_lastError;
-    std::optional<QDateTime> m_recordingStart;
+    /// On the monotonic clock: a wall clock that is set meanwhile must not make a recording too short.
+    std::optional<Clock::Duration> m_recordingStart;
     std::unique_ptr<Timer> m_meterTimer;
     std::unique_ptr<Timer> m_limitTimer;
     Capture m_pendingCapture;

@@ -6,6 +6,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <chrono>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -49,6 +50,27 @@ void appendQuoted(QByteArray &json, QStringView text)
     json += text.sliced(plainBegin).toUtf8() + '"';
 }
 
+/// Two thousand dates are written on every save, so this is by hand: a format string costs ten times more.
+QByteArray isoDate(const QDateTime &date)
+{
+    const auto time = std::chrono::sys_seconds(std::chrono::seconds(date.toSecsSinceEpoch()));
+    const auto day = std::chrono::floor<std::chrono::days>(time);
+    const std::chrono::year_month_day calendar(day);
+    const std::chrono::hh_mm_ss clock(time - day);
+    QByteArray text("0000-00-00T00:00:00Z");
+    const auto put = [&text](qsizetype end, long long number) {
+        for (; number > 0 && end > 0; number /= 10)
+            text[--end] = static_cast<char>('0' + number % 10);
+    };
+    put(4, static_cast<int>(calendar.year()));
+    put(7, static_cast<unsigned>(calendar.month()));
+    put(10, static_cast<unsigned>(calendar.day()));
+    put(13, clock.hours().count());
+    put(16, clock.minutes().count());
+    put(19, clock.seconds().count());
+    return text;
+}
+
 /// One object under construction.
 class ObjectWriter
 {
@@ -59,6 +81,14 @@ public:
     {
         begin(key);
         appendQuoted(m_json, value);
+    }
+    /// Text that needs no escaping.
+    void ascii(QByteArrayView key, const QByteArray &value)
+    {
+        begin(key);
+        m_json += '"';
+        m_json += value;
+        m_json += '"';
     }
     void integer(QByteArrayView key, qint64 value)
     {
@@ -99,8 +129,8 @@ private:
 void appendRecord(QByteArray &json, const Dictation &record)
 {
     ObjectWriter object(json);
-    object.text("id", record.id.toString(QUuid::WithoutBraces).toUpper());
-    object.text("date", record.date.toUTC().toString(u"yyyy-MM-dd'T'HH:mm:ss'Z'"));
+    object.ascii("id", record.id.toByteArray(QUuid::WithoutBraces).toUpper());
+    object.ascii("date", isoDate(record.date));
     object.real("durationSeconds", record.durationSeconds);
     object.integer("wordCount", record.wordCount);
     object.text("text", record.text);

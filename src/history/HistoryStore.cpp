@@ -3,11 +3,11 @@
 #include "history/HistoryFile.h"
 #include "platform/Clock.h"
 #include "platform/Folders.h"
+#include "support/AtomicFile.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
-#include <QSaveFile>
 
 #include <algorithm>
 #include <filesystem>
@@ -81,12 +81,8 @@ void HistoryStore::save()
 {
     if (m_savingBlocked)
         return;
-    QSaveFile file(m_filePath);
-    const bool written = file.open(QIODevice::WriteOnly) &&
-                         file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) &&
-                         file.write(HistoryFile::encode(m_records)) >= 0 && file.commit();
-    if (!written)
-        qCCritical(log).noquote() << "Could not write history.json:" << file.errorString();
+    if (const auto saved = AtomicFile::replace(m_filePath, HistoryFile::encode(m_records)); !saved)
+        qCCritical(log).noquote() << "Could not write history.json:" << saved.error();
 }
 
 void HistoryStore::append(const Dictation &dictation)

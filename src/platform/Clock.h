@@ -26,7 +26,7 @@ public:
     virtual QDateTime now() const = 0;
 
     /// Where the user is, for what is a day to them. It may change while the program runs.
-    virtual QTimeZone timeZone() const { return QTimeZone::systemTimeZone(); }
+    virtual QTimeZone timeZone() const = 0;
 
     /// Time since an arbitrary fixed instant; it never goes back and no clock setting moves it.
     virtual Duration monotonic() const = 0;

@@ -12,7 +12,9 @@ inline constexpr int32_t success = 0;
 inline constexpr int32_t userCanceled = -128;
 inline constexpr int32_t notAvailable = -25291;
 inline constexpr int32_t authFailed = -25293;
+inline constexpr int32_t duplicateItem = -25299;
 inline constexpr int32_t itemNotFound = -25300;
+inline constexpr int32_t noDefaultKeyring = -25307; ///< the user has no keyring yet
 inline constexpr int32_t interactionNotAllowed = -25308; ///< the store is locked
 inline constexpr int32_t ioError = -36;
 } // namespace SecretStatus

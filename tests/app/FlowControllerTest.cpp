@@ -22,6 +22,7 @@ private Q_SLOTS:
     void theRecordTellsHowItWasMade();
     void aShortRecordingLeavesNoTrace_data();
     void aShortRecordingLeavesNoTrace();
+    void aClockThatIsSetBackLosesNothing();
     void aSmallFileIsNothingHeard_data();
     void aSmallFileIsNothingHeard();
     void aFileThatIsGoneIsNothingHeard();
@@ -166,6 +167,17 @@ void FlowControllerTest::aShortRecordingLeavesNoTrace()
     QCOMPARE(m->machine.folders.recordings().size(), isKept ? 1 : 0);
     QCOMPARE(m->flow().lastError(), std::nullopt);
     QVERIFY(!m->flow().hotkey()->interceptEscape());
+}
+
+void FlowControllerTest::aClockThatIsSetBackLosesNothing()
+{
+    m->host();
+    m->tapShortcut();
+    m->machine.clock.advance(3s);
+    m->machine.clock.jumpTo(m->machine.clock.now().addSecs(-3600));
+    m->tapShortcut();
+    m->answerText(u"still here"_s);
+    QCOMPARE(m->host().history().records().first().durationSeconds, 3.0);
 }
 
 void FlowControllerTest::aSmallFileIsNothingHeard_data()

@@ -19,10 +19,9 @@ SecretStore::Found FakeSecretStore::find(const QString &service, const QString &
 int32_t FakeSecretStore::add(const QString &service, const QString &account, const QByteArray &data,
                              Accessibility accessibility)
 {
-    static constexpr int32_t duplicateItem = -25299;
     services.append(service);
     if (items.contains(account))
-        return duplicateItem;
+        return SecretStatus::duplicateItem;
     if (addStatus == SecretStatus::success) {
         items.insert(account, data);
         accessibilities.insert(account, accessibility);

@@ -61,7 +61,7 @@ private Q_SLOTS:
 
         QCOMPARE(add(store, "gsk_one"), SecretStatus::success);
         expect(store, "gsk_one");
-        QCOMPARE(add(store, "gsk_two"), SecretServiceStore::duplicateItem);
+        QCOMPARE(add(store, "gsk_two"), SecretStatus::duplicateItem);
         expect(store, "gsk_one");
         QCOMPARE(store.find(m_service, u"openai_api_key"_s).status, SecretStatus::itemNotFound);
 
@@ -158,7 +158,7 @@ private Q_SLOTS:
         SecretServiceStore store(m_clock, {});
         QCOMPARE(store.find(m_service, m_account).status, SecretStatus::itemNotFound);
         QCOMPARE(store.remove(m_service, m_account), SecretStatus::itemNotFound);
-        QCOMPARE(add(store, "gsk_one"), SecretServiceStore::noDefaultKeyring);
+        QCOMPARE(add(store, "gsk_one"), SecretStatus::noDefaultKeyring);
     }
 
     void aKeyringThatHangsIsNotWaitedForLong()
@@ -182,7 +182,7 @@ private Q_SLOTS:
         const QList<int32_t> failures{
             SecretStatus::userCanceled,        SecretStatus::notAvailable,          SecretStatus::authFailed,
             SecretStatus::itemNotFound,        SecretStatus::interactionNotAllowed, SecretStatus::ioError,
-            SecretServiceStore::duplicateItem, SecretServiceStore::noDefaultKeyring};
+            SecretStatus::duplicateItem, SecretStatus::noDefaultKeyring};
         for (const int32_t status : failures) {
             const QString sentence = store.message(status).value_or(QString());
             QVERIFY2(sentence.endsWith(u'.'), qPrintable(QString::number(status)));

@@ -1,12 +1,12 @@
 #include "platform/linux/system/PreferencesFile.h"
 
 #include "platform/linux/system/PrivateFolder.h"
+#include "support/AtomicFile.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QLoggingCategory>
-#include <QSaveFile>
 
 #include <cmath>
 #include <expected>
@@ -136,12 +136,8 @@ void PreferencesFile::write()
         return;
     if (!QFileInfo(m_folder).isDir())
         PrivateFolder::ensure(m_folder);
-    QSaveFile file(m_path);
-    const QByteArray bytes = QJsonDocument(m_values).toJson();
-    // commit() does not notice what flush() does: that the disk took only a part.
-    if (!file.open(QIODevice::WriteOnly) || !file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) ||
-        file.write(bytes) != bytes.size() || !file.flush() || !file.commit()) {
+    if (const auto saved = AtomicFile::replace(m_path, QJsonDocument(m_values).toJson()); !saved) {
         qCWarning(preferencesLog).noquote()
-            << m_path << "cannot be written, so changes are kept in memory only:" << file.errorString();
+            << m_path << "cannot be written, so changes are kept in memory only:" << saved.error();
     }
 }

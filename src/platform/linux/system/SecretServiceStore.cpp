@@ -44,7 +44,7 @@ int32_t SecretServiceStore::add(const QString &service, const QString &account, 
     if (!items)
         return items.error();
     if (!items->unlocked.isEmpty())
-        return duplicateItem;
+        return SecretStatus::duplicateItem;
     if (!items->locked.isEmpty())
         return locked(items->locked);
     const auto collection = m_session.defaultCollection();
@@ -52,7 +52,7 @@ int32_t SecretServiceStore::add(const QString &service, const QString &account, 
         return collection.error();
     if (collection->isEmpty()) {
         m_prompt.createDefaultCollection();
-        return noDefaultKeyring;
+        return SecretStatus::noDefaultKeyring;
     }
     const auto created =
         m_session.create(*collection, u"Sayvane: "_s + account, attributes(service, account), data);
@@ -113,9 +113,9 @@ std::optional<QString> SecretServiceStore::message(int32_t status) const
         return u"The keyring is locked. Unlock it and try again."_s;
     case SecretStatus::ioError:
         return u"The keyring did not answer as it should. Try again."_s;
-    case duplicateItem:
+    case SecretStatus::duplicateItem:
         return u"The item is already in the keyring."_s;
-    case noDefaultKeyring:
+    case SecretStatus::noDefaultKeyring:
         return u"There is no keyring yet. Answer the desktop's question about a new one and try again."_s;
     default:
         return std::nullopt;

@@ -17,9 +17,6 @@ class Clock;
 class SecretServiceStore final : public SecretStore
 {
 public:
-    static constexpr int32_t duplicateItem = -25299;
-    static constexpr int32_t noDefaultKeyring = -25307;
-
     SecretServiceStore(const Clock &clock, QString profile);
 
     Found find(const QString &service, const QString &account) override;

@@ -85,6 +85,11 @@ QDateTime SystemClock::now() const
     return QDateTime::currentDateTimeUtc();
 }
 
+QTimeZone SystemClock::timeZone() const
+{
+    return QTimeZone::systemTimeZone();
+}
+
 Clock::Duration SystemClock::monotonic() const
 {
     return steadyNow();

@@ -10,6 +10,7 @@ class SystemClock final : public Clock
 {
 public:
     QDateTime now() const override;
+    QTimeZone timeZone() const override;
     Duration monotonic() const override;
     std::unique_ptr<Timer> after(Duration delay, std::function<void()> call) override;
     std::unique_ptr<Timer> every(Duration period, std::function<void()> call) override;

@@ -1,0 +1,99 @@
+#include "history/HistoryFile.h"
+#include "history/HistoryStore.h"
+#include "platform/Clock.h"
+#include "platform/Folders.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+constexpr int recordCount = 2000;
+
+class BenchClock final : public Clock
+{
+public:
+    QDateTime now() const override { return QDateTime(QDate(2026, 3, 1), QTime(9, 0), QTimeZone::utc()); }
+    QTimeZone timeZone() const override { return QTimeZone::utc(); }
+    Duration monotonic() const override { return {}; }
+    std::unique_ptr<Timer> after(Duration, std::function<void()>) override { return nullptr; }
+    std::unique_ptr<Timer> every(Duration, std::function<void()>) override { return nullptr; }
+};
+
+class BenchFolders final : public Folders
+{
+public:
+    QString temporary() const override { return m_directory.path(); }
+    QString applicationSupport() const override { return m_directory.path(); }
+
+private:
+    QTemporaryDir m_directory;
+};
+
+QList<Dictation> records()
+{
+    const QString sentence =
+        QStringLiteral("The shop opens next week, and we should tell everybody before Friday. ");
+    QList<Dictation> all;
+    for (int i = 0; i < recordCount; ++i) {
+        const QString text = sentence.repeated(1 + i % 5).trimmed();
+        all.append({.id = QUuid::createUuid(),
+                    .date = BenchClock().now().addSecs(-3600 * i),
+                    .durationSeconds = 4.25 + i % 30,
+                    .wordCount = Dictation::wordCountOf(text),
+                    .text = text,
+                    .rawText = QStringLiteral("um ") + text,
+                    .transcribeMs = 640 + i % 100,
+                    .cleanupMs = 410,
+                    .audioBytes = 136044,
+                    .providerRaw = QStringLiteral("sayvane")});
+    }
+    return all;
+}
+
+void fill(const BenchFolders &folders)
+{
+    QDir().mkpath(folders.applicationSupport() + QStringLiteral("/Sayvane"));
+    QFile file(folders.applicationSupport() + QStringLiteral("/Sayvane/history.json"));
+    if (file.open(QIODevice::WriteOnly))
+        file.write(HistoryFile::encode(records()));
+}
+
+void historyLoad(benchmark::State &state)
+{
+    BenchFolders folders;
+    BenchClock clock;
+    fill(folders);
+    for (auto _ : state) {
+        HistoryStore store(folders, clock);
+        if (store.records().size() != recordCount)
+            state.SkipWithError("not loaded");
+    }
+}
+
+void historyAppendAndSave(benchmark::State &state)
+{
+    BenchFolders folders;
+    BenchClock clock;
+    fill(folders);
+    HistoryStore store(folders, clock);
+    const Dictation dictation = records().first();
+    for (auto _ : state)
+        store.append(dictation);
+}
+
+void historyEncode(benchmark::State &state)
+{
+    const QList<Dictation> all = records();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(HistoryFile::encode(all));
+}
+
+} // namespace
+
+BENCHMARK(historyLoad)->Unit(benchmark::kMillisecond);
+BENCHMARK(historyAppendAndSave)->Unit(benchmark::kMillisecond);
+BENCHMARK(historyEncode)->Unit(benchmark::kMillisecond);
