@@ -10,6 +10,7 @@
 #include <iostream>
 #include <thread>
 
+#include <malloc.h>
 #include <sys/stat.h>
 #include <sysexits.h>
 
@@ -42,6 +43,7 @@ size_t decodersFor(const CommandLine &line)
 void serve(const CommandLine &line, DataFolder &folder)
 {
     const sigset_t signals = endingSignals();
+    ::mallopt(M_MMAP_THRESHOLD, 1024 * 1024); // a recording's memory goes back to the system at once
     folder.lockForServing();
     Certificate::ensure(folder.certificate(), folder.privateKey(), line.host);
     Accounts accounts(folder.database());

@@ -26,8 +26,7 @@ void ConnectionThreads::enqueue(std::function<void()> serve)
     std::unique_lock lock(m_mutex);
     m_queue.push_back(std::move(serve));
     m_changed.notify_all();
-    if (m_queue.size() > m_free)
-        m_connections.endLongestWaiting();
+    m_connections.setCrowded(m_queue.size() > m_free);
     // Bounded, so that a server told to stop is not kept here by requests in progress.
     m_changed.wait_for(lock, 1s, [this] { return m_queue.size() < maximumQueue; });
 }
@@ -55,6 +54,8 @@ void ConnectionThreads::work()
             return;
         const auto serve = std::move(m_queue.front());
         m_queue.pop_front();
+        if (m_queue.empty())
+            m_connections.setCrowded(false);
         m_changed.notify_all();
         lock.unlock();
         serve();

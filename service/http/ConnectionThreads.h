@@ -13,8 +13,8 @@ class OpenConnections;
 
 /// A bounded number of threads, each serving one connection at a time.
 ///
-/// When all are taken, the connection that has waited longest for a next request gives way to the
-/// newcomer. When all are busy and the queue is full, accepting pauses.
+/// When all are taken, idle connections give way to new ones. When all are busy and the queue is full,
+/// accepting pauses.
 class ConnectionThreads final : public httplib::TaskQueue
 {
 public:

@@ -19,6 +19,7 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto idleLimit = 900s; // longer than the longest recording, during which nothing is sent
+constexpr auto firstRequestLimit = 30s;
 constexpr size_t connectionThreads = 32;
 
 TlsStream *connectionOf(const httplib::Request &request)
@@ -112,7 +113,7 @@ void HttpsServer::serve()
 void HttpsServer::end()
 {
     m_ending = true;
-    m_connections.endAllWaiting();
+    m_connections.stop();
     while (m_serving && !is_running())
         std::this_thread::sleep_for(1ms); // the library ignores a stop before its loop has begun
     stop();
@@ -132,9 +133,10 @@ bool HttpsServer::process_and_close_socket(socket_t socket)
     if (understood)
         SSL_set_app_data(stream.handle(), &stream);
     bool last = false;
-    while (understood && !last && !m_ending && m_connections.beginWaiting(socket) &&
-           stream.awaitRequest(idleLimit)) {
-        m_connections.endWaiting(socket);
+    auto patience = firstRequestLimit;
+    while (understood && !last && !m_ending && stream.awaitRequest(patience)) {
+        m_connections.beginWork(socket);
+        patience = idleLimit;
         bool bodyIgnored = false;
         understood = process_request(stream, m_ending, last, [&](httplib::Request &request) {
             request.ssl = stream.handle();
@@ -142,7 +144,7 @@ bool HttpsServer::process_and_close_socket(socket_t socket)
             bodyIgnored = carriesUnreadBody(request);
             stream.headIsRead();
         });
-        last = last || bodyIgnored || stream.wasRefused();
+        last = last || bodyIgnored || stream.wasRefused() || !m_connections.beginIdling(socket);
     }
     stream.finish(understood && stream.wasRefused());
     m_connections.remove(socket);

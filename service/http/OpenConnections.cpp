@@ -1,7 +1,5 @@
 #include "service/http/OpenConnections.h"
 
-#include <algorithm>
-
 #include <sys/socket.h>
 
 void OpenConnections::add(int socket)
@@ -18,38 +16,47 @@ void OpenConnections::remove(int socket)
     m_connections.erase(socket);
 }
 
-bool OpenConnections::beginWaiting(int socket)
+bool OpenConnections::beginIdling(int socket)
 {
     const std::lock_guard lock(m_mutex);
-    m_connections[socket] = {};
-    return !m_stopping;
+    m_connections[socket] = {State::idle};
+    return !m_stopping && !m_crowded;
 }
 
-void OpenConnections::endWaiting(int socket)
+void OpenConnections::beginWork(int socket)
 {
     const std::lock_guard lock(m_mutex);
-    m_connections[socket].waiting = false;
+    m_connections[socket].state = State::working;
 }
 
-void OpenConnections::endLongestWaiting()
+void OpenConnections::setCrowded(bool crowded)
 {
     const std::lock_guard lock(m_mutex);
-    const auto earlier = [](const auto &a, const auto &b) {
-        return std::pair(!a.second.waiting, a.second.since) < std::pair(!b.second.waiting, b.second.since);
-    };
-    const auto longest = std::ranges::min_element(m_connections, earlier);
-    if (longest == m_connections.end() || !longest->second.waiting)
-        return;
-    longest->second.waiting = false; // its thread is about to find out
-    ::shutdown(longest->first, SHUT_RD);
+    m_crowded = crowded;
+    if (crowded)
+        endLongestIdle();
 }
 
-void OpenConnections::endAllWaiting()
+void OpenConnections::stop()
 {
     const std::lock_guard lock(m_mutex);
     m_stopping = true;
     for (const auto &[socket, connection] : m_connections) {
-        if (connection.waiting)
+        if (connection.state != State::working)
             ::shutdown(socket, SHUT_RD);
     }
+}
+
+void OpenConnections::endLongestIdle()
+{
+    auto longest = m_connections.end();
+    for (auto it = m_connections.begin(); it != m_connections.end(); ++it) {
+        const bool longer = longest == m_connections.end() || it->second.since < longest->second.since;
+        if (it->second.state == State::idle && longer)
+            longest = it;
+    }
+    if (longest == m_connections.end())
+        return;
+    longest->second.state = State::working; // its thread is about to find out
+    ::shutdown(longest->first, SHUT_RD);
 }

@@ -4,30 +4,37 @@
 #include <map>
 #include <mutex>
 
-/// The connections that are open now, so that those waiting for a next request can be ended from
+/// The connections that are open now, so that those without a request in work can be ended from
 /// outside: when their thread is needed elsewhere, and when the server stops.
 class OpenConnections
 {
 public:
+    /// A new connection, whose first request is still to come.
     void add(int socket);
     void remove(int socket);
-    /// The connection waits for a request; false when it must end instead.
-    bool beginWaiting(int socket);
+    /// The connection was answered and waits for its next request; false when it must end instead.
+    bool beginIdling(int socket);
     /// A request has begun to arrive; it will be answered.
-    void endWaiting(int socket);
+    void beginWork(int socket);
 
-    void endLongestWaiting();
-    /// Ends all that wait now and all that would wait later.
-    void endAllWaiting();
+    /// Whether new connections wait for a thread: then the longest idle one ends, and so does every
+    /// one that would begin to idle.
+    void setCrowded(bool crowded);
+    /// Ends all without a request in work, now and later.
+    void stop();
 
 private:
+    enum class State { fresh, idle, working };
     struct Connection
     {
-        bool waiting = true; // a new one waits for its handshake
+        State state = State::fresh;
         std::chrono::steady_clock::time_point since = std::chrono::steady_clock::now();
     };
 
+    void endLongestIdle();
+
     std::mutex m_mutex;
     std::map<int, Connection> m_connections;
+    bool m_crowded = false;
     bool m_stopping = false;
 };
