@@ -121,6 +121,7 @@ void TlsServer::receive(QSslSocket *socket)
 {
     const QByteArray bytes = socket->readAll();
     m_bytesReceived += bytes.size();
+    Q_EMIT bytesArrived();
     QByteArray &received = m_received[socket];
     received += bytes;
     while (const auto request = requestIn(received)) {

@@ -74,6 +74,8 @@ public:
     qint64 bytesReceived() const { return m_bytesReceived; }
 
 Q_SIGNALS:
+    /// Something came, be it only a part of a request.
+    void bytesArrived();
     void requestArrived();
 
 protected:
