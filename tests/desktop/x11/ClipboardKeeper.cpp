@@ -29,16 +29,10 @@ private:
         connect(&m_read, &SelectionRead::finished, this, [this] {
             m_clipboard.own(m_read.contents());
             xcb_selection_notify_event_t notify[2]{};
-            notify[0] = {XCB_SELECTION_NOTIFY,
-                         0,
-                         0,
-                         m_request.time,
-                         m_request.requestor,
-                         m_request.selection,
-                         m_request.target,
-                         m_request.property};
-            xcb_send_event(m_connection.xcb(), false, m_request.requestor, 0,
-                           reinterpret_cast<const char *>(notify));
+            notify[0] = {
+                XCB_SELECTION_NOTIFY, 0, 0, m_request.time, m_request.requestor, m_request.selection, m_request.target,
+                m_request.property};
+            xcb_send_event(m_connection.xcb(), false, m_request.requestor, 0, reinterpret_cast<const char *>(notify));
         });
         m_read.start();
     }

@@ -26,10 +26,7 @@ class KeyPosterTest : public QObject
 {
     Q_OBJECT
 
-    static bool post(X11Desktop &desktop, KeyChord chord)
-    {
-        return QCoro::waitFor(desktop.keyPoster().post(chord));
-    }
+    static bool post(X11Desktop &desktop, KeyChord chord) { return QCoro::waitFor(desktop.keyPoster().post(chord)); }
 
     /// Whether the window has seen Ctrl+V to its end.
     static bool hasPasted(const QStringList &log)
@@ -132,8 +129,7 @@ private Q_SLOTS:
             QTimer::singleShot(50, &desktop.connection(), [&] { typist.release(held.last()); });
         QVERIFY(post(desktop, commandV));
         QTRY_VERIFY(hasPasted(window.log()));
-        QCOMPARE(window.log().filter(QRegularExpression(QStringLiteral("^[+]v .*Control"))),
-                 QStringList{expected});
+        QCOMPARE(window.log().filter(QRegularExpression(QStringLiteral("^[+]v .*Control"))), QStringList{expected});
         QVERIFY(!typist.isAnyKeyDown());
         // The fingers come up at last.
         for (const int key : held)
@@ -178,8 +174,8 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("className");
         QTest::addColumn<QByteArray>("command");
         QTest::addColumn<int>("keystroke");
-        const auto row = [](const char *name, const char *instance, const char *className,
-                            const char *command, PasteKeystroke keystroke) {
+        const auto row = [](const char *name, const char *instance, const char *className, const char *command,
+                            PasteKeystroke keystroke) {
             QTest::addRow("%s", name) << QByteArray(instance) << QByteArray(className) << QByteArray(command)
                                       << static_cast<int>(keystroke);
         };

@@ -265,6 +265,21 @@ private Q_SLOTS:
         QVERIFY(!press());
         next.reset();
         QVERIFY(press());
+        X11Connection other;
+        const auto grab = xcb_grab_key_checked(other.xcb(), false, other.root(), XCB_MOD_MASK_4, KEY_SPACE + 8,
+                                               XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+        QVERIFY(!adopt(xcb_request_check(other.xcb(), grab)));
+    }
+
+    /// While some answer of the server is awaited, a key may come in with it.
+    void aKeyThatComesWithAnAnswerIsJudgedAtOnce()
+    {
+        Scene scene({escape});
+        scene.seen();
+        scene.typist.press(KEY_ESC);
+        scene.desktop.connection().atoms()["an answer"];
+        QTRY_COMPARE(scene.presses(), 1);
+        scene.typist.release(KEY_ESC);
     }
 
     void aTapThatGoesWhileItsKeyIsHeldLeavesTheKeyboardFree()
@@ -302,6 +317,11 @@ private Q_SLOTS:
         scene.typist.tap(KEY_ESC);
         QCOMPARE(scene.seen(), QStringList());
         QCOMPARE(scene.presses(), 1);
+        scene.typist.press(KEY_LEFTMETA);
+        scene.typist.tap(KEY_SPACE);
+        scene.typist.release(KEY_LEFTMETA);
+        QVERIFY(scene.seen().contains(QStringLiteral("+space Mod4")));
+        QCOMPARE(scene.presses(), 1);
         xcb_ungrab_key(other.xcb(), XCB_GRAB_ANY, other.root(), XCB_MOD_MASK_ANY);
         other.atoms()["the grab is gone"];
         QVERIFY(scene.tap->watch(std::array{fnSpace, escape}));
@@ -312,8 +332,8 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("arguments");
         QTest::addRow("de") << QStringList{QStringLiteral("de")};
         QTest::addRow("dvorak") << QStringList{QStringLiteral("us"), QStringLiteral("dvorak")};
-        QTest::addRow("Alt and Super swapped") << QStringList{QStringLiteral("us"), QStringLiteral("-option"),
-                                                              QStringLiteral("altwin:swap_alt_win")};
+        QTest::addRow("Alt and Super swapped")
+            << QStringList{QStringLiteral("us"), QStringLiteral("-option"), QStringLiteral("altwin:swap_alt_win")};
     }
 
     /// The shortcut is Fn + the key left of S, whatever that types; the modifiers go by their meaning.

@@ -20,10 +20,7 @@ class PasteboardTest : public QObject
 {
     Q_OBJECT
 
-    static QList<PasteboardItem> read(X11Desktop &desktop)
-    {
-        return QCoro::waitFor(desktop.pasteboard().items());
-    }
+    static QList<PasteboardItem> read(X11Desktop &desktop) { return QCoro::waitFor(desktop.pasteboard().items()); }
 
     static QByteArray bytesOf(const QList<PasteboardItem> &items, const char *type)
     {
@@ -80,8 +77,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("text");
         QTest::addRow("empty") << QString();
         QTest::addRow("plain") << QStringLiteral("Hello, world.\nSecond line.");
-        QTest::addRow("emoji and right to left")
-            << QStringLiteral("👩‍👩‍👧 שלום العالم é");
+        QTest::addRow("emoji and right to left") << QStringLiteral("👩‍👩‍👧 שלום العالم é");
         QTest::addRow("100,000 characters") << QStringLiteral("0123456789").repeated(10000);
         QTest::addRow("800,000 characters") << QStringLiteral("Ünïcødé ").repeated(100000);
     }
@@ -105,8 +101,7 @@ private Q_SLOTS:
         QTest::addRow("text") << QByteArray("copied by hand") << QByteArray("UTF8_STRING");
         QTest::addRow("3 MB image") << noise(3'000'000) << QByteArray("image/png");
         QTest::addRow("20 MB image") << noise(20'000'000) << QByteArray("image/png");
-        QTest::addRow("files") << QByteArray("copy\nfile:///a%20b")
-                               << QByteArray("x-special/gnome-copied-files");
+        QTest::addRow("files") << QByteArray("copy\nfile:///a%20b") << QByteArray("x-special/gnome-copied-files");
     }
 
     void whatOthersCopiedComesBackAsItWas()
@@ -254,10 +249,10 @@ private Q_SLOTS:
         desktop.pasteboard().setString(QStringLiteral("text"));
         X11Connection connection;
         const xcb_window_t window = connection.createWindow(0);
-        const QList<xcb_atom_t> atoms = connection.atoms().of(
-            {"UTF8_STRING", "ONE", "image/png", "TWO", "MULTIPLE", "PAIRS", "CLIPBOARD"});
-        xcb_change_property(connection.xcb(), XCB_PROP_MODE_REPLACE, window, atoms[5],
-                            connection.atoms()["ATOM_PAIR"], 32, 4, atoms.constData());
+        const QList<xcb_atom_t> atoms =
+            connection.atoms().of({"UTF8_STRING", "ONE", "image/png", "TWO", "MULTIPLE", "PAIRS", "CLIPBOARD"});
+        xcb_change_property(connection.xcb(), XCB_PROP_MODE_REPLACE, window, atoms[5], connection.atoms()["ATOM_PAIR"],
+                            32, 4, atoms.constData());
         bool isAnswered = false;
         connect(&connection, &X11Connection::eventReceived, this, [&](const xcb_generic_event_t *event) {
             isAnswered |= (event->response_type & 0x7f) == XCB_SELECTION_NOTIFY;

@@ -13,14 +13,12 @@ RecordingWindow::RecordingWindow(const QByteArray &instance, const QByteArray &c
 {
     QObject::connect(&m_connection, &X11Connection::eventReceived, &m_connection,
                      [this](const xcb_generic_event_t *event) { handle(*event); });
-    const uint32_t events =
-        XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE | XCB_EVENT_MASK_FOCUS_CHANGE;
-    xcb_create_window(m_connection.xcb(), XCB_COPY_FROM_PARENT, m_window, m_connection.root(), 100, 100, 200,
-                      100, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK,
-                      &events);
+    const uint32_t events = XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE | XCB_EVENT_MASK_FOCUS_CHANGE;
+    xcb_create_window(m_connection.xcb(), XCB_COPY_FROM_PARENT, m_window, m_connection.root(), 100, 100, 200, 100, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
     const QByteArray wmClass = instance + '\0' + className + '\0';
-    xcb_change_property(m_connection.xcb(), XCB_PROP_MODE_REPLACE, m_window, XCB_ATOM_WM_CLASS,
-                        XCB_ATOM_STRING, 8, static_cast<uint32_t>(wmClass.size()), wmClass.constData());
+    xcb_change_property(m_connection.xcb(), XCB_PROP_MODE_REPLACE, m_window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
+                        static_cast<uint32_t>(wmClass.size()), wmClass.constData());
     // A window manager that is still starting may forget a window that appears meanwhile.
     do {
         xcb_map_window(m_connection.xcb(), m_window);

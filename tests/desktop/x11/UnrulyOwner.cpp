@@ -9,8 +9,7 @@ UnrulyOwner::UnrulyOwner(Manner manner)
 {
     QObject::connect(m_connection.get(), &X11Connection::eventReceived, m_connection.get(),
                      [this](const xcb_generic_event_t *event) { handle(*event); });
-    xcb_set_selection_owner(m_connection->xcb(), m_window, m_connection->atoms()["CLIPBOARD"],
-                            XCB_CURRENT_TIME);
+    xcb_set_selection_owner(m_connection->xcb(), m_window, m_connection->atoms()["CLIPBOARD"], XCB_CURRENT_TIME);
     // The ownership stands before anybody asks.
     m_connection->atoms()["ownership stands"];
 }
@@ -55,8 +54,7 @@ void UnrulyOwner::answer(const xcb_selection_request_event_t &request)
         put(request.requestor, property, atoms["INCR"], 32, QByteArray(4, '\x01'));
     }
     const xcb_selection_notify_event_t notify{
-        XCB_SELECTION_NOTIFY, 0,       0, request.time, request.requestor, request.selection,
-        request.target,       property};
+        XCB_SELECTION_NOTIFY, 0, 0, request.time, request.requestor, request.selection, request.target, property};
     QByteArray message(reinterpret_cast<const char *>(&notify), sizeof notify);
     message.append(32 - message.size(), char(0));
     xcb_send_event(m_connection->xcb(), false, request.requestor, 0, message.constData());
