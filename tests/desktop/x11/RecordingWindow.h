@@ -10,8 +10,7 @@ class RecordingWindow
 {
 public:
     /// Shown and focused on return; the names become its WM_CLASS.
-    explicit RecordingWindow(const QByteArray &instance = "recorder",
-                             const QByteArray &className = "Recorder");
+    explicit RecordingWindow(const QByteArray &instance = "recorder", const QByteArray &className = "Recorder");
 
     /// Such as "+v Control" for a press with Ctrl held, "-v" for a release; the modifiers are the server's
     /// names. Repeats of a held key come as further presses.

@@ -22,8 +22,7 @@ public:
 private:
     void handle(const xcb_generic_event_t &event);
     void answer(const xcb_selection_request_event_t &request);
-    void put(xcb_window_t window, xcb_atom_t property, xcb_atom_t type, uint8_t format,
-             const QByteArray &bytes);
+    void put(xcb_window_t window, xcb_atom_t property, xcb_atom_t type, uint8_t format, const QByteArray &bytes);
 
     Manner m_manner;
     std::unique_ptr<X11Connection> m_connection;
