@@ -1,6 +1,6 @@
 #include "app/FlowLog.h"
 #include "app/Host.h"
-#include "app/SessionCommand.h"
+#include "app/SecretCommand.h"
 #include "platform/linux/LinuxMachine.h"
 #include "platform/linux/QuitSignals.h"
 #include "platform/linux/system/LogFormat.h"
@@ -24,13 +24,13 @@ int complain(const QString &message, int status)
     return status;
 }
 
-int storeSession(SecretStore &secrets)
+int storeSecret(SecretStore &secrets, const QString &account)
 {
     QFile input;
-    static constexpr qint64 longestToken = 4096;
+    static constexpr qint64 longestSecret = 4096;
     if (!input.open(stdin, QIODevice::ReadOnly))
         return complain(input.errorString(), exitFailure);
-    const QString trouble = SessionCommand::store(secrets, input.read(longestToken));
+    const QString trouble = SecretCommand::store(secrets, account, input.read(longestSecret));
     return trouble.isEmpty() ? 0 : complain(trouble, exitFailure);
 }
 
@@ -52,10 +52,12 @@ int main(int argc, char **argv)
         u"profile"_s, u"Keep settings, history and secrets apart under this name."_s, u"name"_s);
     const QCommandLineOption service(u"service"_s, u"The hosted service to dictate to, an https address."_s,
                                      u"address"_s, u"https://accounts.sayvane.app"_s);
-    const QCommandLineOption session(
-        u"store-session"_s,
-        u"Store the service's session token read from standard input (none: remove it) and end."_s);
-    options.addOptions({profile, service, session});
+    const QCommandLineOption secret(
+        u"store-secret"_s,
+        u"Store the secret read from standard input (nothing: remove it) and end: groq_api_key, "
+        "openai_api_key or sayvane_session."_s,
+        u"name"_s);
+    options.addOptions({profile, service, secret});
     if (!options.parse(application.arguments()) || !options.positionalArguments().isEmpty()) {
         const QString reason =
             options.errorText().isEmpty()
@@ -72,8 +74,8 @@ int main(int argc, char **argv)
         {.profile = options.value(profile),
          .soundsFolder = QCoreApplication::applicationDirPath() + u"/" SAYVANE_SOUNDS_FROM_BIN ""_s,
          .userAgent = "Sayvane/" SAYVANE_VERSION});
-    if (options.isSet(session))
-        return storeSession(machine.platform().secrets);
+    if (options.isSet(secret))
+        return storeSecret(machine.platform().secrets, options.value(secret));
 
     Host host(machine.platform(), *address);
     FlowLog::follow(host.flow());
