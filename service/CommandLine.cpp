@@ -108,11 +108,12 @@ std::expected<CommandLine, std::string> CommandLine::parse(std::span<const char 
             value = arguments[++i];
         }
         Complaint complaint;
-        if (name == "--data")
+        if (name == "--data") {
             line.data = value;
-        else
+        } else {
             complaint = line.action == Action::serve ? setServeOption(line, name, value)
                                                      : setSessionOption(line, name, value);
+        }
         if (!complaint && value.empty())
             complaint = std::string(name) + " needs a value";
         if (complaint)

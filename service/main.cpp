@@ -54,7 +54,8 @@ void serve(const CommandLine &line, DataFolder &folder)
     const Service service(server, accounts, speech);
     std::thread serving([&server] { server.serve(); });
     std::cout << "listening on " << addressOf(line.host, port) << " certificate "
-              << folder.certificate().string() << std::endl;
+              << folder.certificate().string() << '\n'
+              << std::flush; // whoever waits reads it now
     int received = 0;
     sigwait(&signals, &received);
     Log::note("ending");
@@ -77,11 +78,12 @@ int run(const CommandLine &line)
     }
     ::umask(077);
     DataFolder folder(line.data.empty() ? DataFolder::usual() : line.data);
-    if (line.action == CommandLine::Action::serve)
+    if (line.action == CommandLine::Action::serve) {
         serve(line, folder);
-    else
+    } else {
         std::cout << Accounts(folder.database()).openSession(line.email, line.device, line.dailyMinutes)
-                  << std::endl;
+                  << '\n';
+    }
     return EX_OK;
 }
 

@@ -4,10 +4,9 @@
 #include <openssl/evp.h>
 #include <openssl/rand.h>
 
+#include <algorithm>
 #include <array>
 #include <stdexcept>
-
-#include <strings.h>
 
 std::string SessionToken::fresh()
 {
@@ -40,9 +39,9 @@ bool SessionToken::equalHashes(std::string_view a, std::string_view b)
 
 std::string_view SessionToken::inHeader(std::string_view authorization)
 {
-    constexpr std::string_view scheme = "Bearer ";
-    if (authorization.size() <= scheme.size() ||
-        ::strncasecmp(authorization.data(), scheme.data(), scheme.size()) != 0)
+    constexpr std::string_view scheme = "bearer ";
+    const auto same = [](char a, char b) { return a == b || (a >= 'A' && a <= 'Z' && a - 'A' + 'a' == b); };
+    if (!std::ranges::equal(authorization.substr(0, scheme.size()), scheme, same))
         return {};
     return authorization.substr(scheme.size());
 }

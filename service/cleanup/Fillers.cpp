@@ -73,10 +73,11 @@ Words Fillers::phrasesRemoved(Words words)
             continue;
         }
         Word &next = words[i + length];
-        if (begins)
+        if (begins) {
             next.gap = std::max(next.gap, words[i].gap);
-        else
+        } else {
             kept.back().after.clear();
+        }
         i += length;
     }
     return kept;

@@ -43,7 +43,8 @@ bool isCutOff(std::span<const Word> words, size_t next)
 bool beginsAnew(const Words &before, const Word &next)
 {
     constexpr size_t reach = 20;
-    for (size_t i = before.size(); i-- > 0 && before.size() - i <= reach;) {
+    for (size_t back = 1; back <= std::min(reach, before.size()); ++back) {
+        const size_t i = before.size() - back;
         if (before[i].key == next.key)
             return true;
         if (i + 1 < before.size() && before[i].endsSentence())

@@ -84,10 +84,11 @@ Words SpokenMarks::carriedOut(Words words)
             continue;
         }
         gap = std::max({gap, words[i].gap, command->gap});
-        if (!command->mark.empty())
+        if (!command->mark.empty()) {
             kept = withMark(std::move(kept), command->mark);
-        else if (command->gap == Word::Gap::paragraph)
+        } else if (command->gap == Word::Gap::paragraph) {
             kept = FullStops::endingParagraph(std::move(kept));
+        }
         i += command->phrase.size();
     }
     return kept;

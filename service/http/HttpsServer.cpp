@@ -54,7 +54,8 @@ void explainRefusal(const httplib::Request &, httplib::Response &response)
         response.set_content(Refusal::forStatus(response.status).body(), "application/json");
 }
 
-void explainException(const httplib::Request &, httplib::Response &response, std::exception_ptr exception)
+void explainException(const httplib::Request &, httplib::Response &response,
+                      const std::exception_ptr &exception)
 {
     try {
         std::rethrow_exception(exception);

@@ -23,7 +23,7 @@ constexpr auto headLimit = 10s;
 constexpr auto bodyLimit = 120s;
 constexpr auto answerLimit = 30s;
 constexpr auto drainLimit = 5s;
-constexpr size_t maximumHead = 32 * 1024; // bytes; an ordinary head has a few hundred
+constexpr size_t maximumHead = 32768; // bytes; an ordinary head has a few hundred
 
 } // namespace
 
@@ -96,7 +96,7 @@ void TlsStream::finish(bool drain)
         return;
     ::shutdown(m_socket, SHUT_WR);
     const auto deadline = Clock::now() + drainLimit;
-    std::array<char, 16 * 1024> dropped;
+    std::array<char, 16384> dropped;
     while (waitFor(POLLIN, deadline)) {
         if (::recv(m_socket, dropped.data(), dropped.size(), 0) <= 0)
             return;

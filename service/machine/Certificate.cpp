@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr long day = 24 * 60 * 60;
+constexpr long day = 86400; // seconds
 constexpr long validity = 3650 * day;
 constexpr long renewal = 30 * day;
 

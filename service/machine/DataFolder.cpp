@@ -19,7 +19,7 @@ std::runtime_error trouble(const std::string &what, const std::filesystem::path 
 
 } // namespace
 
-DataFolder::DataFolder(std::filesystem::path path) : m_path(std::filesystem::absolute(std::move(path)))
+DataFolder::DataFolder(const std::filesystem::path &path) : m_path(std::filesystem::absolute(path))
 {
     std::error_code ignored; // mkdir below tells of a missing parent
     std::filesystem::create_directories(m_path.parent_path(), ignored);

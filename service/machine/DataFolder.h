@@ -9,7 +9,7 @@ class DataFolder
 {
 public:
     /// Makes the folder when it is missing. Throws std::runtime_error when it cannot be used.
-    explicit DataFolder(std::filesystem::path path);
+    explicit DataFolder(const std::filesystem::path &path);
     ~DataFolder();
     DataFolder(const DataFolder &) = delete;
     DataFolder &operator=(const DataFolder &) = delete;

@@ -36,9 +36,10 @@ std::expected<CleanupRequest, Refusal> CleanupRequest::fromJson(std::string_view
         const auto member = document.find(name);
         if (member == document.end())
             continue;
-        if (!member->is_string())
+        if (!member->is_string()) {
             return std::unexpected(
                 Refusal::badRequest(std::string("The member ") + name + " is not a text."));
+        }
         *text = member->get<std::string>();
     }
     if (!document.contains("text"))

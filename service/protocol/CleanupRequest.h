@@ -2,6 +2,7 @@
 
 #include "service/protocol/Refusal.h"
 
+#include <cstddef>
 #include <expected>
 #include <string>
 #include <string_view>
@@ -9,7 +10,7 @@
 /// What a client asks when it wants a dictated text edited.
 struct CleanupRequest
 {
-    static constexpr size_t maximumBody = 2 * 1024 * 1024; // bytes; far more than ten minutes of speech
+    static constexpr size_t maximumBody = size_t{2} << 20; // bytes; far more than ten minutes of speech
 
     std::string text;
     std::string vocabulary;

@@ -31,9 +31,10 @@ std::optional<Refusal> TranscribeForm::begin(const std::string &name)
                 : name == "language" ? &m_language
                 : name == "prompt"   ? &m_prompt
                                      : nullptr;
-    if (!m_current)
+    if (!m_current) {
         return Refusal::badRequest(
             "The form has a part that is not known. Known are file, language and prompt.");
+    }
     if (m_current->seen)
         return Refusal::badRequest("The form has the same part twice.");
     m_current->seen = true;

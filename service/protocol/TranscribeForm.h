@@ -4,6 +4,7 @@
 
 #include <httplib.h>
 
+#include <cstddef>
 #include <expected>
 #include <string>
 
@@ -12,7 +13,7 @@
 class TranscribeForm
 {
 public:
-    static constexpr size_t maximumRecording = 25 * 1024 * 1024; // bytes; 570 s are 18.3 million
+    static constexpr size_t maximumRecording = size_t{25} << 20; // bytes; 570 s are 18.3 million
 
     /// Reads the body to its end, or to the first thing that is wrong with it.
     static std::expected<TranscribeForm, Refusal> read(const httplib::ContentReader &body);
@@ -37,6 +38,6 @@ private:
 
     Part m_recording{{}, maximumRecording, false};
     Part m_language{{}, 64, false};
-    Part m_prompt{{}, 32 * 1024, false};
+    Part m_prompt{{}, 32768, false};
     Part *m_current = nullptr;
 };

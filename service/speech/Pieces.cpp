@@ -9,8 +9,8 @@ namespace {
 
 constexpr size_t step = Recording::sampleRate / 50; // 20 ms
 constexpr size_t pause = 15;                        // steps; a pause between phrases lasts 300 ms
-constexpr size_t shortest = 8 * Recording::sampleRate;
-constexpr size_t longest = 16 * Recording::sampleRate;
+constexpr size_t shortest = size_t{8} * Recording::sampleRate;
+constexpr size_t longest = size_t{16} * Recording::sampleRate;
 constexpr int silence = 100; // of 32767; about -50 dBFS at the peak
 
 std::int64_t loudness(Pieces::Samples samples)

@@ -40,8 +40,8 @@ void AccountsTest::aSessionIsFoundByItsTokenAlone()
     const std::string a = accounts.openSession("a@example.com", "one", {});
     const std::string b = accounts.openSession("b@example.com", "two", {});
     QVERIFY(a.starts_with("svs_") && a.size() == 47 && a != b);
-    QCOMPARE(accounts.find(a)->email, std::string("a@example.com"));
-    QCOMPARE(accounts.find(b)->email, std::string("b@example.com"));
+    QCOMPARE(accounts.find(a).value().email, std::string("a@example.com"));
+    QCOMPARE(accounts.find(b).value().email, std::string("b@example.com"));
     QVERIFY(!accounts.find(a.substr(0, 46)));
     QVERIFY(!accounts.find("' OR 1=1 --"));
     QVERIFY(!accounts.find(SessionToken::hash(a)));
@@ -55,20 +55,20 @@ void AccountsTest::theAllowanceLastsADay()
     {
         Accounts accounts(path(), [&] { return today; });
         token = accounts.openSession("a@example.com", "one", 1);
-        const Account account = *accounts.find(token);
+        const Account account = accounts.find(token).value();
         QCOMPARE(accounts.charge(account, 20), std::optional<std::int64_t>(40));
         QCOMPARE(accounts.charge(account, 35), std::optional<std::int64_t>(5));
         accounts.refund(account, 35);
-        QCOMPARE(accounts.find(token)->remainingSeconds(), 40);
+        QCOMPARE(accounts.find(token).value().remainingSeconds(), 40);
     }
     Accounts accounts(path(), [&] { return today; });
-    const Account account = *accounts.find(token);
+    const Account account = accounts.find(token).value();
     QCOMPARE(account.remainingSeconds(), 40);
     QCOMPARE(accounts.charge(account, 570), std::optional<std::int64_t>(0));
     QVERIFY(!accounts.charge(account, 1));
-    QCOMPARE(accounts.find(token)->remainingSeconds(), 0);
+    QCOMPARE(accounts.find(token).value().remainingSeconds(), 0);
     today += std::chrono::days(1);
-    QCOMPARE(accounts.find(token)->remainingSeconds(), 60);
+    QCOMPARE(accounts.find(token).value().remainingSeconds(), 60);
     QCOMPARE(accounts.charge(account, 90), std::optional<std::int64_t>(0));
     QVERIFY(!accounts.charge(account, 1));
 }
@@ -77,19 +77,20 @@ void AccountsTest::anAllowanceIsKeptUntilItIsChanged()
 {
     Accounts accounts(path());
     const std::string first = accounts.openSession("a@example.com", "one", {});
-    QCOMPARE(accounts.find(first)->dailySeconds, 3600);
+    QCOMPARE(accounts.find(first).value().dailySeconds, 3600);
     accounts.openSession("a@example.com", "two", 5);
     accounts.openSession("a@example.com", "three", {});
-    QCOMPARE(accounts.find(first)->dailySeconds, 300);
+    QCOMPARE(accounts.find(first).value().dailySeconds, 300);
 }
 
 void AccountsTest::requestsAtOnceDoNotShareTheLastSeconds()
 {
     Accounts accounts(path());
     Accounts others(path()); // another process with the same file
-    const Account account = *accounts.find(accounts.openSession("a@example.com", "one", 1));
+    const Account account = accounts.find(accounts.openSession("a@example.com", "one", 1)).value();
     std::atomic<int> granted = 0;
     std::vector<std::thread> threads;
+    threads.reserve(8);
     for (int i = 0; i < 8; ++i) {
         threads.emplace_back([&, i] {
             for (int n = 0; n < 3; ++n)
@@ -140,8 +141,7 @@ void AccountsTest::readsTheCommandLine_data()
     row("session option to serve", "serve --email a@b.c", "unknown option --email");
     row("no e-mail", "session", "session needs --email");
     row("bad e-mail", "session --email a@b@c", "--email needs an e-mail address");
-    row("no minutes", "session --email a@b.c --daily-minutes 0",
-        "--daily-minutes needs a number from 1 to 1440");
+    row("no minutes", "session --email a@b.c --daily-minutes 0", "--daily-minutes needs a number from 1 to 1440");
 }
 
 void AccountsTest::readsTheCommandLine()

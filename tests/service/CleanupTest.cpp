@@ -23,8 +23,7 @@ private Q_SLOTS:
 private:
     static QString edited(const QString &text, const QString &vocabulary = {})
     {
-        return QString::fromStdString(
-            Editor::edited(text.toStdString(), vocabulary.toStdString(), "en").text);
+        return QString::fromStdString(Editor::edited(text.toStdString(), vocabulary.toStdString(), "en").text);
     }
 };
 
@@ -48,24 +47,19 @@ void CleanupTest::editsWhatWasDictated_data()
     row("repeated words", "the the report is is on on the table", "The report is is on the table.");
     row("repeated with a comma", "I, I will call him", "I will call him.");
     row("repeated three times", "we we we can go", "We can go.");
-    row("repeated on purpose", "she had had a very very long no no day",
-        "She had had a very very long no no day.");
+    row("repeated on purpose", "she had had a very very long no no day", "She had had a very very long no no day.");
     row("telephone number", "call five five five one one two", "Call five five five one one two.");
-    row("scratch that, begun anew",
-        "the budget is twelve thousand scratch that the budget is fifteen thousand",
+    row("scratch that, begun anew", "the budget is twelve thousand scratch that the budget is fifteen thousand",
         "The budget is fifteen thousand.");
-    row("scrap that last bit",
-        "the budget is twelve thousand scrap that last bit the budget is fifteen thousand",
+    row("scrap that last bit", "the budget is twelve thousand scrap that last bit the budget is fifteen thousand",
         "The budget is fifteen thousand.");
-    row("the sentence before", "We met Bob. He is tall. Scratch that. He is short.",
-        "We met Bob. He is short.");
+    row("the sentence before", "We met Bob. He is tall. Scratch that. He is short.", "We met Bob. He is short.");
     row("the last sentence", "It rains, I think. It may snow. Delete the last sentence. Bye.",
         "It rains, I think. Bye.");
     row("the last word", "send it to Bob delete that last word Alice", "Send it to Alice.");
     row("clause after a comma", "Hi Maren, I come on Tuesday, scratch that, Wednesday works",
         "Hi Maren, Wednesday works.");
-    row("clause after a conjunction",
-        "the site is live and we celebrate today delete that there is more to do",
+    row("clause after a conjunction", "the site is live and we celebrate today delete that there is more to do",
         "The site is live there is more to do.");
     row("actually, don't write that",
         "tell Tobin the invoice is ready actually don't write that, tell him I'll call him tomorrow",
@@ -83,8 +77,7 @@ void CleanupTest::editsWhatWasDictated_data()
         "You could scratch that and nobody minds.");
     row("nothing to take back", "ignore that, we are fine", "Ignore that, we are fine.");
     row("corrected day", "send it Tuesday, no, Wednesday", "Send it Wednesday.");
-    row("corrected number", "we need twenty five sorry make that twenty six chairs",
-        "We need twenty six chairs.");
+    row("corrected number", "we need twenty five sorry make that twenty six chairs", "We need twenty six chairs.");
     row("no one", "there were two no one stayed", "There were two no one stayed.");
     row("new paragraph", "right the site is live new paragraph next week we start on the shop",
         "Right the site is live.\n\nNext week we start on the shop.");
@@ -118,11 +111,8 @@ void CleanupTest::editsWhatWasDictated()
 void CleanupTest::leavesCleanTextAlone_data()
 {
     QTest::addColumn<QString>("text");
-    const auto row = [](const char *name, const char *text) {
-        QTest::newRow(name) << QString::fromUtf8(text);
-    };
-    row("letter",
-        "Dear Bob,\n\nThanks for the deck: it's great. Could you send the rest?\n\nKind regards,\nMaren.");
+    const auto row = [](const char *name, const char *text) { QTest::newRow(name) << QString::fromUtf8(text); };
+    row("letter", "Dear Bob,\n\nThanks for the deck: it's great. Could you send the rest?\n\nKind regards,\nMaren.");
     row("list", "Buy:\n- milk\n- bread");
     row("own spelling", "iPhone and eBay sell at example.com. npm2 too!");
     row("quotes", "He said “start again” twice, and (later) left…");
@@ -214,8 +204,8 @@ void CleanupTest::survivesLongText_data()
     QTest::addColumn<QString>("piece");
     for (const char *piece :
          {"um ", "we we ", "a b scratch that ", "x scratch that a ", "new paragraph ", "hi new paragraph ",
-          "five no six ", "comma ", "say vane ", "👩‍👩‍👧‍👦 ", "the 🎉um🎉 שלום ", "\"((", "a",
-          "\n", ", ", "you know, ", "start again hi ", "I will delete that last bit and ", "'s 's "})
+          "five no six ", "comma ", "say vane ", "👩‍👩‍👧‍👦 ", "the 🎉um🎉 שלום ", "\"((", "a", "\n",
+          ", ", "you know, ", "start again hi ", "I will delete that last bit and ", "'s 's "})
         QTest::newRow(piece) << QString::fromUtf8(piece);
 }
 

@@ -60,21 +60,19 @@ QByteArray Exchange::request(const QByteArray &line, const QByteArray &token, co
 {
     return line + " HTTP/1.1\r\nHost: localhost\r\n" +
            (token.isEmpty() ? "" : "Authorization: Bearer " + token + "\r\n") + headers +
-           (body.isEmpty() ? "" : "Content-Length: " + QByteArray::number(body.size()) + "\r\n") + "\r\n" +
-           body;
+           (body.isEmpty() ? "" : "Content-Length: " + QByteArray::number(body.size()) + "\r\n") + "\r\n" + body;
 }
 
 QByteArray Exchange::part(const QByteArray &name, const QByteArray &content)
 {
     const QByteArray file = name == "file" ? "; filename=\"audio.wav\"\r\nContent-Type: audio/wav" : "";
-    return "--Sayvane-1\r\nContent-Disposition: form-data; name=\"" + name + "\"" + file + "\r\n\r\n" +
-           content + "\r\n";
+    return "--Sayvane-1\r\nContent-Disposition: form-data; name=\"" + name + "\"" + file + "\r\n\r\n" + content +
+           "\r\n";
 }
 
 QByteArray Exchange::upload(const QByteArray &token, const QByteArray &form)
 {
-    return request("POST /v1/transcribe", token, "Content-Type: multipart/form-data; boundary=Sayvane-1\r\n",
-                   form);
+    return request("POST /v1/transcribe", token, "Content-Type: multipart/form-data; boundary=Sayvane-1\r\n", form);
 }
 
 QByteArray Exchange::recording(const QByteArray &wav)

@@ -23,23 +23,22 @@ public:
         QString message() const { return member("message"); }
 
     private:
-        QString member(const char *name) const
-        {
-            return body[QLatin1String("error")][QLatin1String(name)].toString();
-        }
+        QString member(const char *name) const { return body[QLatin1String("error")][QLatin1String(name)].toString(); }
     };
 
     explicit Exchange(const ServiceProcess &service, const QString &name = QStringLiteral("localhost"));
 
-    bool isOpen() const
-    {
-        return m_socket->isEncrypted() && m_socket->state() == QAbstractSocket::ConnectedState;
-    }
+    bool isOpen() const { return m_socket->isEncrypted() && m_socket->state() == QAbstractSocket::ConnectedState; }
     QSslSocket &socket() { return *m_socket; }
     /// Returns false when the other side no longer takes the bytes.
     bool send(const QByteArray &bytes);
     Answer receive();
-    Answer ask(const QByteArray &bytes) { return send(bytes) ? receive() : receive(); }
+    /// The answer to these bytes, also when it comes before all are sent.
+    Answer ask(const QByteArray &bytes)
+    {
+        send(bytes);
+        return receive();
+    }
 
     static QByteArray request(const QByteArray &line, const QByteArray &token, const QByteArray &headers = {},
                               const QByteArray &body = {});

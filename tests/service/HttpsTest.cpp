@@ -57,8 +57,7 @@ void HttpsTest::initTestCase()
 
 bool HttpsTest::isWell()
 {
-    return m_service.isRunning() &&
-           Exchange(m_service).ask(Exchange::request("GET /health", {})).status == 200;
+    return m_service.isRunning() && Exchange(m_service).ask(Exchange::request("GET /health", {})).status == 200;
 }
 
 void HttpsTest::keepsItsSecretsPrivate()
@@ -111,14 +110,14 @@ void HttpsTest::answersItsAddresses()
     const auto me = connection.ask(Exchange::request("GET /v1/me", m_token));
     QCOMPARE(me.body[u"email"_s].toString(), u"maren@example.com"_s);
     QCOMPARE(me.body[u"remainingSeconds"_s].toInt(), 3600);
-    const auto edited = connection.ask(Exchange::request(
-        "POST /v1/cleanup", m_token, "Content-Type: application/json\r\n",
-        R"({"text":"um ask maren scratch that ask tobin","vocabulary":"Tobin","language":"en"})"));
+    const auto edited = connection.ask(
+        Exchange::request("POST /v1/cleanup", m_token, "Content-Type: application/json\r\n",
+                          R"({"text":"um ask maren scratch that ask tobin","vocabulary":"Tobin","language":"en"})"));
     QCOMPARE(edited.body[u"text"_s].toString(), u"Ask Tobin."_s);
     QVERIFY(connection.isOpen());
-    const auto silent = connection.ask(
-        Exchange::upload(m_token, Exchange::part("language", "en") + Exchange::part("prompt", "Sayvane") +
-                                      Exchange::recording(WavFile::silence(2))));
+    const auto silent = connection.ask(Exchange::upload(m_token, Exchange::part("language", "en") +
+                                                                     Exchange::part("prompt", "Sayvane") +
+                                                                     Exchange::recording(WavFile::silence(2))));
     QCOMPARE(silent.status, 200);
     QCOMPARE(silent.body[u"text"_s].toString(), QString());
     QCOMPARE(silent.body[u"seconds"_s].toInt(), 2);
@@ -130,8 +129,7 @@ void HttpsTest::refusesBadRequests_data()
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<int>("status");
     QTest::addColumn<QString>("code");
-    const auto row = [](const char *name, const QByteArray &bytes, int status,
-                        const char *code = "bad_request") {
+    const auto row = [](const char *name, const QByteArray &bytes, int status, const char *code = "bad_request") {
         QTest::newRow(name) << bytes << status << QString::fromUtf8(code);
     };
     const QByteArray good = Exchange::recording(WavFile::silence(1));
@@ -145,18 +143,15 @@ void HttpsTest::refusesBadRequests_data()
     row("no token, models", Exchange::request("GET /models", {}), 401, "unauthorized");
     row("no token, cleanup", Exchange::request("POST /v1/cleanup", {}, {}, "{}"), 401, "unauthorized");
     row("unknown path", Exchange::request("GET /v1/nothing", m_token), 404, "not_found");
-    row("unknown path, large body", Exchange::request("POST /etc/passwd", {}, {}, QByteArray(3'000'000, 'x')),
-        404, "not_found");
+    row("unknown path, large body", Exchange::request("POST /etc/passwd", {}, {}, QByteArray(3'000'000, 'x')), 404,
+        "not_found");
     row("wrong method", Exchange::request("GET /v1/transcribe", m_token), 405, "method_not_allowed");
-    row("wrong method, body", Exchange::request("PUT /v1/cleanup", m_token, {}, "{}"), 405,
-        "method_not_allowed");
+    row("wrong method, body", Exchange::request("PUT /v1/cleanup", m_token, {}, "{}"), 405, "method_not_allowed");
     row("unknown method", Exchange::request("BREW /v1/cleanup", m_token), 400);
     row("not HTTP", "hello\r\n\r\n", 400);
     row("long address", Exchange::request("GET /" + QByteArray(9000, 'a'), m_token), 414);
-    row("long header", Exchange::request("GET /models", m_token, "X: " + QByteArray(60'000, 'a') + "\r\n"),
-        400);
-    row("many headers", Exchange::request("GET /models", m_token, QByteArray("X: y\r\n").repeated(20'000)),
-        400);
+    row("long header", Exchange::request("GET /models", m_token, "X: " + QByteArray(60'000, 'a') + "\r\n"), 400);
+    row("many headers", Exchange::request("GET /models", m_token, QByteArray("X: y\r\n").repeated(20'000)), 400);
 
     row("not a recording", form(Exchange::recording("hello")), 400);
     row("44.1 kHz", form(Exchange::recording(WavFile{.rate = 44100, .samples = "abcd"}.bytes())), 400);
@@ -168,17 +163,14 @@ void HttpsTest::refusesBadRequests_data()
     row("two files", form(Exchange::part("file", WavFile::silence(1)) + good), 400);
     row("unknown part", form(Exchange::part("model", "best") + good), 400);
     row("part without a name", form("--Sayvane-1\r\n\r\nx\r\n" + good), 400);
-    row("part with a long header",
-        form("--Sayvane-1\r\nX: " + QByteArray(100'000, '"') + "\r\n\r\nx\r\n" + good), 400);
+    row("part with a long header", form("--Sayvane-1\r\nX: " + QByteArray(100'000, '"') + "\r\n\r\nx\r\n" + good), 400);
     row("other boundary", form(QByteArray(good).replace("Sayvane-1", "Sayvane-2")), 400);
     row("prompt not UTF-8", form(Exchange::part("prompt", "\xc3(") + good), 400);
     row("language not UTF-8", form(Exchange::part("language", "\xff") + good), 400);
     row("long prompt", form(Exchange::part("prompt", QByteArray(40'000, 'a')) + good), 400);
     row("not a form",
-        Exchange::request("POST /v1/transcribe", m_token, "Content-Type: audio/wav\r\n", WavFile::silence(1)),
-        400);
-    row("no boundary",
-        Exchange::request("POST /v1/transcribe", m_token, "Content-Type: multipart/form-data\r\n", good),
+        Exchange::request("POST /v1/transcribe", m_token, "Content-Type: audio/wav\r\n", WavFile::silence(1)), 400);
+    row("no boundary", Exchange::request("POST /v1/transcribe", m_token, "Content-Type: multipart/form-data\r\n", good),
         400);
     row("other language", form(Exchange::part("language", "gu") + good), 400, "unsupported_language");
 
@@ -189,8 +181,8 @@ void HttpsTest::refusesBadRequests_data()
     row("text is a number", json("{\"text\": 1}"), 400);
     row("vocabulary is a list", json("{\"text\": \"a\", \"vocabulary\": [\"a\"]}"), 400);
     row("JSON not UTF-8", json("{\"text\": \"\xed\xa0\x80\"}"), 400);
-    row("deep lists",
-        json("{\"text\": \"a\", \"x\": " + QByteArray(500'000, '[') + QByteArray(500'000, ']') + "}"), 400);
+    row("deep lists", json("{\"text\": \"a\", \"x\": " + QByteArray(500'000, '[') + QByteArray(500'000, ']') + "}"),
+        400);
     row("deep, no end", json(QByteArray("{\"a\":").repeated(300'000)), 400);
     row("long text", json("{\"text\": \"" + QByteArray(2'200'000, 'a') + "\"}"), 413, "payload_too_large");
     row("form instead of JSON", QByteArray(form(good)).replace("/v1/transcribe", "/v1/cleanup"), 400);
@@ -213,8 +205,7 @@ void HttpsTest::refusesBadRequests()
 void HttpsTest::survivesAnUploadThatStops()
 {
     const QByteArray whole = Exchange::upload(m_token, Exchange::recording(WavFile::silence(3)));
-    for (const auto length :
-         {whole.size() - 1, whole.size() / 2, whole.indexOf("RIFF"), qsizetype{30}, qsizetype{0}}) {
+    for (const auto length : {whole.size() - 1, whole.size() / 2, whole.indexOf("RIFF"), qsizetype{30}, qsizetype{0}}) {
         Exchange connection(m_service);
         QVERIFY(connection.send(whole.first(length)));
     }
@@ -233,8 +224,7 @@ void HttpsTest::refusesALongUploadBeforeItIsSent()
     for (const char *path : {"POST /v1/transcribe", "POST /v1/cleanup"}) {
         Exchange connection(m_service);
         const auto answer = connection.ask(Exchange::request(
-            path, m_token,
-            "Content-Type: multipart/form-data; boundary=a\r\nContent-Length: 9000000000000\r\n"));
+            path, m_token, "Content-Type: multipart/form-data; boundary=a\r\nContent-Length: 9000000000000\r\n"));
         QVERIFY(answer.status == 413 || answer.status == 400);
         QVERIFY(answer.head.contains("Connection: close"));
     }

@@ -35,8 +35,7 @@ void RecordingTest::readsOrRefuses_data()
     };
     reads("plain", {.samples = sound}, 100);
     reads("empty", {}, 0);
-    reads("chunk of odd length first", {.samples = sound, .extraChunk = QByteArray("LIST\3\0\0\0abc\0", 12)},
-          100);
+    reads("chunk of odd length first", {.samples = sound, .extraChunk = QByteArray("LIST\3\0\0\0abc\0", 12)}, 100);
     reads("killed recorder, length 0", {.samples = sound, .declaredLength = 0}, 100);
     reads("killed recorder, length -1", {.samples = sound, .declaredLength = 0xffffffff}, 100);
     reads("something after the data", {.samples = sound, .declaredLength = 100}, 50);
@@ -78,8 +77,7 @@ void RecordingTest::anyDamageIsSurvived()
         for (int byte = 0; byte < length; ++byte) {
             QByteArray damaged = whole.first(length);
             damaged[byte] = static_cast<char>(damaged[byte] ^ 0xff);
-            const auto recording =
-                Recording::fromWav({damaged.constData(), static_cast<size_t>(damaged.size())});
+            const auto recording = Recording::fromWav({damaged.constData(), static_cast<size_t>(damaged.size())});
             QVERIFY(!recording || recording->samples.size() <= static_cast<size_t>(length) / 2);
         }
     }

@@ -19,8 +19,7 @@ bool ServiceProcess::start(const QStringList &options)
             return false;
         line += m_process.readAllStandardOutput();
     }
-    static const QRegularExpression ready(
-        u"^listening on https://127\\.0\\.0\\.1:(\\d+) certificate (/.+)\n$"_s);
+    static const QRegularExpression ready(u"^listening on https://127\\.0\\.0\\.1:(\\d+) certificate (/.+)\n$"_s);
     const auto match = ready.match(QString::fromUtf8(line));
     m_port = match.captured(1).toUShort();
     return match.captured(2) == folder() + u"/certificate.pem"_s;
@@ -56,8 +55,8 @@ ServiceProcess::Output ServiceProcess::run(const QStringList &arguments) const
 
 QByteArray ServiceProcess::session(int dailyMinutes) const
 {
-    return run({u"session"_s, u"--email"_s, u"maren@example.com"_s, u"--daily-minutes"_s,
-                QString::number(dailyMinutes), u"--data"_s, folder()})
+    return run({u"session"_s, u"--email"_s, u"maren@example.com"_s, u"--daily-minutes"_s, QString::number(dailyMinutes),
+                u"--data"_s, folder()})
         .out.trimmed();
 }
 

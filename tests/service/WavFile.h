@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QByteArray>
-
 /// WAV files as recorders write them, and as they should not.
 struct WavFile
 {
@@ -15,7 +14,7 @@ struct WavFile
 
     static QByteArray silence(int seconds)
     {
-        return WavFile{.samples = QByteArray(seconds * 32000, '\0')}.bytes();
+        return WavFile{.samples = QByteArray(qsizetype{32000} * seconds, '\0')}.bytes();
     }
     QByteArray bytes() const;
 };
