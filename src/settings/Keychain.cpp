@@ -1,10 +1,13 @@
 #include "settings/Keychain.h"
 
+#include <QLoggingCategory>
 #include <QStringDecoder>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+Q_LOGGING_CATEGORY(log, "com.sayvane.app.keychain", QtInfoMsg)
 
 const QString service = u"com.sayvane.app"_s;
 
@@ -26,6 +29,8 @@ Keychain::Keychain(SecretStore &store) : m_store(store)
 Keychain::ReadResult Keychain::read(const QString &account) const
 {
     const SecretStore::Found found = m_store.find(service, account);
+    if (found.status != SecretStatus::success && found.status != SecretStatus::itemNotFound)
+        qCWarning(log).noquote() << "Could not read" << account << "from the keyring:" << message(found.status);
     if (found.status != SecretStatus::success || !found.data)
         return {std::nullopt, found.status};
     return {decodedUtf8(*found.data), found.status};

@@ -1,4 +1,5 @@
 #include "platform/linux/system/LogFormat.h"
+#include "platform/linux/system/LogRepeats.h"
 
 #include <QLoggingCategory>
 #include <QTemporaryFile>
@@ -46,6 +47,23 @@ private Q_SLOTS:
         QFETCH(QByteArray, line);
         const QDateTime time(QDate(2026, 1, 2), QTime(5, 4, 5, 6), Qt::OffsetFromUTC, 7200);
         QCOMPARE((LogFormat{sink}.line(type, "com.sayvane.app.x", message, time)), line);
+    }
+
+    void aTroubleThatLastsIsToldOnce()
+    {
+        using namespace std::chrono_literals;
+        LogRepeats repeats;
+        const LogRepeats::Time start;
+        const auto tells = [&](QtMsgType type, const QString &message, std::chrono::seconds time) {
+            return repeats.isNews(type, "hotkey", message, start + time);
+        };
+        QVERIFY(tells(QtWarningMsg, u"held"_s, 0s));
+        QVERIFY(tells(QtWarningMsg, u"other"_s, 1s));
+        for (auto time = 2s; time <= 600s; time += 2s)
+            QVERIFY(!tells(QtWarningMsg, u"held"_s, time));
+        QVERIFY(tells(QtWarningMsg, u"held"_s, 604s)); // it was away
+        QVERIFY(tells(QtInfoMsg, u"recording"_s, 604s));
+        QVERIFY(tells(QtInfoMsg, u"recording"_s, 604s));
     }
 
     void theInstalledLogShowsOursAndOthersWarnings()

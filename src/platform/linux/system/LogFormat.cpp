@@ -1,5 +1,7 @@
 #include "platform/linux/system/LogFormat.h"
 
+#include "platform/linux/system/LogRepeats.h"
+
 #include <QLoggingCategory>
 
 #include <cerrno>
@@ -72,6 +74,9 @@ void writeAll(const QByteArray &line)
 void handle(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
     static const LogFormat format{sinkOfStandardError()};
+    static LogRepeats repeats;
+    if (!repeats.isNews(type, context.category, message, std::chrono::steady_clock::now()))
+        return;
     writeAll(format.line(type, context.category, message, QDateTime::currentDateTimeUtc()));
 }
 
