@@ -6,8 +6,8 @@ FlowStats FlowStats::compute(const QList<Dictation> &records, const QDateTime &n
 {
     FlowStats stats;
     const QDate today = now.toTimeZone(zone).date();
-    const QDateTime todayBegins = today.startOfDay(zone);
-    const QDateTime tomorrowBegins = today.addDays(1).startOfDay(zone);
+    const QDateTime todayBegins = today.startOfDay(zone).toUTC();
+    const QDateTime tomorrowBegins = today.addDays(1).startOfDay(zone).toUTC();
     double timedSeconds = 0;
     qint64 timedWords = 0;
     qint64 pasteMs = 0;
@@ -38,8 +38,17 @@ FlowStats FlowStats::compute(const QList<Dictation> &records, const QDateTime &n
 int FlowStats::dayStreakOf(const QList<Dictation> &records, const QDateTime &now, const QTimeZone &zone)
 {
     QSet<QDate> days;
-    for (const Dictation &record : records)
-        days.insert(record.date.toTimeZone(zone).date());
+    // Neighbours are mostly of one day, and asking the calendar costs far more than comparing.
+    QDateTime dayBegins;
+    QDateTime dayEnds;
+    for (const Dictation &record : records) {
+        if (dayBegins.isValid() && record.date >= dayBegins && record.date < dayEnds)
+            continue;
+        const QDate day = record.date.toTimeZone(zone).date();
+        days.insert(day);
+        dayBegins = day.startOfDay(zone).toUTC();
+        dayEnds = day.addDays(1).startOfDay(zone).toUTC();
+    }
     QDate cursor = now.toTimeZone(zone).date();
     if (!days.contains(cursor))
         cursor = cursor.addDays(-1);

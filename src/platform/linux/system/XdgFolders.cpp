@@ -37,7 +37,7 @@ XdgFolders::XdgFolders(QString profile, QProcessEnvironment environment)
 QString XdgFolders::base(const QString &variable, const QString &below) const
 {
     const QString value = m_environment.value(variable);
-    // The specification: paths must be absolute, others are to be ignored.
+    // The base directory standard: paths must be absolute, others are to be ignored.
     return QDir::cleanPath(QDir::isAbsolutePath(value) ? value : homeFolder(m_environment) + u'/' + below);
 }
 

@@ -4,7 +4,7 @@
 
 #include <QProcessEnvironment>
 
-/// This user's folders as the XDG base directory specification places them.
+/// This user's folders as the XDG base directory standard places them.
 ///
 /// Files of the moment go to a folder of our own, closed to everyone else, in the shared temporary
 /// folder: a recording may have 18 MB, and the runtime folder is a small file system in memory.
