@@ -55,15 +55,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("argument");
         QTest::newRow("page") << QUrl(u"https://example.org/a b?x=1&y='$(id)'#z"_s)
                               << u"https://example.org/a%20b?x=1&y='$(id)'#z"_s;
-        QTest::newRow("plain page") << QUrl(u"http://127.0.0.1:8080/"_s) << u"http://127.0.0.1:8080/"_s;
-        QTest::newRow("file") << QUrl::fromLocalFile(u"/home/a/f \u00fc.json"_s)
-                              << u"file:///home/a/f%20%C3%BC.json"_s;
+        QTest::newRow("file") << QUrl::fromLocalFile(u"/home/a/f \u00fc.json"_s) << u"file:///home/a/f%20%C3%BC.json"_s;
         QTest::newRow("script") << QUrl(u"javascript:alert(1)"_s) << QString();
-        QTest::newRow("program") << QUrl(u"ssh://-oProxyCommand=x/"_s) << QString();
         QTest::newRow("remote file") << QUrl(u"file://elsewhere/share"_s) << QString();
-        QTest::newRow("no host") << QUrl(u"https:///x"_s) << QString();
-        QTest::newRow("relative") << QUrl(u"/etc/passwd"_s) << QString();
-        QTest::newRow("nothing") << QUrl() << QString();
     }
 
     void webAddressesAndFilesAreOpened()
@@ -91,29 +85,12 @@ private Q_SLOTS:
         QTest::addColumn<SettingsPane>("pane");
         QTest::addColumn<QStringList>("installed");
         QTest::addColumn<QString>("call");
-        const QStringList gnome{u"gnome-control-center"_s, u"pavucontrol"_s};
-        QTest::newRow("GNOME sound") << u"ubuntu:GNOME"_s << SettingsPane::microphone << gnome
-                                     << u"gnome-control-center [sound]"_s;
-        QTest::newRow("GNOME access") << u"GNOME"_s << SettingsPane::accessibility << gnome
-                                      << u"gnome-control-center [universal-access]"_s;
+        const QStringList gnome{u"gnome-control-center"_s};
         QTest::newRow("KDE") << u"KDE"_s << SettingsPane::microphone << QStringList{u"systemsettings"_s}
                              << u"systemsettings [kcm_pulseaudio]"_s;
-        QTest::newRow("XFCE sound") << u"XFCE"_s << SettingsPane::microphone << QStringList{u"pavucontrol"_s}
-                                    << u"pavucontrol [--tab=4]"_s;
-        QTest::newRow("XFCE access") << u"XFCE"_s << SettingsPane::accessibility
-                                     << QStringList{u"xfce4-settings-manager"_s}
-                                     << u"xfce4-settings-manager"_s;
-        QTest::newRow("Cinnamon") << u"X-Cinnamon"_s << SettingsPane::accessibility
-                                  << QStringList{u"cinnamon-settings"_s}
-                                  << u"cinnamon-settings [universal-access]"_s;
         QTest::newRow("MATE without its mixer")
-            << u"MATE"_s << SettingsPane::microphone << QStringList{u"pavucontrol"_s}
-            << u"pavucontrol [--tab=4]"_s;
-        QTest::newRow("unknown") << u"sway"_s << SettingsPane::microphone << gnome
-                                 << u"pavucontrol [--tab=4]"_s;
+            << u"MATE"_s << SettingsPane::microphone << QStringList{u"pavucontrol"_s} << u"pavucontrol [--tab=4]"_s;
         QTest::newRow("unknown access") << u"sway"_s << SettingsPane::accessibility << gnome << QString();
-        QTest::newRow("nothing installed")
-            << u"GNOME"_s << SettingsPane::microphone << QStringList() << QString();
     }
 
     void panesAreThoseOfTheRunningDesktop()
@@ -129,32 +106,15 @@ private Q_SLOTS:
             QTRY_COMPARE(calls(), call + u'\n');
     }
 
-    void thePrettyNameOfTheComputerIsPreferred_data()
-    {
-        QTest::addColumn<QByteArray>("machineInfo");
-        QTest::addColumn<QString>("name");
-        const QString plain = QSysInfo::machineHostName().section(u'.', 0, 0);
-        QTest::newRow("none") << QByteArray("DEPLOYMENT=x\n") << plain;
-        QTest::newRow("empty") << QByteArray("PRETTY_HOSTNAME=\"\"\n") << plain;
-        QTest::newRow("bare") << QByteArray("CHASSIS=laptop\nPRETTY_HOSTNAME=Desk\n") << u"Desk"_s;
-        QTest::newRow("quoted") << QByteArray("PRETTY_HOSTNAME=\"Anna\xE2\x80\x99s laptop v1.2\"\n")
-                                << u"Anna\u2019s laptop v1.2"_s;
-        QTest::newRow("escaped") << QByteArray("PRETTY_HOSTNAME=\"The \\\"big\\\" \\$1\"\n")
-                                 << u"The \"big\" $1"_s;
-        QTest::newRow("single quotes") << QByteArray("PRETTY_HOSTNAME='a\\b'") << u"a\\b"_s;
-    }
-
     void thePrettyNameOfTheComputerIsPreferred()
     {
-        QFETCH(QByteArray, machineInfo);
-        QFETCH(QString, name);
         const QString path = m_programs->filePath(u"machine-info"_s);
         QCOMPARE(HostName(path).localizedName(), QSysInfo::machineHostName().section(u'.', 0, 0));
         QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(machineInfo);
+        file.write("CHASSIS=laptop\nPRETTY_HOSTNAME=\"The \\\"big\\\" \\$1\"\n");
         file.close();
-        QCOMPARE(HostName(path).localizedName(), name);
+        QCOMPARE(HostName(path).localizedName(), u"The \"big\" $1"_s);
     }
 };
 

@@ -36,25 +36,23 @@ public:
         if (message.member() == u"Prompt") {
             connection.send(message.createReply());
         } else {
-            const QDBusObjectPath prompt(needsPrompt ? u"/org/freedesktop/secrets/prompt/1"_s : u"/"_s);
-            const QVariant first = message.member() == u"Unlock"
-                                       ? QVariant::fromValue(QList<QDBusObjectPath>())
-                                       : QVariant::fromValue(QDBusObjectPath(u"/"_s));
+            const QDBusObjectPath prompt(u"/org/freedesktop/secrets/prompt/1"_s);
+            const QVariant first = message.member() == u"Unlock" ? QVariant::fromValue(QList<QDBusObjectPath>())
+                                                                 : QVariant::fromValue(QDBusObjectPath(u"/"_s));
             connection.send(message.createReply({first, QVariant::fromValue(prompt)}));
         }
         return true;
     }
 
-    void complete(bool dismissed)
+    void dismiss()
     {
         QDBusMessage signal = QDBusMessage::createSignal(u"/org/freedesktop/secrets/prompt/1"_s,
                                                          u"org.freedesktop.Secret.Prompt"_s, u"Completed"_s);
-        signal << dismissed << QVariant::fromValue(QDBusVariant(u""_s));
+        signal << true << QVariant::fromValue(QDBusVariant(u""_s));
         m_bus.send(signal);
     }
 
     QStringList requests;
-    bool needsPrompt = true;
 
 private:
     QDBusConnection m_bus;
@@ -75,9 +73,9 @@ class KeyringPromptTest : public QObject
     {
         for (int i = 0; i < 5; ++i) {
             bool answered = false;
-            auto *call = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(
-                QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
-                                               u"org.freedesktop.DBus"_s, u"GetId"_s)));
+            auto *call =
+                new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(QDBusMessage::createMethodCall(
+                    u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s, u"GetId"_s)));
             connect(call, &QDBusPendingCallWatcher::finished, call, [&answered] { answered = true; });
             QTRY_VERIFY(answered);
             delete call;
@@ -105,7 +103,7 @@ private Q_SLOTS:
         KeyringPrompt prompt(m_clock, QDBusConnection::sessionBus());
         prompt.unlock(m_item);
         QTRY_COMPARE(m_service->requests.size(), 2);
-        m_service->complete(true);
+        m_service->dismiss();
         settle();
         m_clock.advance(59s);
         prompt.unlock(m_item);
@@ -113,23 +111,7 @@ private Q_SLOTS:
         QCOMPARE(m_service->requests.size(), 2);
         m_clock.advance(2s);
         prompt.createDefaultCollection();
-        QTRY_COMPARE(m_service->requests,
-                     (QStringList{u"Unlock"_s, u"Prompt"_s, u"CreateCollection"_s, u"Prompt"_s}));
-    }
-
-    void anAnsweredPromptMayBeFollowedByAnother()
-    {
-        KeyringPrompt prompt(m_clock, QDBusConnection::sessionBus());
-        prompt.unlock(m_item);
-        QTRY_COMPARE(m_service->requests.size(), 2);
-        m_service->complete(false);
-        settle();
-        m_service->needsPrompt = false;
-        prompt.unlock(m_item);
-        QTRY_COMPARE(m_service->requests.size(), 3);
-        settle();
-        prompt.unlock(m_item);
-        QTRY_COMPARE(m_service->requests.size(), 4);
+        QTRY_COMPARE(m_service->requests, (QStringList{u"Unlock"_s, u"Prompt"_s, u"CreateCollection"_s, u"Prompt"_s}));
     }
 
     void aServiceThatLeavesTakesItsPromptWithIt()
@@ -144,19 +126,6 @@ private Q_SLOTS:
         settle();
         prompt.unlock(m_item);
         QTRY_COMPARE(m_service->requests, (QStringList{u"Unlock"_s, u"Prompt"_s}));
-    }
-
-    void withoutAServiceAskingIsHarmless()
-    {
-        m_service.reset();
-        KeyringPrompt prompt(m_clock, QDBusConnection::sessionBus());
-        QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"cannot be asked"_s));
-        prompt.unlock(m_item);
-        settle();
-        m_service.emplace();
-        m_clock.advance(61s);
-        prompt.unlock(m_item);
-        QTRY_COMPARE(m_service->requests.size(), 2);
     }
 };
 

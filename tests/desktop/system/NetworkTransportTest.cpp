@@ -21,8 +21,7 @@ Q_DECLARE_METATYPE(TestCertificate)
 
 namespace {
 
-QCoro::Task<> keep(NetworkTransport &transport, HttpRequest request, std::stop_token stop,
-                   QList<Result> &results)
+QCoro::Task<> keep(NetworkTransport &transport, HttpRequest request, std::stop_token stop, QList<Result> &results)
 {
     auto result = co_await transport.send(request, stop);
     results += result;
@@ -118,15 +117,10 @@ private Q_SLOTS:
         QTest::addColumn<int>("status");
         QTest::addColumn<QByteArray>("header");
         QTest::addColumn<QByteArray>("value");
-        for (const int status : {200, 201, 400, 402, 403, 404, 405, 410, 418, 422, 429, 500, 501, 502, 503})
-            QTest::addRow("%d", status) << status << QByteArray("Retry-After") << QByteArray("7");
+        QTest::newRow("wait") << 429 << QByteArray("Retry-After") << QByteArray("7");
+        QTest::newRow("failure") << 500 << QByteArray("X-Other") << QByteArray("1");
         QTest::newRow("redirect") << 302 << QByteArray("Location") << QByteArray("/elsewhere");
-        QTest::newRow("permanent redirect")
-            << 308 << QByteArray("Location") << QByteArray("http://127.0.0.1:9/");
-        QTest::newRow("bearer wanted") << 401 << QByteArray("WWW-Authenticate") << QByteArray("Bearer");
-        QTest::newRow("password wanted")
-            << 401 << QByteArray("WWW-Authenticate") << QByteArray("Basic realm=\"x\"");
-        QTest::newRow("unauthorized") << 401 << QByteArray("X-Other") << QByteArray("1");
+        QTest::newRow("password wanted") << 401 << QByteArray("WWW-Authenticate") << QByteArray("Basic realm=\"x\"");
         QTest::newRow("proxy password") << 407 << QByteArray("X-Other") << QByteArray("1");
     }
 
@@ -153,16 +147,10 @@ private Q_SLOTS:
         const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n";
         const QByteArray chunked = head + "Transfer-Encoding: chunked\r\n\r\n";
         QTest::newRow("nothing") << QByteArray();
-        QTest::newRow("in the status line") << QByteArray("HTTP/1.1 20");
         QTest::newRow("in the head") << head;
-        QTest::newRow("before the body") << head + "Content-Length: 17\r\n\r\n";
-        QTest::newRow("in the body") << head + "Content-Length: 17\r\n\r\n{\"text\":\"half";
         QTest::newRow("before the last byte") << head + "Content-Length: 17\r\n\r\n{\"text\":\"halves\"";
         QTest::newRow("in a chunk") << chunked + "11\r\n{\"text\":\"half";
-        QTest::newRow("between chunks") << chunked + "4\r\n{\"te\r\n";
         QTest::newRow("before the last chunk") << chunked + "2\r\n{}\r\n";
-        QTest::newRow("in a trailer") << chunked + "2\r\n{}\r\n0\r\nX-Sum: 1\r\n";
-        QTest::newRow("failure body") << QByteArray("HTTP/1.1 500 No\r\nContent-Length: 9\r\n\r\n{");
     }
 
     void anAnswerCutShortIsAnError()
@@ -187,8 +175,8 @@ private Q_SLOTS:
         TlsServer server;
         trust(server.authority());
         NetworkTransport transport("Sayvane/0.1");
-        server.answer({.bytes = "HTTP/1.0 200 OK\r\n\r\n<html>plain</html>",
-                       .afterwards = TlsServer::Afterwards::close});
+        server.answer(
+            {.bytes = "HTTP/1.0 200 OK\r\n\r\n<html>plain</html>", .afterwards = TlsServer::Afterwards::close});
         const Result result = exchange(transport, get(server.url(u"/"_s)));
         QVERIFY(result);
         QCOMPARE(result->body, "<html>plain</html>");
@@ -208,19 +196,6 @@ private Q_SLOTS:
         QCOMPARE(result->status, 200);
         QCOMPARE(result->body, "{\"a\":1}");
         QVERIFY(!result->header("X-Early"));
-    }
-
-    void aCompressedAnswerIsUnpacked()
-    {
-        const QByteArray text = QByteArray("{\"text\":\"").append(QByteArray(20000, 'a')).append("\"}");
-        TlsServer server;
-        trust(server.authority());
-        NetworkTransport transport("Sayvane/0.1");
-        server.answer(TlsServer::Answer::of(200, qCompress(text).sliced(4), "application/json",
-                                            {{"Content-Encoding", "deflate"}}));
-        const Result result = exchange(transport, get(server.url(u"/"_s)));
-        QVERIFY(result);
-        QCOMPARE(result->body, text);
     }
 
     void aWarmUpSavesTheHandshakeOfTheUpload()
@@ -249,19 +224,6 @@ private Q_SLOTS:
         QCOMPARE(server.connections(), 2);
     }
 
-    void aLargeUploadArrivesWhole()
-    {
-        QByteArray recording(18 * 1024 * 1024, '\0');
-        for (qsizetype i = 0; i < recording.size(); i += 997)
-            recording[i] = char(i % 251);
-        TlsServer server;
-        trust(server.authority());
-        NetworkTransport transport("Sayvane/0.1");
-        QVERIFY(exchange(transport, post(server.url(u"/transcribe"_s), recording)));
-        QVERIFY(server.requests().value(0).body == recording);
-        QVERIFY(server.requests().value(0).header("Expect").isEmpty()); // it would wait for a go-ahead
-    }
-
     void anAnswerOfEnormousSizeIsRefused_data()
     {
         QTest::addColumn<QByteArray>("bytes");
@@ -288,16 +250,10 @@ private Q_SLOTS:
         QTest::addColumn<QString>("reason");
         const TestCertificate good = TestCertificate::authority();
         const QDateTime now = QDateTime::currentDateTimeUtc();
-        const TestCertificate self = TestCertificate::selfSigned({});
         QTest::newRow("expired") << good << good.issue({"127.0.0.1", now.addDays(-9), now.addDays(-1)})
                                  << u"has expired"_s;
-        QTest::newRow("early") << good << good.issue({"127.0.0.1", now.addDays(1), now.addDays(9)})
-                               << u"not valid yet"_s;
         QTest::newRow("other address") << good << good.issue({.name = "example.org"}) << u"another address"_s;
-        QTest::newRow("self-signed") << good << self << u"self-signed"_s;
-        QTest::newRow("unknown authority")
-            << good << TestCertificate::authority("Other").issue({}) << u"authority"_s;
-        QTest::newRow("forged") << good << TestCertificate::authority().issue({}) << u"secure connection"_s;
+        QTest::newRow("unknown authority") << good << TestCertificate::authority("Other").issue({}) << u"authority"_s;
         QTest::newRow("nothing trusted") << TestCertificate() << good.issue({}) << u"SSL_CERT_FILE"_s;
     }
 
@@ -319,8 +275,7 @@ private Q_SLOTS:
     {
         TlsServer server;
         QVERIFY(QDir(m_folder.path()).mkpath(u"authorities"_s));
-        write(u"authorities/"_s + QString::fromLatin1(server.authority().hashedName()),
-              server.authority().certificate);
+        write(u"authorities/"_s + QString::fromLatin1(server.authority().hashedName()), server.authority().certificate);
         qputenv("SSL_CERT_DIR", "/nonexistent:" + m_folder.filePath(u"authorities"_s).toLocal8Bit());
         NetworkTransport transport("Sayvane/0.1");
         QVERIFY(exchange(transport, get(server.url(u"/"_s))));
@@ -333,8 +288,7 @@ private Q_SLOTS:
         connect(&server, &QTcpServer::newConnection, &server,
                 [&server] { server.nextPendingConnection()->write("HTTP/1.1 400 Bad Request\r\n\r\n"); });
         NetworkTransport transport("Sayvane/0.1");
-        const Result result =
-            exchange(transport, get(QUrl(u"https://127.0.0.1:%1/"_s.arg(server.serverPort()))));
+        const Result result = exchange(transport, get(QUrl(u"https://127.0.0.1:%1/"_s.arg(server.serverPort()))));
         QCOMPARE(kindOf(result), Kind::insecure);
     }
 
@@ -379,9 +333,8 @@ private Q_SLOTS:
         NetworkTransport transport("Sayvane/0.1");
         HttpRequest request = get(server.url(u"/"_s));
         request.resourceTimeout = 300ms;
-        server.answer({.bytes = TlsServer::Answer::json(200, QByteArray(1000, '1')).bytes,
-                       .pieceSize = 1,
-                       .pause = 20ms});
+        server.answer(
+            {.bytes = TlsServer::Answer::json(200, QByteArray(1000, '1')).bytes, .pieceSize = 1, .pause = 20ms});
         QCOMPARE(kindOf(exchange(transport, request)), Kind::timedOut);
     }
 
@@ -410,10 +363,7 @@ private Q_SLOTS:
         QTest::addColumn<QUrl>("url");
         QTest::addColumn<QByteArray>("header");
         const QUrl nowhere(u"http://127.0.0.1:9/"_s);
-        QTest::newRow("no address") << QUrl() << QByteArray("x");
         QTest::newRow("file") << QUrl(u"file:///etc/hostname"_s) << QByteArray("x");
-        QTest::newRow("data") << QUrl(u"data:text/plain,hello"_s) << QByteArray("x");
-        QTest::newRow("no host") << QUrl(u"https:///path"_s) << QByteArray("x");
         QTest::newRow("two headers in one") << nowhere << QByteArray("x\r\nCookie: a=b");
     }
 
@@ -427,16 +377,8 @@ private Q_SLOTS:
         QCOMPARE(kindOf(exchange(transport, request)), Kind::other);
     }
 
-    void aStopRequestCancels_data()
-    {
-        QTest::addColumn<bool>("fromAnotherThread");
-        QTest::newRow("main thread") << false;
-        QTest::newRow("another thread") << true;
-    }
-
     void aStopRequestCancels()
     {
-        QFETCH(bool, fromAnotherThread);
         TlsServer server;
         trust(server.authority());
         NetworkTransport transport("Sayvane/0.1");
@@ -445,10 +387,7 @@ private Q_SLOTS:
         QList<Result> results;
         const QCoro::Task<> task = keep(transport, get(server.url(u"/"_s)), stop.get_token(), results);
         QTRY_COMPARE(server.requests().size(), 1);
-        if (fromAnotherThread)
-            std::jthread([&stop] { stop.request_stop(); }).join();
-        else
-            stop.request_stop();
+        std::jthread([&stop] { stop.request_stop(); }).join();
         QTRY_COMPARE(results.size(), 1);
         QCOMPARE(kindOf(results.first()), Kind::cancelled);
         QTRY_COMPARE(server.openConnections(), 0);
