@@ -144,6 +144,21 @@ void appendRecord(QByteArray &json, const Dictation &record)
     object.finish();
 }
 
+/// Whether the text has the shape of ISO 8601 internet date-time, whole seconds and a zone: Qt also reads
+/// fractions, of minutes even, and times without a zone.
+bool isWholeSecondsWithZone(QStringView text)
+{
+    static constexpr QStringView shape = u"0000-00-00T00:00:00";
+    if (text.size() <= shape.size())
+        return false;
+    for (qsizetype i = 0; i < shape.size(); ++i) {
+        if (shape.at(i) == u'0' ? !text.at(i).isDigit() : text.at(i) != shape.at(i))
+            return false;
+    }
+    const QChar zone = text.at(shape.size());
+    return zone == u'Z' || zone == u'+' || zone == u'-';
+}
+
 /// Reads the members of one object and remembers the first that is missing or of the wrong kind.
 class ObjectReader
 {
@@ -183,14 +198,9 @@ public:
     }
     QDateTime date(QLatin1StringView key)
     {
-        // Whole seconds with a zone, as the ISO 8601 internet form has them.
         const QString written = text(key);
-        static constexpr auto wholeSeconds = 19; // yyyy-MM-ddTHH:mm:ss
         const QDateTime date = QDateTime::fromString(written, Qt::ISODate);
-        if (!date.isValid() || date.timeSpec() == Qt::LocalTime || written.size() <= wholeSeconds ||
-            written.at(10) != u'T' ||
-            (written.at(wholeSeconds) != u'Z' && written.at(wholeSeconds) != u'+' &&
-             written.at(wholeSeconds) != u'-'))
+        if (!date.isValid() || !isWholeSecondsWithZone(written))
             return refused<QDateTime>(key);
         return date.toUTC();
     }

@@ -33,7 +33,6 @@ private Q_SLOTS:
     void countsDaysInARow_data();
     void countsDaysInARow();
     void addsUpTheFigures();
-    void anEmptyHistoryHasNoFigures();
     void theSameMomentIsAnotherDayElsewhere();
 };
 
@@ -45,35 +44,21 @@ void FlowStatsTest::countsDaysInARow_data()
     QTest::addColumn<int>("streak");
     QTest::addColumn<int>("today");
     const auto row = [](const char *name, const QByteArray &zone, const QString &now, const QString &records,
-                        int streak,
-                        int today) { QTest::newRow(name) << zone << now << records << streak << today; };
+                        int streak, int today) { QTest::newRow(name) << zone << now << records << streak << today; };
     const QByteArray utc = "UTC";
     const QString noon = u"2026-03-10T12:00:00"_s;
-    row("none", utc, noon, {}, 0, 0);
-    row("today", utc, noon, u"2026-03-10T00:00:00 2026-03-10T11:59:59"_s, 1, 2);
     row("three days", utc, noon, u"2026-03-10T08:00:00 2026-03-09T23:59:59 2026-03-08T00:00:00"_s, 3, 1);
     row("up to yesterday", utc, noon, u"2026-03-09T08:00:00 2026-03-08T08:00:00"_s, 2, 0);
-    row("up to the day before", utc, noon, u"2026-03-08T08:00:00 2026-03-07T08:00:00"_s, 0, 0);
     row("a gap yesterday", utc, noon, u"2026-03-10T08:00:00 2026-03-08T08:00:00"_s, 1, 1);
-    row("in any order", utc, noon, u"2026-03-08T08:00:00 2026-03-10T08:00:00 2026-03-09T08:00:00"_s, 3, 1);
-    row("over the end of a leap February", utc, u"2028-03-01T00:00:00"_s,
-        u"2028-03-01T00:00:00 2028-02-29T12:00:00 2028-02-28T12:00:00"_s, 3, 1);
     row("from tomorrow, as after a clock change", utc, noon, u"2026-03-11T00:00:00"_s, 0, 0);
     // London leaps from 1 to 2 o'clock on 29 March 2026 and falls back on 25 October.
     row("a day of 23 hours", "Europe/London", u"2026-03-30T00:10:00"_s,
         u"2026-03-30T00:05:00 2026-03-29T00:05:00 2026-03-28T23:55:00"_s, 3, 1);
-    row("after a day of 23 hours", "Europe/London", u"2026-03-30T23:59:59"_s, u"2026-03-29T00:00:00"_s, 1, 0);
     row("a day of 25 hours", "Europe/London", u"2026-10-26T00:10:00"_s,
         u"2026-10-26T00:05:00 2026-10-25T23:55:00 2026-10-24T23:55:00"_s, 3, 1);
-    row("late in a day of 25 hours", "Europe/London", u"2026-10-25T23:30:00"_s,
-        u"2026-10-25T00:10:00 2026-10-25T23:10:00"_s, 1, 2);
     // In Sao Paulo 4 November 2018 had no midnight.
     row("a day without midnight", "America/Sao_Paulo", u"2018-11-04T12:00:00"_s,
         u"2018-11-04T01:00:00 2018-11-03T23:59:59"_s, 2, 1);
-    row("far east", "Pacific/Kiritimati", u"2026-03-10T00:10:00"_s,
-        u"2026-03-10T00:05:00 2026-03-09T23:55:00"_s, 2, 1);
-    row("far west", "Pacific/Pago_Pago", u"2026-03-10T23:50:00"_s,
-        u"2026-03-10T00:05:00 2026-03-09T23:55:00"_s, 2, 1);
 }
 
 void FlowStatsTest::countsDaysInARow()
@@ -107,12 +92,6 @@ void FlowStatsTest::addsUpTheFigures()
                              .dictationsToday = 3,
                              .averageTimeToPasteMs = 1000};
     QVERIFY(FlowStats::compute(records, now, utc) == expected);
-}
-
-void FlowStatsTest::anEmptyHistoryHasNoFigures()
-{
-    const QTimeZone utc = QTimeZone::utc();
-    QVERIFY(FlowStats::compute({}, moment(u"2026-03-10T12:00:00"_s, utc), utc) == FlowStats());
 }
 
 void FlowStatsTest::theSameMomentIsAnotherDayElsewhere()

@@ -24,7 +24,6 @@ private Q_SLOTS:
     void isLaidOutForReaders();
     void readsRecords_data();
     void readsRecords();
-    void everyTextComesBack_data();
     void everyTextComesBack();
     void summarisesTheTiming();
 };
@@ -85,38 +84,20 @@ void HistoryFileTest::readsRecords_data()
         return "[{" + QByteArray(required).replace(from, to) + "}]";
     };
     row("required fields alone", "[{" + required + "}]", true);
-    row("unknown fields", "[{\"x\":[1],\"text2\":null," + required + "}]", true);
     row("optional fields null", "[{" + required + ",\"rawText\":null,\"cleanupMs\":null}]", true);
-    row("no records", " [ ] ", true);
-    row("lower-case id", with("3F2504E0-4F89-41D3-9A0C-0305E82C3301", "3f2504e0-4f89-41d3-9a0c-0305e82c3301"),
-        true);
-    row("whole duration with a fraction", with("\"durationSeconds\":2", "\"durationSeconds\":2.0"), true);
     row("another zone", with("09:15:42Z", "14:45:42+05:30"), true);
     for (const char *key : {"\"id\"", "\"date\"", "\"durationSeconds\"", "\"wordCount\"", "\"text\""})
         row(qPrintable(u"without "_s + QString::fromUtf8(key)), with(key, "\"x\""), false);
     row("fractional seconds", with("42Z", "42.5Z"), false);
-    row("milliseconds of zero", with("42Z", "42.000Z"), false);
+    row("fractional minutes", with(":42Z", ",42Z"), false);
     row("date without zone", with("42Z", "42"), false);
-    row("date without seconds", with("09:15:42Z", "09:15Z"), false);
-    row("day alone", with("2026-03-01T09:15:42Z", "2026-03-01"), false);
-    row("a space for the T", with("01T09", "01 09"), false);
     row("a day that never was", with("2026-03-01", "2026-02-30"), false);
-    row("date as a number", with("\"2026-03-01T09:15:42Z\"", "1"), false);
-    row("id in braces",
-        with("3F2504E0-4F89-41D3-9A0C-0305E82C3301", "{3F2504E0-4F89-41D3-9A0C-0305E82C3301}"), false);
-    row("no id at all", with("3F2504E0-4F89-41D3-9A0C-0305E82C3301", ""), false);
     row("word count with a fraction", with("\"wordCount\":1", "\"wordCount\":1.5"), false);
-    row("word count beyond 64 bits", with("\"wordCount\":1", "\"wordCount\":1e30"), false);
     row("text as a number", with("\"text\":\"a\"", "\"text\":1"), false);
-    row("text null", with("\"text\":\"a\"", "\"text\":null"), false);
     row("optional number as text", "[{" + required + ",\"cleanupMs\":\"5\"}]", false);
     row("one bad record among good ones", "[{" + required + "},{},{" + required + "}]", false);
-    row("a record that is a list", "[[]]", false);
     row("an object on top", "{" + required + "}", false);
-    row("empty file", "", false);
-    row("cut short", "[{" + required, false);
     row("invalid UTF-8", with("\"a\"", "\"\xFF\""), false);
-    row("zero bytes", QByteArray(4096, '\0'), false);
 }
 
 void HistoryFileTest::readsRecords()
@@ -133,26 +114,13 @@ void HistoryFileTest::readsRecords()
         QVERIFY(!records.error().isEmpty());
 }
 
-void HistoryFileTest::everyTextComesBack_data()
-{
-    QTest::addColumn<QString>("text");
-    QString controls;
-    for (char16_t code = 0; code <= 0x20; ++code)
-        controls += QChar(code);
-    QTest::newRow("control characters") << controls + QChar(0x7F) + QChar(0x85);
-    QTest::newRow("line and paragraph separator") << u"a\u2028b\u2029c\uFEFF"_s;
-    QTest::newRow("emoji and scripts") << u"👩‍👩‍👧‍👦 שלום હું 語"_s;
-    QTest::newRow("quotes and slashes") << u"\"\\/\\u0041 </script>"_s;
-    QTest::newRow("half a pair") << QString(QChar(0xD83D)) + u'x';
-    QTest::newRow("the other half at the end") << u"x"_s + QChar(0xDE42);
-    QTest::newRow("halves in the wrong order") << QString(QChar(0xDE42)) + QChar(0xD83D);
-    QTest::newRow("a pair after a half") << QString(QChar(0xD83D)) + u"🙂"_s;
-    QTest::newRow("a million characters") << u"wörd🙂 "_s.repeated(150000);
-}
-
 void HistoryFileTest::everyTextComesBack()
 {
-    QFETCH(QString, text);
+    QString text;
+    for (char16_t code = 0; code <= 0x20; ++code)
+        text += QChar(code);
+    text += QString(QChar(0xDE42)) + QChar(0xD83D); // halves in the wrong order
+    text += u"🙂"_s + QChar(0xD83D);              // a pair after a half, and a half at the end
     const Dictation record{.id = id, .date = date, .text = text, .rawText = text};
     const auto read = HistoryFile::decode(HistoryFile::encode({record}));
     QVERIFY(read);

@@ -85,11 +85,9 @@ private Q_SLOTS:
     void init() { m = std::make_unique<Fixture>(); }
     void cleanup() { m.reset(); }
 
-    void aFirstStartIsQuiet();
     void mirrorsEveryChange();
     void loadsNewestFirst();
     void keepsTheNewestTwoThousand();
-    void aLongFileIsLoadedWhole();
     void anUnreadableHistoryIsMovedAside_data();
     void anUnreadableHistoryIsMovedAside();
     void whatCannotBeMovedAsideIsNotOverwritten();
@@ -102,20 +100,11 @@ private:
     std::unique_ptr<Fixture> m;
 };
 
-void HistoryStoreTest::aFirstStartIsQuiet()
-{
-    QVERIFY(m->store().records().isEmpty());
-    QVERIFY(m->store().stats() == FlowStats());
-    QVERIFY(m->files().isEmpty());
-    QCOMPARE(LogCapture::lines(), QStringList());
-    m->store().append(m->dictation(u"first"_s));
-    QCOMPARE(m->files(), QStringList{u"history.json"_s});
-}
-
 void HistoryStoreTest::mirrorsEveryChange()
 {
     const Dictation a = m->dictation(u"a"_s);
     const Dictation b = m->dictation(u"b"_s);
+    QVERIFY(m->store().records().isEmpty() && m->files().isEmpty());
     m->store().append(a);
     m->store().append(b);
     QCOMPARE(m->read(), HistoryFile::encode({b, a}));
@@ -139,9 +128,9 @@ void HistoryStoreTest::mirrorsEveryChange()
 
 void HistoryStoreTest::loadsNewestFirst()
 {
-    m->write(HistoryFile::encode({m->dictation(u"old"_s, 60s), m->dictation(u"newest"_s, 1s),
-                                  m->dictation(u"twin 1"_s, 30s), m->dictation(u"oldest"_s, 90s),
-                                  m->dictation(u"twin 2"_s, 30s)}));
+    m->write(
+        HistoryFile::encode({m->dictation(u"old"_s, 60s), m->dictation(u"newest"_s, 1s), m->dictation(u"twin 1"_s, 30s),
+                             m->dictation(u"oldest"_s, 90s), m->dictation(u"twin 2"_s, 30s)}));
     QCOMPARE(m->texts().join(u','), u"newest,twin 1,twin 2,old,oldest"_s);
     QCOMPARE(m->store().stats().dictationsToday, 5);
 }
@@ -149,9 +138,10 @@ void HistoryStoreTest::loadsNewestFirst()
 void HistoryStoreTest::keepsTheNewestTwoThousand()
 {
     QList<Dictation> records;
-    for (int i = 0; i < 2000; ++i)
+    for (int i = 0; i < 2001; ++i)
         records.append(m->dictation(QString::number(i), std::chrono::seconds(i)));
     m->write(HistoryFile::encode(records));
+    QCOMPARE(m->store().records().size(), 2001); // a long file is loaded whole
     m->store().append(m->dictation(u"new"_s));
     QCOMPARE(m->store().records().size(), 2000);
     QCOMPARE(m->texts().first(), u"new"_s);
@@ -159,24 +149,13 @@ void HistoryStoreTest::keepsTheNewestTwoThousand()
     QCOMPARE(m->reopened().records().size(), 2000);
 }
 
-void HistoryStoreTest::aLongFileIsLoadedWhole()
-{
-    m->write(HistoryFile::encode(QList<Dictation>(2100, m->dictation(u"x"_s))));
-    QCOMPARE(m->store().records().size(), 2100);
-    QCOMPARE(m->store().stats().totalWords, 2100);
-    m->store().append(m->dictation(u"new"_s));
-    QCOMPARE(m->store().records().size(), 2000);
-}
-
 void HistoryStoreTest::anUnreadableHistoryIsMovedAside_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     const QByteArray good = HistoryFile::encode({Fixture().dictation(u"precious words"_s)});
     QTest::newRow("empty") << QByteArray();
-    QTest::newRow("not JSON") << QByteArray("precious words");
     QTest::newRow("half a file") << good.first(good.size() / 2);
     QTest::newRow("a record without its word count") << QByteArray(good).replace("wordCount", "wordsCount");
-    QTest::newRow("fractional seconds") << QByteArray(good).replace(":42Z", ":42.123Z");
 }
 
 void HistoryStoreTest::anUnreadableHistoryIsMovedAside()
@@ -238,8 +217,7 @@ void HistoryStoreTest::aFailedWriteKeepsTheOldFileAndIsTriedAgain()
     const Dictation b = m->dictation(u"b"_s);
     m->store().append(b);
     QCOMPARE(LogCapture::lines().size(), 1);
-    QVERIFY(LogCapture::lines().first().startsWith(
-        u"com.sayvane.app.history error: Could not write history.json: "_s));
+    QVERIFY(LogCapture::lines().first().startsWith(u"com.sayvane.app.history error: Could not write history.json: "_s));
     QCOMPARE(m->texts(), (QStringList{u"b"_s, u"a"_s}));
     QVERIFY(QDir().rename(folder + u"-away"_s, folder));
     QCOMPARE(m->read(), HistoryFile::encode({a}));
