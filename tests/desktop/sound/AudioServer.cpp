@@ -26,9 +26,8 @@ AudioServer::~AudioServer()
 
 void AudioServer::start()
 {
-    QStringList arguments{QStringLiteral("-n"), QStringLiteral("--daemonize=no"),
-                          QStringLiteral("--exit-idle-time=-1"), QStringLiteral("--use-pid-file=no"),
-                          QStringLiteral("--disable-shm=yes")};
+    QStringList arguments{QStringLiteral("-n"), QStringLiteral("--daemonize=no"), QStringLiteral("--exit-idle-time=-1"),
+                          QStringLiteral("--use-pid-file=no"), QStringLiteral("--disable-shm=yes")};
     for (const QString &module : m_modules)
         arguments << QStringLiteral("-L") << module;
     // The door comes last: whoever gets in finds everything in place.

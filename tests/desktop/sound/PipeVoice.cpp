@@ -6,8 +6,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-PipeVoice::PipeVoice(const QString &pipe)
-    : m_pipe(open(QFile::encodeName(pipe).constData(), O_WRONLY | O_CLOEXEC))
+PipeVoice::PipeVoice(const QString &pipe) : m_pipe(open(QFile::encodeName(pipe).constData(), O_WRONLY | O_CLOEXEC))
 {
 }
 
