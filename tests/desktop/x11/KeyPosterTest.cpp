@@ -1,7 +1,6 @@
 #include "desktop/x11/RecordingWindow.h"
 #include "desktop/x11/Typist.h"
 #include "platform/linux/x11/FocusedWindow.h"
-#include "platform/linux/x11/TerminalPaste.h"
 #include "platform/linux/x11/X11Desktop.h"
 
 #include <QCoroTask>
@@ -10,8 +9,6 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
-
-#include <algorithm>
 
 #include <linux/input-event-codes.h>
 
@@ -40,8 +37,6 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("layout");
         QTest::addColumn<int>("group");
-        QTest::addRow("us") << QStringList{QStringLiteral("us")} << 0;
-        QTest::addRow("de") << QStringList{QStringLiteral("de")} << 0;
         QTest::addRow("dvorak") << QStringList{QStringLiteral("us"), QStringLiteral("dvorak")} << 0;
         QTest::addRow("dvorak as the second group")
             << QStringList{QStringLiteral("us,us"), QStringLiteral(",dvorak")} << 1;
@@ -85,16 +80,6 @@ private Q_SLOTS:
         QVERIFY(!post(desktop, {130, KeyFlags::command}));
     }
 
-    void otherChordsKeepTheirModifiers()
-    {
-        X11Desktop desktop;
-        RecordingWindow window;
-        Typist typist;
-        QVERIFY(post(desktop, {36, KeyFlags::shift | KeyFlags::option}));
-        QTRY_COMPARE(window.log().size(), 6);
-        QCOMPARE(window.log()[2], QStringLiteral("+Return Shift Mod1"));
-    }
-
     void heldModifiersAreWaitedForAndThenTakenOutOfTheWay_data()
     {
         QTest::addColumn<QList<int>>("held");
@@ -103,8 +88,6 @@ private Q_SLOTS:
         const QString plain = QStringLiteral("+v Control");
         QTest::addRow("Super let go") << QList<int>{KEY_LEFTMETA} << true << plain;
         QTest::addRow("Super held on") << QList<int>{KEY_LEFTMETA} << false << plain;
-        QTest::addRow("Shift and Alt held on") << QList<int>{KEY_LEFTSHIFT, KEY_LEFTALT} << false << plain;
-        QTest::addRow("Ctrl held on") << QList<int>{KEY_LEFTCTRL} << false << plain;
         QTest::addRow("V itself held on") << QList<int>{KEY_V} << false << plain;
         QTest::addRow("Caps Lock on and Super held on")
             << QList<int>{KEY_CAPSLOCK, KEY_LEFTMETA} << false << QStringLiteral("+v Lock Control");
@@ -166,36 +149,6 @@ private Q_SLOTS:
         QCOMPARE(window.log().filter(QStringLiteral("space")),
                  QStringList({QStringLiteral("+space"), QStringLiteral("-space")}));
         QVERIFY(!typist.isAnyKeyDown());
-    }
-
-    void terminalsAreKnownByClassOrProcess_data()
-    {
-        QTest::addColumn<QByteArray>("instance");
-        QTest::addColumn<QByteArray>("className");
-        QTest::addColumn<QByteArray>("command");
-        QTest::addColumn<int>("keystroke");
-        const auto row = [](const char *name, const char *instance, const char *className, const char *command,
-                            PasteKeystroke keystroke) {
-            QTest::addRow("%s", name) << QByteArray(instance) << QByteArray(className) << QByteArray(command)
-                                      << static_cast<int>(keystroke);
-        };
-        row("editor", "gedit", "Gedit", "gedit", PasteKeystroke::controlV);
-        row("nothing known", "", "", "", PasteKeystroke::controlV);
-        row("capital class", "gnome-terminal-server", "Gnome-terminal", "", PasteKeystroke::controlShiftV);
-        row("instance only", "konsole", "Other", "", PasteKeystroke::controlShiftV);
-        row("old terminal", "xterm", "XTerm", "", PasteKeystroke::shiftInsert);
-        row("cut process name", "", "", "gnome-terminal-", PasteKeystroke::controlShiftV);
-        row("named otherwise", "notes", "Notes", "xterm", PasteKeystroke::shiftInsert);
-        row("name within a name", "stellarium", "Stellarium", "stellarium", PasteKeystroke::controlV);
-    }
-
-    void terminalsAreKnownByClassOrProcess()
-    {
-        QFETCH(const QByteArray, instance);
-        QFETCH(const QByteArray, className);
-        QFETCH(const QByteArray, command);
-        QFETCH(const int, keystroke);
-        QCOMPARE(static_cast<int>(pasteKeystroke({instance, className, command})), keystroke);
     }
 
     void aTerminalGetsItsOwnKeystroke()

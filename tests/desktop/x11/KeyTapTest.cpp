@@ -1,6 +1,5 @@
 #include "desktop/x11/RecordingWindow.h"
 #include "desktop/x11/Typist.h"
-#include "platform/linux/x11/KeyPositions.h"
 #include "platform/linux/x11/X11Desktop.h"
 
 #include <QProcess>
@@ -62,22 +61,12 @@ class KeyTapTest : public QObject
     };
 
 private Q_SLOTS:
-    void theShortcutFiresOnceAndNeverReachesTheWindow_data()
-    {
-        QTest::addColumn<QList<int>>("lockKeys");
-        QTest::addRow("no lock") << QList<int>{};
-        QTest::addRow("Caps Lock") << QList<int>{KEY_CAPSLOCK};
-        QTest::addRow("Num Lock") << QList<int>{KEY_NUMLOCK};
-        QTest::addRow("both") << QList<int>{KEY_CAPSLOCK, KEY_NUMLOCK};
-    }
-
     void theShortcutFiresOnceAndNeverReachesTheWindow()
     {
-        QFETCH(const QList<int>, lockKeys);
         Scene scene({fnSpace});
         QVERIFY(scene.tap);
-        for (const int key : lockKeys)
-            scene.typist.tap(key);
+        scene.typist.tap(KEY_CAPSLOCK);
+        scene.typist.tap(KEY_NUMLOCK);
         scene.seen();
         scene.typist.press(KEY_LEFTMETA);
         scene.typist.press(KEY_SPACE);
@@ -100,12 +89,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("layout");
         QTest::addColumn<int>("key");
         QTest::addColumn<quint64>("flag");
-        const QString us = QStringLiteral("us");
-        QTest::addRow("logo key is Fn") << us << KEY_RIGHTMETA << KeyFlags::fn;
         QTest::addRow("AltGr is Command") << QStringLiteral("de") << KEY_RIGHTALT << KeyFlags::command;
-        QTest::addRow("Alt is Option") << us << KEY_LEFTALT << KeyFlags::option;
-        QTest::addRow("Ctrl is Control") << us << KEY_RIGHTCTRL << KeyFlags::control;
-        QTest::addRow("Shift is Shift") << us << KEY_RIGHTSHIFT << KeyFlags::shift;
+        QTest::addRow("Alt is Option") << QStringLiteral("us") << KEY_LEFTALT << KeyFlags::option;
     }
 
     void everyModifierIsFoundByItsKey()
@@ -330,7 +315,6 @@ private Q_SLOTS:
     void aNewLayoutChangesNothing_data()
     {
         QTest::addColumn<QStringList>("arguments");
-        QTest::addRow("de") << QStringList{QStringLiteral("de")};
         QTest::addRow("dvorak") << QStringList{QStringLiteral("us"), QStringLiteral("dvorak")};
         QTest::addRow("Alt and Super swapped")
             << QStringList{QStringLiteral("us"), QStringLiteral("-option"), QStringLiteral("altwin:swap_alt_win")};
@@ -364,32 +348,6 @@ private Q_SLOTS:
         scene.typist.release(KEY_LEFTMETA);
         QTRY_COMPARE(scene.presses(), 1);
         QCOMPARE(scene.seen().size(), 2);
-    }
-
-    void theTableOfPositionsIsTheServersUsLayout()
-    {
-        const X11Desktop desktop;
-        X11Connection connection;
-        const X11Keyboard keyboard(connection);
-        int compared = 0;
-        for (qint64 code = 0; code < 128; ++code) {
-            const xcb_keycode_t key = KeyPositions::xKeycode(code);
-            if (key == 0)
-                continue;
-            QCOMPARE(KeyPositions::keyCode(key), code);
-            const xkb_keysym_t symbol = KeyPositions::symbol(code);
-            const xkb_keysym_t typed = keyboard.keymap().symbols(key).value(0);
-            // The keypad's digits need Num Lock; F13 and up, Help, Clear and the ISO key mean other things.
-            const QSet<qint64> others{10, 64, 65, 71, 79, 80, 82,  83,  84,  85,  86,
-                                      87, 88, 89, 90, 91, 92, 105, 106, 107, 113, 114};
-            if (others.contains(code))
-                continue;
-            QCOMPARE(typed, symbol);
-            ++compared;
-        }
-        QCOMPARE(compared, 101 - 22);
-        QCOMPARE(KeyPositions::xKeycode(130), 0);
-        QCOMPARE(KeyPositions::keyCode(KEY_VOLUMEUP + 8), -1);
     }
 };
 

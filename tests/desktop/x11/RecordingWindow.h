@@ -16,9 +16,6 @@ public:
     /// names. Repeats of a held key come as further presses.
     const QStringList &log() const { return m_log; }
     void clear() { m_log.clear(); }
-    bool isFocused() const { return m_isFocused; }
-    X11Connection &connection() { return m_connection; }
-    xcb_window_t window() const { return m_window; }
 
 private:
     void handle(const xcb_generic_event_t &event);

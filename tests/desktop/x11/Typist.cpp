@@ -43,11 +43,6 @@ void Typist::tap(int evdevKey)
     release(evdevKey);
 }
 
-bool Typist::isDown(int evdevKey) const
-{
-    return m_keyboard.keysDown()[static_cast<std::size_t>(evdevKey + 8)];
-}
-
 uint16_t Typist::lockedModifiers() const
 {
     const auto cookie = xcb_xkb_get_state(m_connection.xcb(), XCB_XKB_ID_USE_CORE_KBD);

@@ -18,7 +18,6 @@ public:
     void release(int evdevKey);
     void tap(int evdevKey);
     bool isAnyKeyDown() const { return m_keyboard.keysDown().any(); }
-    bool isDown(int evdevKey) const;
     uint16_t lockedModifiers() const;
     void lockGroup(uint8_t group);
     /// Runs setxkbmap with these arguments.
