@@ -37,54 +37,29 @@ void CleanupTest::editsWhatWasDictated_data()
     row("fillers and a false start", "so um I think we should uh we should ship it on Friday",
         "So I think we should ship it on Friday.");
     row("filler with commas", "We tried, um, twice", "We tried, twice.");
-    row("filler first", "Um, I think so too", "I think so too.");
     row("filler ends the sentence", "I think, um. That is all", "I think. That is all.");
-    row("filler in quotes", "she said \"um yes\" and left", "She said \"yes\" and left.");
     row("emergency room", "take him to the ER now", "Take him to the ER now.");
     row("you know, set apart", "It was, you know, a long day", "It was a long day.");
     row("you know, meant", "do you know the way and I mean that", "Do you know the way and I mean that.");
-    row("sort of, meant", "it is a sort of cheese", "It is a sort of cheese.");
-    row("repeated words", "the the report is is on on the table", "The report is is on the table.");
-    row("repeated with a comma", "I, I will call him", "I will call him.");
-    row("repeated three times", "we we we can go", "We can go.");
     row("repeated on purpose", "she had had a very very long no no day", "She had had a very very long no no day.");
     row("telephone number", "call five five five one one two", "Call five five five one one two.");
     row("scratch that, begun anew", "the budget is twelve thousand scratch that the budget is fifteen thousand",
         "The budget is fifteen thousand.");
-    row("scrap that last bit", "the budget is twelve thousand scrap that last bit the budget is fifteen thousand",
-        "The budget is fifteen thousand.");
     row("the sentence before", "We met Bob. He is tall. Scratch that. He is short.", "We met Bob. He is short.");
-    row("the last sentence", "It rains, I think. It may snow. Delete the last sentence. Bye.",
-        "It rains, I think. Bye.");
     row("the last word", "send it to Bob delete that last word Alice", "Send it to Alice.");
     row("clause after a comma", "Hi Maren, I come on Tuesday, scratch that, Wednesday works",
         "Hi Maren, Wednesday works.");
-    row("clause after a conjunction", "the site is live and we celebrate today delete that there is more to do",
-        "The site is live there is more to do.");
     row("actually, don't write that",
         "tell Tobin the invoice is ready actually don't write that, tell him I'll call him tomorrow",
         "Tell him I'll call him tomorrow.");
-    row("at the end", "We start on Monday. Bring snacks no wait scratch that", "We start on Monday.");
     row("start again", "hello everyone this is about okay start again dear all the show is off",
         "Dear all the show is off.");
-    row("lessons start again", "the lessons start again in May", "The lessons start again in May.");
-    row("said to the reader", "hi Maren thanks for the deck and please don't say that to the client",
-        "Hi Maren thanks for the deck and please don't say that to the client.");
-    row("ignore that email", "tell them to ignore that email", "Tell them to ignore that email.");
-    row("delete that file", "open the folder delete that file and restart",
-        "Open the folder delete that file and restart.");
-    row("you could scratch that", "you could scratch that and nobody minds",
-        "You could scratch that and nobody minds.");
     row("nothing to take back", "ignore that, we are fine", "Ignore that, we are fine.");
     row("corrected day", "send it Tuesday, no, Wednesday", "Send it Wednesday.");
-    row("corrected number", "we need twenty five sorry make that twenty six chairs", "We need twenty six chairs.");
     row("no one", "there were two no one stayed", "There were two no one stayed.");
     row("new paragraph", "right the site is live new paragraph next week we start on the shop",
         "Right the site is live.\n\nNext week we start on the shop.");
-    row("new paragraph after a greeting", "hi maren new paragraph thanks for the deck",
-        "Hi maren,\n\nThanks for the deck.");
     row("new line", "ten oak street new line springfield", "Ten oak street\nSpringfield.");
-    row("new line of shoes", "they sell a new line of shoes", "They sell a new line of shoes.");
     row("full stop and question mark", "we won full stop did you see it question mark i did",
         "We won. Did you see it? I did.");
     row("comma", "bread comma milk and the oxford comma", "Bread, milk and the oxford comma.");
@@ -92,11 +67,8 @@ void CleanupTest::editsWhatWasDictated_data()
         "I'm sure I said it. On Monday in December we may march as in (i).");
     row("abbreviation", "bring e.g. apples to dr. smith at 5 p.m. sharp",
         "Bring e.g. apples to dr. smith at 5 p.m. sharp.");
-    row("blanks", "  too   many \t blanks  ", "Too many blanks.");
     row("address at the end", "see https://example.com/a", "See https://example.com/a");
-    row("emoji at the end", "well done everyone 🎉", "Well done everyone 🎉");
     row("only a filler", "um", "");
-    row("nothing", "", "");
 }
 
 void CleanupTest::editsWhatWasDictated()
@@ -113,12 +85,9 @@ void CleanupTest::leavesCleanTextAlone_data()
     QTest::addColumn<QString>("text");
     const auto row = [](const char *name, const char *text) { QTest::newRow(name) << QString::fromUtf8(text); };
     row("letter", "Dear Bob,\n\nThanks for the deck: it's great. Could you send the rest?\n\nKind regards,\nMaren.");
-    row("list", "Buy:\n- milk\n- bread");
     row("own spelling", "iPhone and eBay sell at example.com. npm2 too!");
     row("quotes", "He said “start again” twice, and (later) left…");
     row("right to left inside", "The sign says שלום and مرحبا to all who come.");
-    row("accents", "The café is near the fjörd.");
-    row("decimal", "It costs 3.50 or -2% today.");
 }
 
 void CleanupTest::leavesCleanTextAlone()
@@ -132,9 +101,6 @@ void CleanupTest::spellsTheUsersTerms_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("vocabulary");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("case") << "ask maren at sayvane"
-                          << "Maren, Sayvane"
-                          << "Ask Maren at Sayvane.";
     QTest::newRow("joined") << "say vane works"
                             << "Sayvane"
                             << "Sayvane works.";
@@ -144,24 +110,12 @@ void CleanupTest::spellsTheUsersTerms_data()
     QTest::newRow("two words") << "the acme corp. meeting"
                                << "ACME Corp"
                                << "The ACME Corp. meeting.";
-    QTest::newRow("hyphen") << "a follow up call"
-                            << "follow-up"
-                            << "A follow-up call.";
     QTest::newRow("possessive") << "sayvane's shop"
                                 << "Sayvane"
                                 << "Sayvane's shop.";
-    QTest::newRow("everyday word") << "it is late"
-                                   << "IT\nIS"
-                                   << "It is late.";
-    QTest::newRow("own lower case") << "npm is slow"
-                                    << "npm;;,\n , "
-                                    << "npm is slow.";
     QTest::newRow("a term that sounds like a filler") << "write to um today"
                                                       << "Um"
                                                       << "Write to Um today.";
-    QTest::newRow("across a comma") << "say, vane"
-                                    << "Sayvane"
-                                    << "Say, vane.";
 }
 
 void CleanupTest::spellsTheUsersTerms()
@@ -180,12 +134,8 @@ void CleanupTest::skipsOtherLanguages_data()
     QTest::addColumn<QString>("language");
     QTest::addColumn<bool>("skipped");
     const QString german = QStringLiteral("wir treffen uns um acht um acht am Bahnhof in Köln");
-    QTest::newRow("German, said so") << german << "de" << true;
     QTest::newRow("German, not said") << german << "" << true;
-    QTest::newRow("Gujarati") << QStringLiteral("હું એટલે કે કાલે Sayvane મોકલી દઈશ") << "" << true;
     QTest::newRow("Gujarati as English") << QStringLiteral("હું  એટલે કે કાલે") << "en" << true;
-    QTest::newRow("Arabic") << QStringLiteral("أرسل الملف غدا") << "ar" << true;
-    QTest::newRow("Japanese") << QStringLiteral("明日ファイルを送ります") << "" << true;
     QTest::newRow("British") << QStringLiteral("We met at eight.") << "en-GB" << false;
 }
 
@@ -202,10 +152,8 @@ void CleanupTest::skipsOtherLanguages()
 void CleanupTest::survivesLongText_data()
 {
     QTest::addColumn<QString>("piece");
-    for (const char *piece :
-         {"um ", "we we ", "a b scratch that ", "x scratch that a ", "new paragraph ", "hi new paragraph ",
-          "five no six ", "comma ", "say vane ", "👩‍👩‍👧‍👦 ", "the 🎉um🎉 שלום ", "\"((", "a", "\n",
-          ", ", "you know, ", "start again hi ", "I will delete that last bit and ", "'s 's "})
+    for (const char *piece : {"um ", "we we ", "a b scratch that ", "new paragraph ", "five no six ", "say vane ",
+                              "the 🎉um🎉 שלום ", "\"((", "\n"})
         QTest::newRow(piece) << QString::fromUtf8(piece);
 }
 

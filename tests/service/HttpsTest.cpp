@@ -26,7 +26,6 @@ private Q_SLOTS:
     void initTestCase();
 
     void keepsItsSecretsPrivate();
-    void isVerifiedByName_data();
     void isVerifiedByName();
     void answersItsAddresses();
     void refusesBadRequests_data();
@@ -85,21 +84,10 @@ void HttpsTest::keepsItsSecretsPrivate()
     QVERIFY(!m_service.log().contains("maren"));
 }
 
-void HttpsTest::isVerifiedByName_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<bool>("trusted");
-    QTest::newRow("localhost") << "localhost" << true;
-    QTest::newRow("IPv4") << "127.0.0.1" << true;
-    QTest::newRow("IPv6") << "::1" << true;
-    QTest::newRow("another") << "example.com" << false;
-}
-
 void HttpsTest::isVerifiedByName()
 {
-    QFETCH(QString, name);
-    QFETCH(bool, trusted);
-    QCOMPARE(Exchange(m_service, name).isOpen(), trusted);
+    QVERIFY(Exchange(m_service, u"127.0.0.1"_s).isOpen());
+    QVERIFY(!Exchange(m_service, u"example.com"_s).isOpen());
 }
 
 void HttpsTest::answersItsAddresses()
@@ -138,54 +126,33 @@ void HttpsTest::refusesBadRequests_data()
         return Exchange::request("POST /v1/cleanup", m_token, "Content-Type: application/json\r\n", body);
     };
 
-    row("no token", Exchange::upload({}, good), 401, "unauthorized");
     row("wrong token", Exchange::upload("svs_" + QByteArray(43, 'A'), good), 401, "unauthorized");
-    row("no token, models", Exchange::request("GET /models", {}), 401, "unauthorized");
     row("no token, cleanup", Exchange::request("POST /v1/cleanup", {}, {}, "{}"), 401, "unauthorized");
-    row("unknown path", Exchange::request("GET /v1/nothing", m_token), 404, "not_found");
     row("unknown path, large body", Exchange::request("POST /etc/passwd", {}, {}, QByteArray(3'000'000, 'x')), 404,
         "not_found");
     row("wrong method", Exchange::request("GET /v1/transcribe", m_token), 405, "method_not_allowed");
-    row("wrong method, body", Exchange::request("PUT /v1/cleanup", m_token, {}, "{}"), 405, "method_not_allowed");
-    row("unknown method", Exchange::request("BREW /v1/cleanup", m_token), 400);
     row("not HTTP", "hello\r\n\r\n", 400);
     row("long address", Exchange::request("GET /" + QByteArray(9000, 'a'), m_token), 414);
-    row("long header", Exchange::request("GET /models", m_token, "X: " + QByteArray(60'000, 'a') + "\r\n"), 400);
     row("many headers", Exchange::request("GET /models", m_token, QByteArray("X: y\r\n").repeated(20'000)), 400);
 
     row("not a recording", form(Exchange::recording("hello")), 400);
-    row("44.1 kHz", form(Exchange::recording(WavFile{.rate = 44100, .samples = "abcd"}.bytes())), 400);
     row("recording cut off", form(Exchange::recording(WavFile::silence(1).chopped(2))), 400);
     row("recording too long", form(Exchange::recording(WavFile::silence(820))), 413, "payload_too_large");
-    row("no file", form(Exchange::part("language", "en") + Exchange::endOfForm()), 400);
-    row("empty form", form(Exchange::endOfForm()), 400);
     row("no end of form", form(Exchange::part("file", WavFile::silence(1))), 400);
     row("two files", form(Exchange::part("file", WavFile::silence(1)) + good), 400);
-    row("unknown part", form(Exchange::part("model", "best") + good), 400);
-    row("part without a name", form("--Sayvane-1\r\n\r\nx\r\n" + good), 400);
     row("part with a long header", form("--Sayvane-1\r\nX: " + QByteArray(100'000, '"') + "\r\n\r\nx\r\n" + good), 400);
-    row("other boundary", form(QByteArray(good).replace("Sayvane-1", "Sayvane-2")), 400);
     row("prompt not UTF-8", form(Exchange::part("prompt", "\xc3(") + good), 400);
-    row("language not UTF-8", form(Exchange::part("language", "\xff") + good), 400);
     row("long prompt", form(Exchange::part("prompt", QByteArray(40'000, 'a')) + good), 400);
     row("not a form",
         Exchange::request("POST /v1/transcribe", m_token, "Content-Type: audio/wav\r\n", WavFile::silence(1)), 400);
-    row("no boundary", Exchange::request("POST /v1/transcribe", m_token, "Content-Type: multipart/form-data\r\n", good),
-        400);
     row("other language", form(Exchange::part("language", "gu") + good), 400, "unsupported_language");
 
-    row("no JSON", json("text"), 400);
     row("cut off", json("{\"text\": \"a"), 400);
-    row("array", json("[\"text\"]"), 400);
     row("no text", json("{\"vocabulary\": \"a\"}"), 400);
-    row("text is a number", json("{\"text\": 1}"), 400);
-    row("vocabulary is a list", json("{\"text\": \"a\", \"vocabulary\": [\"a\"]}"), 400);
     row("JSON not UTF-8", json("{\"text\": \"\xed\xa0\x80\"}"), 400);
     row("deep lists", json("{\"text\": \"a\", \"x\": " + QByteArray(500'000, '[') + QByteArray(500'000, ']') + "}"),
         400);
-    row("deep, no end", json(QByteArray("{\"a\":").repeated(300'000)), 400);
     row("long text", json("{\"text\": \"" + QByteArray(2'200'000, 'a') + "\"}"), 413, "payload_too_large");
-    row("form instead of JSON", QByteArray(form(good)).replace("/v1/transcribe", "/v1/cleanup"), 400);
 }
 
 void HttpsTest::refusesBadRequests()

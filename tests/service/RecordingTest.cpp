@@ -34,26 +34,16 @@ void RecordingTest::readsOrRefuses_data()
         QTest::newRow(name) << file.bytes() << samples << QString();
     };
     reads("plain", {.samples = sound}, 100);
-    reads("empty", {}, 0);
     reads("chunk of odd length first", {.samples = sound, .extraChunk = QByteArray("LIST\3\0\0\0abc\0", 12)}, 100);
     reads("killed recorder, length 0", {.samples = sound, .declaredLength = 0}, 100);
     reads("killed recorder, length -1", {.samples = sound, .declaredLength = 0xffffffff}, 100);
-    reads("something after the data", {.samples = sound, .declaredLength = 100}, 50);
     reads("half a sample at the end", {.samples = sound.first(199)}, 99);
     fails("cut off", WavFile{.samples = sound, .declaredLength = 202}.bytes(),
           QStringLiteral("The recording is incomplete."));
-    fails("44.1 kHz", WavFile{.rate = 44100, .samples = sound}.bytes(), format);
     fails("stereo", WavFile{.channels = 2, .samples = sound}.bytes(), format);
-    fails("8 bits", WavFile{.bits = 8, .samples = sound}.bytes(), format);
-    fails("compressed", WavFile{.format = 85, .samples = sound}.bytes(), format);
-    fails("no data", WavFile{.samples = sound}.bytes().first(36), none);
-    fails("head of data cut", WavFile{.samples = sound}.bytes().first(42), none);
     fails("chunk beyond the end", WavFile{.extraChunk = QByteArray("LIST\xff\xff\xff\xff", 8)}.bytes(), none);
-    fails("no format", QByteArray("RIFF\0\0\0\0WAVEdata\0\0\0\0", 20),
-          QStringLiteral("The recording is damaged: it does not name its format."));
     fails("format cut off", QByteArray("RIFF\0\0\0\0WAVEfmt \2\0\0\0\1\0", 22),
           QStringLiteral("The recording is damaged: its format is cut off."));
-    fails("not RIFF", QByteArray(64, 'x'), QStringLiteral("The recording is not a WAV file."));
     fails("nothing", {}, QStringLiteral("The recording is not a WAV file."));
 }
 
