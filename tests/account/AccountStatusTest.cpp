@@ -52,84 +52,44 @@ private Q_SLOTS:
     void init() { m = std::make_unique<Fixture>(); }
     void cleanup() { m.reset(); }
 
-    void tellsTimeLeftInWords_data();
     void tellsTimeLeftInWords();
-    void describesTheAccount_data();
     void describesTheAccount();
-    void readsTheSession_data();
-    void readsTheSession();
+    void aBlankSessionIsNone();
     void theSessionStaysOnThisComputer();
     void adoptingLeavesNothingOfAnotherAccount();
-    void takesNewsOfTheAccount_data();
     void takesNewsOfTheAccount();
-    void aRejectedSessionIsDroppedOnce();
-    void findsTheCredential_data();
     void findsTheCredential();
 
 private:
     std::unique_ptr<Fixture> m;
 };
 
-void AccountStatusTest::tellsTimeLeftInWords_data()
-{
-    QTest::addColumn<qint64>("seconds");
-    QTest::addColumn<QString>("words");
-    QTest::newRow("-5") << qint64(-5) << u"0 minutes"_s;
-    QTest::newRow("1") << qint64(1) << u"under a minute"_s;
-    QTest::newRow("59") << qint64(59) << u"under a minute"_s;
-    QTest::newRow("60") << qint64(60) << u"1 minute"_s;
-    QTest::newRow("119") << qint64(119) << u"1 minute"_s;
-    QTest::newRow("120") << qint64(120) << u"2 minutes"_s;
-    QTest::newRow("7199") << qint64(7199) << u"119 minutes"_s;
-}
-
 void AccountStatusTest::tellsTimeLeftInWords()
 {
-    QFETCH(qint64, seconds);
-    QTEST(AccountStatus::minutesText(seconds), "words");
-}
-
-void AccountStatusTest::describesTheAccount_data()
-{
-    QTest::addColumn<AccountInfo>("info");
-    QTest::addColumn<QString>("line");
-    QTest::newRow("all") << AccountInfo{.plan = u"pro"_s,
-                                        .status = u"active"_s,
-                                        .dailyMinutes = 30,
-                                        .remainingSeconds = 45}
-                         << u"Pro plan, active. 30 minutes a day. under a minute left today."_s;
-    QTest::newRow("plan alone") << AccountInfo{.plan = u"éco Plus"_s} << u"Éco Plus plan."_s;
-    QTest::newRow("minutes alone") << AccountInfo{.dailyMinutes = 0} << u"0 minutes a day."_s;
-    QTest::newRow("overdrawn") << AccountInfo{.plan = u""_s, .remainingSeconds = -9}
-                               << u"0 minutes left today."_s;
-    QTest::newRow("status without plan") << AccountInfo{.status = u"paused"_s} << u"Account paused."_s;
-    QTest::newRow("nothing") << AccountInfo{.plan = u""_s, .status = u""_s} << u"Signed in."_s;
+    QCOMPARE(AccountStatus::minutesText(-5), u"0 minutes"_s);
+    QCOMPARE(AccountStatus::minutesText(1), u"under a minute"_s);
+    QCOMPARE(AccountStatus::minutesText(59), u"under a minute"_s);
+    QCOMPARE(AccountStatus::minutesText(60), u"1 minute"_s);
+    QCOMPARE(AccountStatus::minutesText(119), u"1 minute"_s);
+    QCOMPARE(AccountStatus::minutesText(120), u"2 minutes"_s);
 }
 
 void AccountStatusTest::describesTheAccount()
 {
-    QFETCH(AccountInfo, info);
-    QTEST(info.summary(), "line");
+    const AccountInfo all{.plan = u"éco Plus"_s, .status = u"active"_s, .dailyMinutes = 30, .remainingSeconds = 45};
+    QCOMPARE(all.summary(), u"Éco Plus plan, active. 30 minutes a day. under a minute left today."_s);
+    QCOMPARE(AccountInfo{.status = u"paused"_s}.summary(), u"Account paused."_s);
+    const AccountInfo nothing{.plan = u""_s, .status = u""_s};
+    QCOMPARE(nothing.summary(), u"Signed in."_s);
 }
 
-void AccountStatusTest::readsTheSession_data()
+void AccountStatusTest::aBlankSessionIsNone()
 {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<std::optional<QString>>("token");
-    QTest::newRow("plain") << QByteArray("svs_1") << std::optional(u"svs_1"_s);
-    QTest::newRow("blanks and a new line") << QByteArray(" svs_1 \n") << std::optional(u"svs_1"_s);
-    QTest::newRow("only blanks") << QByteArray(" \n") << std::optional<QString>();
-    QTest::newRow("not UTF-8") << QByteArray("svs_\xFF") << std::optional<QString>();
-}
-
-void AccountStatusTest::readsTheSession()
-{
-    QFETCH(QByteArray, bytes);
-    m->secrets.items.insert(u"sayvane_session"_s, bytes);
+    m->secrets.items.insert(u"sayvane_session"_s, " \n");
     m->store.values.insert(u"accountEmail"_s, u" a@b.test "_s);
-    QTEST(m->sessions.token(), "token");
+    QCOMPARE(m->sessions.token(), std::nullopt);
     QCOMPARE(m->status().email(), u"a@b.test"_s);
-    QCOMPARE(m->status().signedIn(), m->sessions.token().has_value());
+    QVERIFY(!m->status().signedIn());
 }
 
 void AccountStatusTest::theSessionStaysOnThisComputer()
@@ -153,99 +113,41 @@ void AccountStatusTest::adoptingLeavesNothingOfAnotherAccount()
     QCOMPARE(m->status().email(), u"a@b.test"_s);
     QCOMPARE(m->prefs.accountEmail(), u"a@b.test"_s);
     QCOMPARE(m->status().remainingSeconds(), std::nullopt);
-    const AccountInfo expected{
-        .email = u"a@b.test"_s, .plan = u"pro"_s, .status = u"active"_s, .dailyMinutes = 30};
+    const AccountInfo expected{.email = u"a@b.test"_s, .plan = u"pro"_s, .status = u"active"_s, .dailyMinutes = 30};
     QVERIFY(m->status().info() == expected);
     QCOMPARE(changes.size(), 1);
 }
 
-void AccountStatusTest::takesNewsOfTheAccount_data()
-{
-    QTest::addColumn<bool>("signedIn");
-    QTest::addColumn<AccountInfo>("news");
-    QTest::addColumn<QString>("email");
-    QTest::addColumn<std::optional<qint64>>("remaining");
-    QTest::newRow("a new address") << true << AccountInfo{.email = u"new@b.test"_s} << u"new@b.test"_s
-                                   << std::optional<qint64>(60);
-    QTest::newRow("a new address while signed out")
-        << false << AccountInfo{.email = u"new@b.test"_s} << u""_s << std::optional<qint64>();
-    QTest::newRow("an empty address")
-        << true << AccountInfo{.email = u""_s} << u"a@b.test"_s << std::optional<qint64>(60);
-    QTest::newRow("time left") << true << AccountInfo{.remainingSeconds = 5} << u"a@b.test"_s
-                               << std::optional<qint64>(5);
-    QTest::newRow("overdrawn") << true << AccountInfo{.remainingSeconds = -30} << u"a@b.test"_s
-                               << std::optional<qint64>(0);
-}
-
 void AccountStatusTest::takesNewsOfTheAccount()
 {
-    QFETCH(bool, signedIn);
-    QFETCH(AccountInfo, news);
-    if (signedIn) {
-        m->status().adopt(session);
-        m->status().setRemainingSeconds(60);
-    }
-    m->status().setInfo(news);
-    QVERIFY(m->status().info() == news);
-    QTEST(m->status().email().value_or(QString()), "email");
-    QTEST(m->prefs.accountEmail(), "email");
-    QTEST(m->status().remainingSeconds(), "remaining");
-}
-
-void AccountStatusTest::aRejectedSessionIsDroppedOnce()
-{
-    m->sessions.save(session.token);
+    m->status().setInfo({.email = u"new@b.test"_s});
+    QCOMPARE(m->status().email(), std::nullopt); // nobody is signed in
     m->status().adopt(session);
-    QSignalSpy rejections(&m->status(), &AccountStatus::sessionRejected);
-    m->status().setRemainingSeconds(-30);
+    m->status().setRemainingSeconds(60);
+    m->status().setInfo({.email = u"new@b.test"_s});
+    QCOMPARE(m->prefs.accountEmail(), u"new@b.test"_s);
+    QCOMPARE(m->status().remainingSeconds(), 60);
+    m->status().setInfo({.email = u""_s, .remainingSeconds = -30});
+    QCOMPARE(m->status().email(), u"new@b.test"_s);
     QCOMPARE(m->status().remainingSeconds(), 0);
-    QVERIFY(m->status().dropRejectedSession(m->sessions));
-    QVERIFY(!m->status().signedIn());
-    QVERIFY(!m->status().email() && !m->status().info() && !m->status().remainingSeconds());
-    QVERIFY(m->secrets.items.isEmpty() && m->store.values.isEmpty());
-    QVERIFY(!m->status().dropRejectedSession(m->sessions));
-    QCOMPARE(rejections.size(), 1);
-}
-
-void AccountStatusTest::findsTheCredential_data()
-{
-    QTest::addColumn<Provider>("provider");
-    QTest::addColumn<QString>("account");
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<bool>("isLocked");
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<bool>("hasCredential");
-    QTest::addColumn<QString>("error");
-    const QString noGroq = u"No Groq API key. Open Settings to add one."_s;
-    const QString noOpenAI = u"No OpenAI API key. Open Settings to add one."_s;
-    const QString noSession = u"Sign in under Settings to start dictating"_s;
-    const auto row = [](const char *name, Provider provider, const QString &account, const QByteArray &bytes,
-                        bool isLocked, const QString &key, bool hasCredential, const QString &error) {
-        QTest::newRow(name) << provider << account << bytes << isLocked << key << hasCredential << error;
-    };
-    row("groq", Provider::groq, u"groq_api_key"_s, " gsk_1\n", false, u"gsk_1"_s, true, {});
-    row("groq, none", Provider::groq, u"openai_api_key"_s, "sk-1", false, {}, false, noGroq);
-    row("groq, blank", Provider::groq, u"groq_api_key"_s, " \n", false, {}, true, noGroq);
-    row("openai", Provider::openai, u"openai_api_key"_s, "sk-1", false, u"sk-1"_s, true, {});
-    row("openai, locked", Provider::openai, u"openai_api_key"_s, "sk-1", true, {}, false, noOpenAI);
-    row("service", Provider::sayvane, u"sayvane_session"_s, "svs_1\n", false, u"svs_1"_s, true, {});
-    row("service, blank", Provider::sayvane, u"sayvane_session"_s, " ", false, {}, false, noSession);
-    row("service, none", Provider::sayvane, u"groq_api_key"_s, "gsk_1", false, {}, false, noSession);
 }
 
 void AccountStatusTest::findsTheCredential()
 {
-    QFETCH(Provider, provider);
-    QFETCH(QString, account);
-    QFETCH(QByteArray, bytes);
-    QFETCH(bool, isLocked);
-    m->secrets.items.insert(account, bytes);
-    if (isLocked)
-        m->secrets.findStatus = SecretStatus::interactionNotAllowed;
-    const auto key = m->credentials.apiKey(provider);
-    QTEST(key.value_or(QString()), "key");
-    QTEST(key ? QString() : key.error().description, "error");
-    QTEST(m->credentials.hasCredential(provider), "hasCredential");
+    const auto error = [this](Provider provider) {
+        const auto key = m->credentials.apiKey(provider);
+        return key ? QString() : key.error().description;
+    };
+    m->secrets.items = {{u"groq_api_key"_s, " gsk_1\n"}, {u"sayvane_session"_s, " "}};
+    QCOMPARE(m->credentials.apiKey(Provider::groq).value_or(QString()), u"gsk_1"_s);
+    QCOMPARE(error(Provider::openai), u"No OpenAI API key. Open Settings to add one."_s);
+    QCOMPARE(error(Provider::sayvane), u"Sign in under Settings to start dictating"_s);
+    QVERIFY(m->credentials.hasCredential(Provider::groq) && !m->credentials.hasCredential(Provider::sayvane));
+    m->secrets.items.insert(u"groq_api_key"_s, " \n");
+    QCOMPARE(error(Provider::groq), u"No Groq API key. Open Settings to add one."_s);
+    QVERIFY(m->credentials.hasCredential(Provider::groq));
+    m->secrets.findStatus = SecretStatus::interactionNotAllowed;
+    QVERIFY(!m->credentials.hasCredential(Provider::groq));
 }
 
 QTEST_APPLESS_MAIN(AccountStatusTest)
