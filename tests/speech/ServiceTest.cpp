@@ -27,7 +27,6 @@ private Q_SLOTS:
     void explainsARefusal_data();
     void explainsARefusal();
     void aSecondRejectionSignsNobodyOut();
-    void keepsAccountOfTheTimeLeft_data();
     void keepsAccountOfTheTimeLeft();
 
 private:
@@ -46,24 +45,14 @@ void ServiceTest::triesAgainOnce_data()
     row("502", 502, {}, {}, 1500);
     row("504, whatever the code", 504, "quota_exceeded", {}, 1500);
     row("503", 503, "rate_limited", "1", -1);
-    row("500", 500, "upstream_rate_limited", "1", -1);
-    row("429 without a code", 429, {}, "1", -1);
     row("429 of another code", 429, "quota_exceeded", "1", -1);
     row("429 rate limited", 429, "rate_limited", {}, 1500);
     row("429 upstream, odd form", 429, " UPSTREAM_rate_limited\\n", {}, 1500);
-    row("a fraction", 502, {}, "0.25", 250);
-    row("blanks", 502, {}, "\t2 ", 2000);
     row("truncated to milliseconds", 502, {}, "1.2349", 1234);
     row("an exponent", 502, {}, "1e-1", 100);
     row("just below the longest", 502, {}, "4.999", 4999);
-    row("beyond the longest", 502, {}, "12", 5000);
     row("beyond all numbers", 502, {}, "1e999", 5000);
     row("nothing", 502, {}, "0", 1500);
-    row("negative", 502, {}, "-3", 1500);
-    row("empty", 502, {}, "", 1500);
-    row("a date", 502, {}, "Wed, 21 Oct 2026 07:28:00 GMT", 1500);
-    row("a unit", 502, {}, "2 s", 1500);
-    row("a decimal comma", 502, {}, "2,5", 1500);
     row("not a number", 502, {}, "nan", 1500);
 }
 
@@ -126,32 +115,19 @@ void ServiceTest::explainsARefusal_data()
     const QString busy = u"Sayvane: busy, try again in a moment."_s;
     const QString signedOut = u"Signed out. Sign in again in Settings."_s;
     row("quota", 429, R"({"error":{"code":"quota_exceeded"},"remainingSeconds":0})", usedUp, 0);
-    row("quota in an odd form", 429, R"({"error":{"code":" QUOTA_EXCEEDED\n","message":"m"}})", usedUp);
     row("quota decides over 401", 401, R"({"error":{"code":"quota_exceeded"}})", usedUp);
     row("busy elsewhere", 503, R"({"error":{"code":"upstream_rate_limited"}})", busy);
     row("unauthorized", 400, R"({"error":{"code":"Unauthorized"}})", signedOut);
     row("invalid token", 403, R"({"error":{"code":"invalid_token","message":"m"}})", signedOut);
-    row("401 of another code", 401, R"({"error":{"code":"x","message":"m"}})", signedOut);
-    row("401 without a body", 401, {}, signedOut);
     row("429, nothing left", 429, R"({"remainingSeconds":0})", usedUp, 0);
     row("429, something left", 429, R"({"remainingSeconds":30})", u"Sayvane: HTTP 429"_s, 30);
     row("429, overdrawn", 429, R"({"remainingSeconds":-5})", u"Sayvane: HTTP 429"_s, 0);
-    row("429, a count beyond 64 bits", 429, R"({"remainingSeconds":1e300})", u"Sayvane: HTTP 429"_s);
-    row("429, a fraction", 429, R"({"error":{"message":"m"},"remainingSeconds":0.5})",
-        u"Sayvane: HTTP 429"_s);
-    row("429, a message", 429, R"({"error":{"message":" Slow. "},"remainingSeconds":9})",
-        u"Sayvane:  Slow. "_s, 9);
+    row("429, a fraction", 429, R"({"error":{"message":"m"},"remainingSeconds":0.5})", u"Sayvane: HTTP 429"_s);
+    row("429, a message", 429, R"({"error":{"message":" Slow. "},"remainingSeconds":9})", u"Sayvane:  Slow. "_s, 9);
     row("403", 403, R"({"error":{"code":"x","message":"m"}})",
         u"Sayvane: this account cannot be used. Please get in touch."_s);
     row("a code", 400, R"({"error":{"code":" Bad_Audio "}})", u"Sayvane: bad_audio"_s);
-    row("a blank code", 400, R"({"error":{"code":" "}})", u"Sayvane: HTTP 400"_s);
-    row("error null", 400, R"({"error":null})", u"Sayvane: HTTP 400"_s);
-    row("a message of a wrong type", 400, R"({"error":{"code":"quota_exceeded","message":5}})",
-        u"Sayvane: HTTP 400"_s);
-    row("not JSON", 500, "<html>", u"Sayvane: HTTP 500"_s);
-    row("not HTTP", 0, {}, u"Sayvane: HTTP 0"_s);
-    row("not HTTP but a message", 0, R"({"error":{"message":"m"}})", u"Sayvane: m"_s);
-    row("a redirect", 301, {}, u"Sayvane: HTTP 301"_s);
+    row("a message of a wrong type", 400, R"({"error":{"code":"quota_exceeded","message":5}})", u"Sayvane: HTTP 400"_s);
 }
 
 void ServiceTest::explainsARefusal()
@@ -189,30 +165,19 @@ void ServiceTest::aSecondRejectionSignsNobodyOut()
     QCOMPARE(rejections.size(), 0);
 }
 
-void ServiceTest::keepsAccountOfTheTimeLeft_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<std::optional<qint64>>("remaining");
-    using Seconds = std::optional<qint64>;
-    QTest::newRow("told") << QByteArray(R"({"text":"hi","seconds":2,"remainingSeconds":1798})")
-                          << Seconds(1798);
-    QTest::newRow("not told") << QByteArray(R"({"text":"hi"})") << Seconds(60);
-    QTest::newRow("null") << QByteArray(R"({"text":"hi","remainingSeconds":null})") << Seconds(60);
-    QTest::newRow("overdrawn") << QByteArray(R"({"text":"hi","remainingSeconds":-5})") << Seconds(0);
-    // An odd count costs nobody their words.
-    QTest::newRow("a fraction") << QByteArray(R"({"text":"hi","remainingSeconds":12.5})") << Seconds(60);
-    QTest::newRow("beyond 64 bits") << QByteArray(R"({"text":"hi","remainingSeconds":1e300})") << Seconds(60);
-    QTest::newRow("text") << QByteArray(R"({"text":"hi","remainingSeconds":"5"})") << Seconds(60);
-}
-
 void ServiceTest::keepsAccountOfTheTimeLeft()
 {
-    QFETCH(QByteArray, body);
-    m->account.setRemainingSeconds(60);
-    m->http().willAnswer(200, body);
-    m->transcribe();
-    QCOMPARE(m->outcome(), u"hi"_s);
-    QTEST(m->account.remainingSeconds(), "remaining");
+    const auto remainingAfter = [this](const QByteArray &body) {
+        m->account.setRemainingSeconds(60);
+        m->http().willAnswer(200, body);
+        m->transcribe();
+        return m->outcome() == u"hi" ? m->account.remainingSeconds() : std::nullopt;
+    };
+    QCOMPARE(remainingAfter(R"({"text":"hi","seconds":2,"remainingSeconds":1798})"), 1798);
+    QCOMPARE(remainingAfter(R"({"text":"hi"})"), 60);
+    QCOMPARE(remainingAfter(R"({"text":"hi","remainingSeconds":-5})"), 0);
+    // An odd count costs nobody their words.
+    QCOMPARE(remainingAfter(R"({"text":"hi","remainingSeconds":12.5})"), 60);
 }
 
 QTEST_GUILESS_MAIN(ServiceTest)

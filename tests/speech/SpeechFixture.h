@@ -23,13 +23,13 @@ public:
     /// Answers with one successor and notes what it was asked.
     struct Recovery final : ModelRecovery
     {
-        QCoro::Task<std::optional<QString>> replacement(ModelPurpose purpose, Provider provider,
-                                                        QString current, std::stop_token) override
+        QCoro::Task<std::optional<QString>> replacement(ModelPurpose purpose, Provider provider, QString current,
+                                                        std::stop_token) override
         {
-            asked.append(QStringLiteral("%1 %2 %3")
-                             .arg(purpose == ModelPurpose::chat ? QStringLiteral("chat")
-                                                                : QStringLiteral("transcription"),
-                                  Providers::rawValue(provider), current));
+            asked.append(
+                QStringLiteral("%1 %2 %3")
+                    .arg(purpose == ModelPurpose::chat ? QStringLiteral("chat") : QStringLiteral("transcription"),
+                         Providers::rawValue(provider), current));
             co_return successor;
         }
         std::optional<QString> successor;
@@ -65,10 +65,7 @@ public:
 
     void transcribe() { keep(transcriber.transcribe(wav, stop.get_token())); }
     void cleanUp(const QString &text) { keep(transcriber.cleanup(text, stop.get_token())); }
-    void answerJson(const QJsonObject &body, int status = 200)
-    {
-        http().answer(status, QJsonDocument(body).toJson());
-    }
+    void answerJson(const QJsonObject &body, int status = 200) { http().answer(status, QJsonDocument(body).toJson()); }
 
     /// The text, or the error's sentence after "! "; "waiting" as long as there is neither.
     QString outcome() const

@@ -29,17 +29,14 @@ private Q_SLOTS:
 
     void uploadsTheRecording_data();
     void uploadsTheRecording();
-    void readsTheAnswer_data();
     void readsTheAnswer();
     void explainsARefusal_data();
     void explainsARefusal();
     void passesOnWhatTheMachineSays();
-    void knowsAGoneModel_data();
     void knowsAGoneModel();
     void aGoneModelIsReplacedOnce_data();
     void aGoneModelIsReplacedOnce();
     void theProviderOfTheRequestIsTheOneBlamed();
-    void warmsUpOnceAMinute_data();
     void warmsUpOnceAMinute();
     void stoppingEndsItQuietly();
 
@@ -54,23 +51,21 @@ void TranscriptionTest::uploadsTheRecording_data()
     QTest::addColumn<QString>("vocabulary");
     QTest::addColumn<QString>("url");
     QTest::addColumn<QByteArray>("parts");
-    const auto row = [](const char *name, const QString &provider, const QString &language,
-                        const QString &vocabulary, const QString &url, const QByteArray &parts) {
+    const auto row = [](const char *name, const QString &provider, const QString &language, const QString &vocabulary,
+                        const QString &url, const QByteArray &parts) {
         QTest::newRow(name) << provider << language << vocabulary << url << parts;
     };
     const QString groq = u"https://api.groq.com/openai/v1/audio/transcriptions"_s;
     const QByteArray groqModel = part("model", "whisper-large-v3-turbo") + part("response_format", "json");
     const QByteArray openAIModel = part("model", "gpt-4o-mini-transcribe") + part("response_format", "json");
-    row("groq", u"groq"_s, {}, {}, groq, groqModel);
-    row("language trimmed", u"groq"_s, u"\t en "_s, {}, groq, groqModel + part("language", "en"));
     row("blank language and vocabulary", u"groq"_s, u" \t"_s, u" \n\n "_s, groq, groqModel);
     row("vocabulary trimmed at its ends", u"groq"_s, u"gu"_s, u"\n Tobin,  Mären \n"_s, groq,
         groqModel + part("language", "gu") + part("prompt", "Vocabulary that may appear: Tobin,  Mären"));
     row("openai", u"openai"_s, u"en"_s, {}, u"https://api.openai.com/v1/audio/transcriptions"_s,
         openAIModel + part("language", "en"));
     row("service", u"sayvane"_s, {}, u" \n"_s, u"https://service.test/v1/transcribe"_s, {});
-    row("service with everything", u"sayvane"_s, u" en\t"_s, u" Tobin\n"_s,
-        u"https://service.test/v1/transcribe"_s, part("language", "en") + part("prompt", "Tobin"));
+    row("service with everything", u"sayvane"_s, u" en\t"_s, u" Tobin\n"_s, u"https://service.test/v1/transcribe"_s,
+        part("language", "en") + part("prompt", "Tobin"));
 }
 
 void TranscriptionTest::uploadsTheRecording()
@@ -95,11 +90,10 @@ void TranscriptionTest::uploadsTheRecording()
         u"^multipart/form-data; boundary=(Sayvane-[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12})$"_s);
     const auto match = type.match(QString::fromUtf8(request.headers.last().second));
     QVERIFY(match.hasMatch());
-    QByteArray expected =
-        parts +
-        "--BOUNDARY\r\nContent-Disposition: form-data; name=\"file\"; filename=\"audio.wav\"\r\n"
-        "Content-Type: audio/wav\r\n\r\n" +
-        m->recording + "\r\n--BOUNDARY--\r\n";
+    QByteArray expected = parts +
+                          "--BOUNDARY\r\nContent-Disposition: form-data; name=\"file\"; filename=\"audio.wav\"\r\n"
+                          "Content-Type: audio/wav\r\n\r\n" +
+                          m->recording + "\r\n--BOUNDARY--\r\n";
     QCOMPARE(request.body, expected.replace("BOUNDARY", match.captured(1).toUtf8()));
     QVERIFY(request.timeout == (provider == u"sayvane" ? 180s : 60s));
     QVERIFY(request.resourceTimeout == 180s);
@@ -107,37 +101,21 @@ void TranscriptionTest::uploadsTheRecording()
     QCOMPARE(m->outcome(), u" untouched\n"_s);
 }
 
-void TranscriptionTest::readsTheAnswer_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<QString>("outcome");
-    const QString unreadable = u"! The answer could not be read."_s;
-    const auto row = [](const char *name, const QByteArray &body, const QString &outcome) {
-        QTest::newRow(name) << body << outcome;
-    };
-    row("text", R"({"text":"hi","x":[1]})", u"hi"_s);
-    row("empty text", R"({"text":""})", u""_s);
-    row("a million words", "{\"text\":\"" + QByteArray("w ").repeated(1000000) + "\"}",
-        u"w "_s.repeated(1000000));
-    row("no text", R"({"x":1})", unreadable);
-    row("text null", R"({"text":null})", unreadable);
-    row("text as a number", R"({"text":5})", unreadable);
-    row("text alone", R"("hi")", unreadable);
-    row("a list", R"(["hi"])", unreadable);
-    row("empty", "", unreadable);
-    row("a web page", "<html>Sign in to the network</html>", unreadable);
-    row("cut short", R"({"text":"hi)", unreadable);
-    row("invalid UTF-8", "{\"text\":\"\xFF\"}", unreadable);
-}
-
 void TranscriptionTest::readsTheAnswer()
 {
-    QFETCH(QByteArray, body);
+    const QString unreadable = u"! The answer could not be read."_s;
     for (const QString &provider : {u"groq"_s, u"sayvane"_s}) {
         m->choose(provider);
-        m->http().willAnswer(200, body);
-        m->transcribe();
-        QTEST(m->outcome(), "outcome");
+        const auto read = [this](const QByteArray &body) {
+            m->http().willAnswer(200, body);
+            m->transcribe();
+            return m->outcome();
+        };
+        QCOMPARE(read(R"({"text":"hi","x":[1]})"), u"hi"_s);
+        QCOMPARE(read(R"({"text":""})"), u""_s);
+        QCOMPARE(read(R"({"text":5})"), unreadable);
+        QCOMPARE(read("<html>Sign in to the network</html>"), unreadable);
+        QCOMPARE(read("{\"text\":\"\xFF\"}"), unreadable);
     }
 }
 
@@ -152,19 +130,11 @@ void TranscriptionTest::explainsARefusal_data()
         QTest::newRow(name) << provider << status << body << sentence;
     };
     const QString rejected = u"Groq: API key rejected. Check it in Settings."_s;
-    row("401", 401, {}, rejected);
     row("401 with a message", 401, R"({"error":{"message":"nope"}})", rejected);
     row("message", 400, R"({"error":{"message":" Too long. ","code":"c"}})", u"Groq:  Too long. "_s);
     row("code", 400, R"({"error":{"code":"too_long"}})", u"Groq: too_long"_s);
-    row("message null", 429, R"({"error":{"message":null,"code":"slow"}})", u"Groq: slow"_s);
-    row("neither", 403, R"({"error":{}})", u"Groq: HTTP 403"_s);
     row("a code of a wrong type", 400, R"({"error":{"message":"m","code":5}})", u"Groq: HTTP 400"_s);
-    row("error as text", 400, R"({"error":"m"})", u"Groq: HTTP 400"_s);
-    row("no error", 400, R"({"message":"m"})", u"Groq: HTTP 400"_s);
-    row("empty", 500, {}, u"OpenAI: HTTP 500"_s, u"openai"_s);
-    row("a web page", 502, "<html>", u"OpenAI: HTTP 502"_s, u"openai"_s);
     row("a redirect", 302, {}, u"OpenAI: HTTP 302"_s, u"openai"_s);
-    row("not HTTP", 0, {}, u"OpenAI: HTTP 0"_s, u"openai"_s);
 }
 
 void TranscriptionTest::explainsARefusal()
@@ -185,8 +155,7 @@ void TranscriptionTest::explainsARefusal()
 
 void TranscriptionTest::passesOnWhatTheMachineSays()
 {
-    m->http().willAnswer(
-        std::unexpected(TransportError{TransportError::Kind::offline, u"There is no network."_s}));
+    m->http().willAnswer(std::unexpected(TransportError{TransportError::Kind::offline, u"There is no network."_s}));
     m->transcribe();
     QCOMPARE(m->outcome(), u"! There is no network."_s);
     QFile::remove(m->wav);
@@ -195,36 +164,15 @@ void TranscriptionTest::passesOnWhatTheMachineSays()
         m->transcribe();
         QCOMPARE(m->outcome(), u"! No such file or directory"_s);
     }
-    m->secrets().items.clear();
-    m->transcribe();
-    QCOMPARE(m->outcome(), u"! Sign in under Settings to start dictating"_s);
-    m->choose(u"openai"_s);
-    m->transcribe();
-    QCOMPARE(m->outcome(), u"! No OpenAI API key. Open Settings to add one."_s);
     QCOMPARE(m->http().requests.size(), 1);
-}
-
-void TranscriptionTest::knowsAGoneModel_data()
-{
-    QTest::addColumn<QString>("message");
-    QTest::addColumn<bool>("isGone");
-    const auto row = [](const QString &message, bool isGone) {
-        QTest::newRow(qPrintable(message)) << message << isGone;
-    };
-    for (const QString &complaint :
-         {u"not found"_s, u"not_found"_s, u"Does Not Exist"_s, u"doesn't exist"_s,
-          u"has been decommissioned"_s, u"deprecated"_s, u"not supported"_s, u"no longer served"_s})
-        row(u"The MODEL `x` "_s + complaint, true);
-    row(u"Groq: model_not_found"_s, true);
-    row(u"The voice was not found"_s, false);
-    row(u"The model is overloaded"_s, false);
-    row({}, false);
 }
 
 void TranscriptionTest::knowsAGoneModel()
 {
-    QFETCH(QString, message);
-    QTEST(ProviderFailure::mentionsUnknownModel(message), "isGone");
+    QVERIFY(ProviderFailure::mentionsUnknownModel(u"The MODEL `x` doesn't exist"_s));
+    QVERIFY(ProviderFailure::mentionsUnknownModel(u"Groq: model_not_found"_s));
+    QVERIFY(!ProviderFailure::mentionsUnknownModel(u"The voice was not found"_s));
+    QVERIFY(!ProviderFailure::mentionsUnknownModel(u"The model is overloaded"_s));
 }
 
 void TranscriptionTest::aGoneModelIsReplacedOnce_data()
@@ -237,7 +185,6 @@ void TranscriptionTest::aGoneModelIsReplacedOnce_data()
     QTest::newRow("works") << Id(u"new"_s) << 200 << u"text"_s << u"new"_s;
     QTest::newRow("gone as well") << Id(u"new"_s) << 404 << u"! Groq: model not found"_s << u"new"_s;
     QTest::newRow("the same") << Id(u"old"_s) << 0 << u"! Groq: model not found"_s << u"old"_s;
-    QTest::newRow("none") << Id() << 0 << u"! Groq: model not found"_s << u"old"_s;
 }
 
 void TranscriptionTest::aGoneModelIsReplacedOnce()
@@ -256,10 +203,10 @@ void TranscriptionTest::aGoneModelIsReplacedOnce()
     QCOMPARE(m->prefs.chatModel(), u"chat"_s);
     QCOMPARE(m->recovery.asked, QStringList{u"transcription groq old"_s});
     QCOMPARE(m->http().requests.size(), secondStatus != 0 ? 2 : 1);
-    if (secondStatus != 0) // with a boundary of its own
-        QVERIFY(m->http().requests.first().headers != m->http().requests.last().headers);
-    if (secondStatus != 0)
-        QVERIFY(m->http().requests.last().body.contains("name=\"model\"\r\n\r\nnew\r\n"));
+    if (secondStatus == 0)
+        return;
+    QVERIFY(m->http().requests.first().headers != m->http().requests.last().headers); // a boundary of its own
+    QVERIFY(m->http().requests.last().body.contains("name=\"model\"\r\n\r\nnew\r\n"));
 }
 
 void TranscriptionTest::theProviderOfTheRequestIsTheOneBlamed()
@@ -279,24 +226,8 @@ void TranscriptionTest::theProviderOfTheRequestIsTheOneBlamed()
     QCOMPARE(m->account.remainingSeconds(), 9);
 }
 
-void TranscriptionTest::warmsUpOnceAMinute_data()
-{
-    QTest::addColumn<QString>("provider");
-    QTest::addColumn<QString>("url");
-    QTest::addColumn<QByteArray>("credential");
-    QTest::newRow("groq") << u"groq"_s << u"https://api.groq.com/openai/v1/models"_s
-                          << QByteArray("Bearer gsk_1");
-    QTest::newRow("openai") << u"openai"_s << u"https://api.openai.com/v1/models"_s
-                            << QByteArray("Bearer sk-1");
-    QTest::newRow("service") << u"sayvane"_s << u"https://service.test/models"_s
-                             << QByteArray("Bearer svs_1");
-}
-
 void TranscriptionTest::warmsUpOnceAMinute()
 {
-    QFETCH(QString, provider);
-    QFETCH(QByteArray, credential);
-    m->choose(provider);
     const auto items = std::exchange(m->secrets().items, {});
     const auto warmUpsAfter = [this](Clock::Duration wait) {
         m->machine.clock.advance(wait);
@@ -306,13 +237,12 @@ void TranscriptionTest::warmsUpOnceAMinute()
     QCOMPARE(warmUpsAfter(0s), 0); // no key, and no throttling for want of one
     m->secrets().items = items;
     QCOMPARE(warmUpsAfter(0s), 1);
-    QCOMPARE(warmUpsAfter(30s), 1);
-    QCOMPARE(warmUpsAfter(29999ms), 1);
+    QCOMPARE(warmUpsAfter(59999ms), 1);
     QCOMPARE(warmUpsAfter(1ms), 2);
     const HttpRequest request = m->http().warmUps.last();
-    QTEST(request.url.toString(), "url");
+    QCOMPARE(request.url.toString(), u"https://api.groq.com/openai/v1/models"_s);
     QCOMPARE(request.method, "GET");
-    QCOMPARE(request.headers, (QList<std::pair<QByteArray, QByteArray>>{{"Authorization", credential}}));
+    QCOMPARE(request.headers, (QList<std::pair<QByteArray, QByteArray>>{{"Authorization", "Bearer gsk_1"}}));
     QVERIFY(request.timeout == 10s && request.body.isEmpty());
 }
 
