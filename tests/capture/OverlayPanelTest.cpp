@@ -13,31 +13,6 @@ class OverlayPanelTest final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void hidesAfterItsTime_data()
-    {
-        QTest::addColumn<qint64>("delayMs");
-        QTest::newRow("a success") << qint64(900);
-        QTest::newRow("a message") << qint64(3500);
-        QTest::newRow("at once") << qint64(0);
-        QTest::newRow("in the past") << qint64(-1);
-    }
-    void hidesAfterItsTime()
-    {
-        QFETCH(qint64, delayMs);
-        VirtualClock clock;
-        OverlayPanel panel(clock);
-        QVERIFY(!panel.isVisible());
-        panel.show(FlowState::idle, u"Nothing heard"_s, OverlayTone::failure);
-        panel.hide(std::chrono::milliseconds(delayMs));
-        QCOMPARE(panel.isVisible(), delayMs > 0);
-        clock.advance(std::chrono::milliseconds(delayMs - 1));
-        QCOMPARE(panel.isVisible(), delayMs > 0);
-        clock.advance(1ms);
-        QVERIFY(!panel.isVisible());
-        QCOMPARE(panel.model().message(), u"Nothing heard"_s); // what it last said stays known
-        QCOMPARE(panel.model().tone(), OverlayTone::failure);
-    }
-
     void onlyTheLatestRequestCounts()
     {
         VirtualClock clock;
@@ -71,20 +46,6 @@ private Q_SLOTS:
         }
         QCOMPARE(clock.pendingTimers(), 0U);
         clock.advance(1s);
-    }
-
-    void keepsTheNewestLevels()
-    {
-        VirtualClock clock;
-        OverlayPanel panel(clock);
-        QCOMPARE(panel.model().levels(), QList<double>(24, 0.0));
-        for (int i = 1; i <= 30; ++i)
-            panel.push(i);
-        QCOMPARE(panel.model().levels().size(), 24);
-        QCOMPARE(panel.model().levels().first(), 7.0);
-        QCOMPARE(panel.model().levels().last(), 30.0);
-        panel.model().clearLevels();
-        QCOMPARE(panel.model().levels(), QList<double>(24, 0.0));
     }
 };
 
