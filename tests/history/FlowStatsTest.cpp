@@ -49,6 +49,7 @@ void FlowStatsTest::countsDaysInARow_data()
     const QString noon = u"2026-03-10T12:00:00"_s;
     row("three days", utc, noon, u"2026-03-10T08:00:00 2026-03-09T23:59:59 2026-03-08T00:00:00"_s, 3, 1);
     row("up to yesterday", utc, noon, u"2026-03-09T08:00:00 2026-03-08T08:00:00"_s, 2, 0);
+    row("up to the day before yesterday", utc, noon, u"2026-03-08T08:00:00"_s, 0, 0);
     row("a gap yesterday", utc, noon, u"2026-03-10T08:00:00 2026-03-08T08:00:00"_s, 1, 1);
     row("from tomorrow, as after a clock change", utc, noon, u"2026-03-11T00:00:00"_s, 0, 0);
     // London leaps from 1 to 2 o'clock on 29 March 2026 and falls back on 25 October.
