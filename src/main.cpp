@@ -5,11 +5,12 @@
 #include "platform/linux/QuitSignals.h"
 #include "platform/linux/system/LogFormat.h"
 
+#include <QApplication>
 #include <QCommandLineParser>
-#include <QCoreApplication>
 #include <QFile>
 
 #include <cstdio>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -34,20 +35,31 @@ int storeSecret(SecretStore &secrets, const QString &account)
     return trouble.isEmpty() ? 0 : complain(trouble, exitFailure);
 }
 
+/// Only the program that stays needs a display.
+std::unique_ptr<QCoreApplication> makeApplication(int &argc, char **argv, bool stays)
+{
+    if (!stays)
+        return std::make_unique<QCoreApplication>(argc, argv);
+    auto application = std::make_unique<QApplication>(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    return application;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    QCoreApplication application(argc, argv);
-    QuitSignals quitSignals;
     QCoreApplication::setApplicationName(u"sayvane"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(SAYVANE_VERSION));
     installLog();
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
 
     QCommandLineParser options;
     options.setApplicationDescription(u"Dictation in any application: tap the shortcut, speak, tap again."_s);
-    options.addHelpOption();
-    options.addVersionOption();
+    const QCommandLineOption help = options.addHelpOption();
+    const QCommandLineOption version = options.addVersionOption();
     const QCommandLineOption profile(
         u"profile"_s, u"Keep settings, history and secrets apart under this name."_s, u"name"_s);
     const QCommandLineOption service(u"service"_s, u"The hosted service to dictate to, an https address."_s,
@@ -58,14 +70,19 @@ int main(int argc, char **argv)
         "openai_api_key or sayvane_session."_s,
         u"name"_s);
     options.addOptions({profile, service, secret});
-    if (!options.parse(application.arguments()) || !options.positionalArguments().isEmpty()) {
+    const bool understood = options.parse(arguments);
+    const bool stays =
+        understood && !options.isSet(help) && !options.isSet(version) && !options.isSet(secret);
+    const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv, stays);
+    QuitSignals quitSignals;
+    if (!understood || !options.positionalArguments().isEmpty()) {
         const QString reason =
             options.errorText().isEmpty()
                 ? u"Unexpected argument '%1'."_s.arg(options.positionalArguments().value(0))
                 : options.errorText();
         return complain(reason + u" Try --help."_s, exitUsage);
     }
-    options.process(application);
+    options.process(*application);
     const auto address = Prefs::validAccountBaseURL(options.value(service));
     if (!address)
         return complain(u"--service takes an https address without query or fragment."_s, exitUsage);
@@ -79,10 +96,10 @@ int main(int argc, char **argv)
 
     Host host(machine.platform(), *address);
     FlowLog::follow(host.flow());
-    QObject::connect(&quitSignals, &QuitSignals::received, &application, &QCoreApplication::quit);
+    QObject::connect(&quitSignals, &QuitSignals::received, application.get(), &QCoreApplication::quit);
     // The desktop session is over.
-    QObject::connect(&machine.desktop().connection(), &X11Connection::lost, &application,
+    QObject::connect(&machine.desktop().connection(), &X11Connection::lost, application.get(),
                      &QCoreApplication::quit);
     host.launch();
-    return application.exec();
+    return QCoreApplication::exec();
 }
