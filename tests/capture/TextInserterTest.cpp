@@ -52,6 +52,7 @@ private Q_SLOTS:
     void leavesTheTextWhereThereIsNothingToPutBack_data();
     void leavesTheTextWhereThereIsNothingToPutBack();
     void aCopyOfSomebodyElseStays();
+    void aCopyJustBeforeThePasteIsNotPasted();
     void aStopEndsTheWaitsEarly_data();
     void aStopEndsTheWaitsEarly();
 
@@ -107,6 +108,18 @@ void TextInserterTest::aCopyOfSomebodyElseStays()
         QCOMPARE(m->machine.pasteboard.text(), u"copied by hand"_s);
         QCOMPARE(m->pasted, true);
     }
+}
+
+void TextInserterTest::aCopyJustBeforeThePasteIsNotPasted()
+{
+    const auto inserting = m->insert(u"spoken"_s);
+    m->machine.clock.advance(20ms);
+    m->machine.pasteboard.setString(u"stolen"_s);
+    m->machine.clock.advance(80ms);
+    QCOMPARE(m->machine.keyPoster.clipboardWhenPosted, QStringList{u"spoken"_s});
+    m->machine.clock.advance(500ms);
+    QCOMPARE(m->pasted, std::optional(true));
+    QCOMPARE(m->machine.pasteboard.text(), u"stolen"_s);
 }
 
 void TextInserterTest::aStopEndsTheWaitsEarly_data()
