@@ -52,12 +52,11 @@ Service::Service(HttpsServer &server, Accounts &accounts, SpeechEngine &speech)
                 [this](const Request &request, Response &response, const httplib::ContentReader &body) {
                     cleanup(request, response, body);
                 });
-    server.Get("/v1/me", [this](const Request &request, Response &response) { me(request, response); });
     server.Get("/models", [this](const Request &request, Response &response) { models(request, response); });
     server.Get("/health", [](const Request &, Response &response) { answer(response, {{"status", "ok"}}); });
     allowOnly(server, "/v1/transcribe", "POST");
     allowOnly(server, "/v1/cleanup", "POST");
-    for (const char *path : {"/v1/me", "/models", "/health"})
+    for (const char *path : {"/models", "/health"})
         allowOnly(server, path, "GET");
     // Without these the library would read a whole body into memory before it looks for the address.
     const auto unknown = [](const Request &, Response &response, const httplib::ContentReader &) {
@@ -141,18 +140,6 @@ void Service::cleanup(const Request &request, Response &response, const httplib:
     answer(response, {{"text", result.text}, {"model", cleanupModel}, {"skipped", result.skipped}});
 }
 
-void Service::me(const Request &request, Response &response)
-{
-    if (const auto account = authenticated(request, response)) {
-        answer(response, {{"email", account->email},
-                          {"plan", "self-hosted"},
-                          {"status", "active"},
-                          {"dailyMinutes", account->dailySeconds / 60},
-                          {"usedTodaySeconds", account->usedSeconds},
-                          {"remainingSeconds", account->remainingSeconds()}});
-    }
-}
-
 void Service::models(const Request &request, Response &response)
 {
     if (authenticated(request, response)) {
@@ -165,5 +152,9 @@ void Service::models(const Request &request, Response &response)
 
 std::optional<Account> Service::authenticated(const Request &request, Response &response)
 {
-    return Authentication::accountOf(request, response, m_accounts);
+    const auto account = Authentication::accountOf(request, m_accounts);
+    if (account)
+        return *account;
+    refuse(response, account.error());
+    return {};
 }

@@ -1,8 +1,14 @@
 #include "service/http/Reply.h"
 
-#include <nlohmann/json.hpp>
-
 #include <string_view>
+
+void Reply::give(httplib::Response &response, const Outcome &outcome)
+{
+    if (outcome)
+        answer(response, *outcome);
+    else
+        refuse(response, outcome.error());
+}
 
 void Reply::answer(httplib::Response &response, const nlohmann::json &body)
 {

@@ -2,15 +2,18 @@
 
 #include "service/accounts/Accounts.h"
 #include "service/accounts/SessionToken.h"
-#include "service/http/Reply.h"
 
-std::optional<Account> Authentication::accountOf(const httplib::Request &request, httplib::Response &response,
-                                                 Accounts &accounts)
+std::string Authentication::tokenOf(const httplib::Request &request)
 {
     const std::string header = request.get_header_value("Authorization");
-    const auto token = SessionToken::inHeader(header);
-    auto account = token.empty() ? std::nullopt : accounts.find(token);
+    return std::string(SessionToken::inHeader(header));
+}
+
+std::expected<Account, Refusal> Authentication::accountOf(const httplib::Request &request, Accounts &accounts)
+{
+    const std::string token = tokenOf(request);
+    const auto account = token.empty() ? std::nullopt : accounts.find(token);
     if (!account)
-        Reply::refuse(response, Refusal::unauthorized());
-    return account;
+        return std::unexpected(Refusal::unauthorized());
+    return *account;
 }
