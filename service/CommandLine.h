@@ -17,6 +17,7 @@ struct CommandLine
     int port = 8765;              ///< 0: any free one
     std::filesystem::path models; ///< empty: the packaged ones
     int decoders = 0;             ///< 0: one per processor, two at most
+    bool newAccounts = true;      ///< whether addresses without an account may sign in
     std::string email;
     std::string device = "unnamed";
     std::optional<int> dailyMinutes;

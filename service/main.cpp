@@ -1,4 +1,6 @@
+#include "service/AccountRoutes.h"
 #include "service/CommandLine.h"
+#include "service/Console.h"
 #include "service/Service.h"
 #include "service/machine/Certificate.h"
 #include "service/machine/DataFolder.h"
@@ -51,6 +53,10 @@ void serve(const CommandLine &line, DataFolder &folder)
     const int port = server.bind(line.host, line.port);
     SpeechEngine speech(SpeechModel::in(line.models.empty() ? SpeechModel::packagedFolder() : line.models),
                         decodersFor(line));
+    SignIns signIns(folder.database(), systemTime);
+    const AccountRoutes accountRoutes(
+        server, accounts, signIns,
+        line.newAccounts ? AccountRoutes::SignUps::open : AccountRoutes::SignUps::closed, Console::show);
     const Service service(server, accounts, speech);
     std::thread serving([&server] { server.serve(); });
     std::cout << "listening on " << addressOf(line.host, port) << " certificate "

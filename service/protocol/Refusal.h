@@ -20,6 +20,8 @@ struct Refusal
     static Refusal quotaExceeded();
     /// All places are taken; the client may try again by itself.
     static Refusal rateLimited();
+    /// Something was asked for too often; how long to wait is told in seconds.
+    static Refusal tooMany(std::string message, std::int64_t waitSeconds);
     static Refusal internalError();
     /// The refusal for an answer that was given a status and nothing else.
     static Refusal forStatus(int status);
