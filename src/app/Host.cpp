@@ -23,7 +23,12 @@ Host::Host(Platform &platform, const QString &serviceAddress)
                      .http = platform.http,
                      .clock = platform.clock}),
       m_flow(platform, m_preferences.defaults, m_preferences.prefs, m_transcriber, m_history),
+      m_hotkeyRecorder(
+          platform.localKeys, [this] { return m_flow.hotkey(); },
+          [this](const HotkeySpec &spec) { m_flow.updateHotkey(spec); }),
       m_delegate(platform, m_flow)
 {
     QObject::connect(&m_account, &AccountStatus::sessionRejected, &m_flow, &FlowController::reportSignedOut);
+    QObject::connect(&m_flow, &FlowController::hotkeyActiveChanged, &m_hotkeyRecorder,
+                     &HotkeyRecorder::suspendRunning);
 }
