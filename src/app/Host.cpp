@@ -23,7 +23,7 @@ Host::Host(Platform &platform, const QString &serviceAddress)
                      .http = platform.http,
                      .clock = platform.clock}),
       m_flow(platform, m_preferences.defaults, m_preferences.prefs, m_transcriber, m_history),
-      m_delegate(platform, m_flow)
+      m_delegate(platform, m_flow, m_preferences.defaults, m_preferences.prefs, m_credentials)
 {
     QObject::connect(&m_account, &AccountStatus::sessionRejected, &m_flow, &FlowController::reportSignedOut);
 }
