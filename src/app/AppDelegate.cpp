@@ -2,6 +2,7 @@
 
 #include "account/Credentials.h"
 #include "app/FlowController.h"
+#include "capture/HotkeyRecorder.h"
 #include "platform/AccessibilityTrust.h"
 #include "platform/Clock.h"
 #include "platform/Microphone.h"
@@ -20,13 +21,13 @@ constexpr auto dashboardDelay = 2s;
 
 } // namespace
 
-AppDelegate::AppDelegate(Platform &platform, FlowController &flow, const Defaults &defaults,
-                         const Prefs &prefs, const Credentials &credentials)
-    : m_platform(platform),
-      m_flow(flow),
-      m_defaults(defaults),
-      m_prefs(prefs),
-      m_credentials(credentials)
+AppDelegate::AppDelegate(const Collaborators &with)
+    : m_platform(with.platform),
+      m_flow(with.flow),
+      m_hotkeyRecorder(with.hotkeyRecorder),
+      m_defaults(with.defaults),
+      m_prefs(with.prefs),
+      m_credentials(with.credentials)
 {
 }
 
@@ -42,6 +43,11 @@ void AppDelegate::applicationDidFinishLaunching(std::function<void()> showDashbo
     else
         startPermissionPolling();
     openDashboardIfWanted();
+}
+
+void AppDelegate::applicationDidResignActive()
+{
+    m_hotkeyRecorder.cancel();
 }
 
 void AppDelegate::openDashboardIfWanted()

@@ -6,6 +6,7 @@
 class Credentials;
 class Defaults;
 class FlowController;
+class HotkeyRecorder;
 class Prefs;
 class Timer;
 struct Platform;
@@ -17,11 +18,21 @@ struct Platform;
 class AppDelegate
 {
 public:
-    AppDelegate(Platform &platform, FlowController &flow, const Defaults &defaults, const Prefs &prefs,
-                const Credentials &credentials);
+    struct Collaborators
+    {
+        Platform &platform;
+        FlowController &flow;
+        HotkeyRecorder &hotkeyRecorder;
+        const Defaults &defaults;
+        const Prefs &prefs;
+        const Credentials &credentials;
+    };
+    explicit AppDelegate(const Collaborators &with);
     ~AppDelegate();
 
     void applicationDidFinishLaunching(std::function<void()> showDashboard);
+    /// Another program has come to the front: a shortcut that was being chosen stays as it was.
+    void applicationDidResignActive();
 
 private:
     void startPermissionPolling();
@@ -30,6 +41,7 @@ private:
 
     Platform &m_platform;
     FlowController &m_flow;
+    HotkeyRecorder &m_hotkeyRecorder;
     const Defaults &m_defaults;
     const Prefs &m_prefs;
     const Credentials &m_credentials;

@@ -5,6 +5,7 @@
 #include "account/Credentials.h"
 #include "app/AppDelegate.h"
 #include "app/FlowController.h"
+#include "capture/HotkeyRecorder.h"
 #include "history/HistoryStore.h"
 #include "settings/Defaults.h"
 #include "settings/Keychain.h"
@@ -40,6 +41,8 @@ public:
     HistoryStore &history() { return m_history; }
     Transcriber &transcriber() { return m_transcriber; }
     FlowController &flow() { return m_flow; }
+    AppDelegate &delegate() { return m_delegate; }
+    HotkeyRecorder &hotkeyRecorder() { return m_hotkeyRecorder; }
 
 private:
     /// Preferences brought up to date before anything reads one.
@@ -58,5 +61,6 @@ private:
     HistoryStore m_history;
     Transcriber m_transcriber;
     FlowController m_flow;
+    HotkeyRecorder m_hotkeyRecorder;
     AppDelegate m_delegate;
 };

@@ -8,6 +8,7 @@ class Folders;
 class HttpTransport;
 class KeyPoster;
 class KeyTaps;
+class LocalKeys;
 class Microphone;
 class Pasteboard;
 class SecretStore;
@@ -32,4 +33,5 @@ struct Platform
     KeyTaps &keyTaps;
     KeyPoster &keyPoster;
     Pasteboard &pasteboard;
+    LocalKeys &localKeys;
 };

@@ -59,3 +59,20 @@ QStringList FakeFolders::recordings() const
 {
     return QDir(temporary()).entryList({u"sayvane-*.wav"_s});
 }
+
+class FakeLocalKeys::Monitor final : public LocalKeyMonitor
+{
+public:
+    explicit Monitor(FakeLocalKeys &keys) : m_keys(keys) {}
+    ~Monitor() override { m_keys.m_handler = nullptr; }
+    Q_DISABLE_COPY_MOVE(Monitor)
+
+private:
+    FakeLocalKeys &m_keys;
+};
+
+std::unique_ptr<LocalKeyMonitor> FakeLocalKeys::addMonitor(Handler handler)
+{
+    m_handler = std::move(handler);
+    return std::make_unique<Monitor>(*this);
+}

@@ -5,6 +5,7 @@
 #include "platform/DefaultsStore.h"
 #include "platform/Folders.h"
 #include "platform/KeyPoster.h"
+#include "platform/LocalKeys.h"
 #include "platform/Pasteboard.h"
 #include "platform/Platform.h"
 #include "platform/SecretStore.h"
@@ -56,10 +57,7 @@ class FakePasteboard final : public Pasteboard
 public:
     QCoro::Task<QList<PasteboardItem>> items() override { co_return contents; }
     qint64 changeCount() const override { return count; }
-    void setString(const QString &text) override
-    {
-        setItems({{{QStringLiteral("text/plain"), text.toUtf8()}}});
-    }
+    void setString(const QString &text) override { setItems({{{QStringLiteral("text/plain"), text.toUtf8()}}}); }
     void setItems(const QList<PasteboardItem> &items) override
     {
         contents = items;
@@ -89,6 +87,25 @@ public:
     bool works = true;
     QList<KeyChord> posted;
     QStringList clipboardWhenPosted;
+};
+
+/// A keyboard under the program's own windows.
+class FakeLocalKeys final : public LocalKeys
+{
+public:
+    std::unique_ptr<LocalKeyMonitor> addMonitor(Handler handler) override;
+
+    /// Whether the event was consumed.
+    bool send(const LocalKeyEvent &event)
+    {
+        const Handler handler = m_handler;
+        return handler && handler(event);
+    }
+    bool isWatched() const { return m_handler != nullptr; }
+
+private:
+    class Monitor;
+    Handler m_handler;
 };
 
 class FakeTrust final : public AccessibilityTrust
@@ -165,7 +182,8 @@ public:
     FakeKeyTaps keyTaps;
     FakePasteboard pasteboard;
     FakeKeyPoster keyPoster{pasteboard};
+    FakeLocalKeys localKeys;
 
-    Platform platform{clock, folders, volumes,    defaults, secrets, computerName, workspace,
-                      http,  trust,   microphone, sounds,   keyTaps, keyPoster,    pasteboard};
+    Platform platform{clock, folders,    volumes, defaults, secrets,   computerName, workspace, http,
+                      trust, microphone, sounds,  keyTaps,  keyPoster, pasteboard,   localKeys};
 };

@@ -12,6 +12,7 @@
 #include "platform/linux/system/StatVolumes.h"
 #include "platform/linux/system/SystemClock.h"
 #include "platform/linux/system/XdgFolders.h"
+#include "platform/linux/windows/WindowKeys.h"
 #include "platform/linux/x11/X11Desktop.h"
 
 #include <QString>
@@ -44,5 +45,6 @@ private:
     NetworkTransport m_http;
     PulseMicrophone m_microphone;
     PulseSoundPlayer m_sounds;
+    WindowKeys m_windowKeys;
     Platform m_platform;
 };

@@ -40,6 +40,13 @@ void KeyboardHold::pass()
         take();
 }
 
+void KeyboardHold::swallowRest(xcb_keycode_t key)
+{
+    if (key == 0 || m_swallowed[key] || !m_keyboard.keysDown()[key])
+        return;
+    swallowPress(key);
+}
+
 void KeyboardHold::take()
 {
     xcb_connection_t *xcb = m_connection.xcb();

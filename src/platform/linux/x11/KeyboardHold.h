@@ -22,6 +22,9 @@ public:
     void swallowRelease(xcb_keycode_t key);
     void pass();
 
+    /// Swallows the rest of a press that happened before the key was watched, if the key is still down.
+    void swallowRest(xcb_keycode_t key);
+
 private:
     void take();
     void letGo();

@@ -77,6 +77,12 @@ bool X11KeyTaps::regrab(const QList<KeyChord> &chords)
             qCWarning(hotkeyLog).noquote() << "Another program holds the shortcut" << nameOf(chord);
     }
     m_refused = refused;
+    // A key that is down already, as when it was just chosen for a shortcut, has not been pressed for us.
+    for (const KeyChord &chord : std::as_const(wanted)) {
+        if (!m_watched.contains(chord) && !refused.contains(chord))
+            m_hold.swallowRest(KeyPositions::xKeycode(chord.keyCode));
+    }
+    m_watched = wanted;
     return std::ranges::none_of(chords, [&](const KeyChord &chord) { return refused.contains(chord); });
 }
 

@@ -40,5 +40,6 @@ private:
     KeyGrabs m_grabs;
     KeyboardHold m_hold;
     QList<const X11KeyTap *> m_taps;
+    QList<KeyChord> m_watched;
     QList<KeyChord> m_refused; // already named in the log
 };

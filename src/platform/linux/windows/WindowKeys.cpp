@@ -1,0 +1,111 @@
+#include "platform/linux/windows/WindowKeys.h"
+
+#include "platform/KeyTap.h"
+#include "platform/linux/x11/KeyPositions.h"
+
+#include <QCoreApplication>
+#include <QHash>
+#include <QKeyEvent>
+
+#include <numeric>
+
+#include <xkbcommon/xkbcommon-keysyms.h>
+
+namespace {
+
+quint64 flagOfKey(quint32 symbol)
+{
+    switch (symbol) {
+    case XKB_KEY_Super_L:
+    case XKB_KEY_Super_R:
+        return KeyFlags::fn;
+    case XKB_KEY_ISO_Level3_Shift:
+    case XKB_KEY_Mode_switch:
+        return KeyFlags::command;
+    case XKB_KEY_Alt_L:
+    case XKB_KEY_Alt_R:
+    case XKB_KEY_Meta_L:
+    case XKB_KEY_Meta_R:
+        return KeyFlags::option;
+    case XKB_KEY_Control_L:
+    case XKB_KEY_Control_R:
+        return KeyFlags::control;
+    case XKB_KEY_Shift_L:
+    case XKB_KEY_Shift_R:
+        return KeyFlags::shift;
+    default:
+        return 0;
+    }
+}
+
+quint64 flagsOf(Qt::KeyboardModifiers modifiers)
+{
+    return (modifiers.testFlag(Qt::MetaModifier) ? KeyFlags::fn : 0) |
+           (modifiers.testFlag(Qt::GroupSwitchModifier) ? KeyFlags::command : 0) |
+           (modifiers.testFlag(Qt::AltModifier) ? KeyFlags::option : 0) |
+           (modifiers.testFlag(Qt::ControlModifier) ? KeyFlags::control : 0) |
+           (modifiers.testFlag(Qt::ShiftModifier) ? KeyFlags::shift : 0);
+}
+
+class WindowKeyMonitor final : public QObject, public LocalKeyMonitor
+{
+public:
+    explicit WindowKeyMonitor(LocalKeys::Handler handler) : m_handler(std::move(handler))
+    {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        switch (event->type()) {
+        case QEvent::ShortcutOverride: // a key that a menu or a button would take arrives as a press instead
+            event->accept();
+            return true;
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease:
+            // A window hands its keys on to the item in it.
+            return watched->isWindowType() && judge(*static_cast<QKeyEvent *>(event));
+        default:
+            return false;
+        }
+    }
+
+private:
+    bool judge(const QKeyEvent &key)
+    {
+        const bool isPress = key.type() == QEvent::KeyPress;
+        if (key.isAutoRepeat())
+            return true;
+        if (const quint64 flag = flagOfKey(key.nativeVirtualKey())) {
+            if (isPress)
+                m_held.insert(key.nativeScanCode(), flag);
+            else
+                m_held.remove(key.nativeScanCode());
+            // copied: it may destroy this monitor
+            const LocalKeys::Handler handler = m_handler;
+            return handler({.type = LocalKeyEventType::flagsChanged, .flags = held()});
+        }
+        const qint64 keyCode = key.nativeScanCode() < 256
+                                   ? KeyPositions::keyCode(static_cast<xcb_keycode_t>(key.nativeScanCode()))
+                                   : -1;
+        if (!isPress || keyCode < 0)
+            return false;
+        const LocalKeys::Handler handler = m_handler;
+        return handler({.type = LocalKeyEventType::keyDown,
+                        .keyCode = keyCode,
+                        .flags = held() | flagsOf(key.modifiers())});
+    }
+
+    /// What the modifier keys pressed since the beginning give; the others are told by the key press.
+    quint64 held() const { return std::accumulate(m_held.begin(), m_held.end(), quint64(0), std::bit_or()); }
+
+    LocalKeys::Handler m_handler;
+    QHash<quint32, quint64> m_held; ///< flag by key
+};
+
+} // namespace
+
+std::unique_ptr<LocalKeyMonitor> WindowKeys::addMonitor(Handler handler)
+{
+    return std::make_unique<WindowKeyMonitor>(std::move(handler));
+}

@@ -1,0 +1,135 @@
+#include "capture/HotkeyMonitor.h"
+#include "capture/HotkeyRecorder.h"
+#include "desktop/x11/Typist.h"
+#include "platform/linux/windows/WindowKeys.h"
+#include "platform/linux/x11/X11Desktop.h"
+
+#include <QAction>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMenuBar>
+#include <QTest>
+
+#include <linux/input-event-codes.h>
+
+using namespace Qt::StringLiterals;
+
+/// A window with a text field and a menu, typed into by real keys while a shortcut is being chosen.
+class ShortcutCaptureTest final : public QObject
+{
+    Q_OBJECT
+
+    struct Scene : QObject
+    {
+        X11Desktop desktop;
+        Typist typist;
+        QMainWindow window;
+        QLineEdit *field = new QLineEdit(&window);
+        int menuUses = 0;
+        int starts = 0;
+        int grabbedPresses = 0;
+        int pauses = 0;
+        QString chosen;
+        WindowKeys keys;
+        std::unique_ptr<HotkeyMonitor> monitor;
+        HotkeyRecorder recorder{keys, [this] { return monitor.get(); }, [this](const HotkeySpec &spec) { use(spec); }};
+
+        Scene()
+        {
+            QAction *action = window.menuBar()->addMenu(u"File"_s)->addAction(u"Open"_s);
+            action->setShortcut(QKeySequence(u"Ctrl+O"_s));
+            QObject::connect(action, &QAction::triggered, &window, [this] { ++menuUses; });
+            window.setCentralWidget(field);
+            window.show();
+            window.activateWindow();
+            field->setFocus();
+            use({});
+            qApp->installEventFilter(this);
+            connect(
+                &desktop.connection(), &X11Connection::eventReceived, this,
+                [this](const xcb_generic_event_t *event) { grabbedPresses += event->response_type == XCB_KEY_PRESS; });
+        }
+        bool eventFilter(QObject *watched, QEvent *event) override
+        {
+            if (watched == field && event->type() == QEvent::KeyPress) {
+                const auto &key = static_cast<QKeyEvent &>(*event);
+                pauses += key.key() == Qt::Key_Pause;
+            }
+            return false;
+        }
+        void use(const HotkeySpec &spec)
+        {
+            chosen = spec.displayString();
+            monitor.reset();
+            monitor = std::make_unique<HotkeyMonitor>(
+                desktop.keyTaps(), spec, [this] { ++starts; }, [] {});
+            monitor->start();
+        }
+        void chord(const QList<int> &modifiers, int key)
+        {
+            for (const int modifier : modifiers)
+                typist.press(modifier);
+            typist.tap(key);
+            for (const int modifier : modifiers)
+                typist.release(modifier);
+        }
+    };
+
+private Q_SLOTS:
+    void takesWhatIsPressed_data()
+    {
+        QTest::addColumn<QString>("layout");
+        QTest::addColumn<QList<int>>("modifiers");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<QString>("shortcut");
+        const QList<int> super{KEY_LEFTMETA};
+        const QList<int> altGr{KEY_RIGHTALT};
+        QTest::newRow("the old shortcut itself") << u"us"_s << super << KEY_SPACE << u"Fn + Space"_s;
+        QTest::newRow("a menu's shortcut") << u"us"_s << QList<int>{KEY_RIGHTCTRL} << KEY_O << u"⌃O"_s;
+        QTest::newRow("two modifiers") << u"us"_s << QList<int>{KEY_LEFTSHIFT, KEY_LEFTALT} << KEY_D << u"⌥⇧D"_s;
+        QTest::newRow("AltGr, German: the place of the key counts") << u"de"_s << altGr << KEY_Y << u"⌘Y"_s;
+        QTest::newRow("Dvorak: the place of the key counts")
+            << u"us -variant dvorak"_s << QList<int>{KEY_LEFTCTRL} << KEY_S << u"⌃S"_s;
+        QTest::newRow("a function key under Caps Lock and Num Lock") << u"us"_s << QList<int>{} << KEY_F5 << u"F5"_s;
+    }
+    void takesWhatIsPressed()
+    {
+        QFETCH(QString, layout);
+        QFETCH(QList<int>, modifiers);
+        QFETCH(int, key);
+        QFETCH(QString, shortcut);
+        Typist::setLayout(layout.split(u' '));
+        Scene scene;
+        QVERIFY(QTest::qWaitForWindowActive(&scene.window));
+        QTRY_VERIFY(scene.field->hasFocus());
+        if (modifiers.isEmpty()) {
+            scene.typist.tap(KEY_CAPSLOCK);
+            scene.typist.tap(KEY_NUMLOCK);
+        }
+        scene.recorder.begin();
+        scene.typist.tap(KEY_A);
+        QTRY_VERIFY(scene.recorder.hint().value_or(QString()).startsWith(u"A on its own"));
+        for (const int modifier : modifiers)
+            scene.typist.press(modifier);
+        if (!modifiers.isEmpty())
+            QTRY_VERIFY(!scene.recorder.pressed().isEmpty());
+        scene.typist.press(key);
+        QTRY_VERIFY(!scene.recorder.capturing());
+        // Held on, the shortcut just chosen must not start anything.
+        QTRY_VERIFY(scene.grabbedPresses > 2);
+        scene.typist.release(key);
+        for (const int modifier : modifiers)
+            scene.typist.release(modifier);
+        scene.typist.tap(KEY_PAUSE);
+        QTRY_VERIFY(scene.pauses > 0); // all that was typed before has arrived
+        QCOMPARE(scene.starts, 0);
+        QCOMPARE(scene.field->text(), QString());
+        QCOMPARE(scene.menuUses, 0);
+        scene.chord(modifiers, key);
+        QTRY_COMPARE(scene.starts, 1);
+        QCOMPARE(scene.chosen, shortcut);
+    }
+};
+
+QTEST_MAIN(ShortcutCaptureTest)
+#include "ShortcutCaptureTest.moc"
