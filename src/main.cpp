@@ -100,6 +100,6 @@ int main(int argc, char **argv)
     // The desktop session is over.
     QObject::connect(&machine.desktop().connection(), &X11Connection::lost, application.get(),
                      &QCoreApplication::quit);
-    host.launch();
+    host.launch([] {});
     return QCoreApplication::exec();
 }

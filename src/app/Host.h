@@ -12,6 +12,9 @@
 #include "settings/Prefs.h"
 #include "speech/Transcriber.h"
 
+#include <functional>
+#include <utility>
+
 struct Platform;
 
 /// The program without its machine: every long-lived object, by value, in the order they depend on each
@@ -24,8 +27,11 @@ public:
     Host(const Host &) = delete;
     Host &operator=(const Host &) = delete;
 
-    /// Puts the program to work.
-    void launch() { m_delegate.applicationDidFinishLaunching(); }
+    /// Puts the program to work; it asks for the dashboard when the user is to see it.
+    void launch(std::function<void()> showDashboard)
+    {
+        m_delegate.applicationDidFinishLaunching(std::move(showDashboard));
+    }
 
     Keychain &keychain() { return m_keychain; }
     Defaults &defaults() { return m_preferences.defaults; }
@@ -35,6 +41,7 @@ public:
     HistoryStore &history() { return m_history; }
     Transcriber &transcriber() { return m_transcriber; }
     FlowController &flow() { return m_flow; }
+    AppDelegate &delegate() { return m_delegate; }
     HotkeyRecorder &hotkeyRecorder() { return m_hotkeyRecorder; }
 
 private:

@@ -54,6 +54,11 @@ QCoro::Task<bool> TextInserter::insert(QString text, std::stop_token stop)
         count = m_pasteboard.changeCount();
         co_await sleepFor(m_clock, settleDelay, stop);
     }
+    if (stop.stop_requested()) {
+        if (!saved.isEmpty() && m_pasteboard.changeCount() == count)
+            m_pasteboard.setItems(saved);
+        co_return false;
+    }
     const bool pasted = co_await pressCommandV();
     if (!pasted || saved.isEmpty() || stop.stop_requested())
         co_return pasted;
