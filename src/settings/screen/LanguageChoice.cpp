@@ -12,7 +12,7 @@ const QString otherTag = u"other"_s;
 
 QVariantMap entry(const QString &tag, const QString &text)
 {
-    return {{u"tag"_s, tag}, {u"text"_s, text}};
+    return {{u"value"_s, tag}, {u"text"_s, text}};
 }
 
 } // namespace

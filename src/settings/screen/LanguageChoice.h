@@ -10,7 +10,7 @@ class Defaults;
 class LanguageChoice final : public QObject
 {
     Q_OBJECT
-    /// Maps of "tag" and "text", those of the list first, "other" last.
+    /// Maps of "value" and "text", those of the list first, "other" last.
     Q_PROPERTY(QVariantList entries READ entries CONSTANT)
     Q_PROPERTY(QString selection READ selection WRITE select NOTIFY changed)
     Q_PROPERTY(bool showsOther READ showsOther NOTIFY changed)

@@ -58,7 +58,7 @@ QVariantList SettingsView::providers()
 {
     QVariantList all;
     for (const Provider provider : Providers::allCases)
-        all.append(QVariantMap{{u"tag"_s, Providers::rawValue(provider)},
+        all.append(QVariantMap{{u"value"_s, Providers::rawValue(provider)},
                                {u"text"_s, Providers::displayName(provider)}});
     return all;
 }
@@ -109,7 +109,8 @@ void SettingsView::setShown(bool shown)
         m_account.checkAccountOnOpen();
     } else {
         m_ticker.reset();
-        m_shortcut.cancel();
+        if (m_shortcut.capturing())
+            m_shortcut.cancel();
     }
     Q_EMIT changed();
 }

@@ -32,7 +32,7 @@ class SettingsView final : public QObject
     Q_PROPERTY(LanguageChoice *language READ language CONSTANT)
     Q_PROPERTY(PermissionRows *permissions READ permissions CONSTANT)
     Q_PROPERTY(ShortcutRows *shortcut READ shortcut CONSTANT)
-    /// Maps of "tag" and "text".
+    /// Maps of "value" and "text".
     Q_PROPERTY(QVariantList providers READ providers CONSTANT)
     Q_PROPERTY(QString providerSelection READ providerSelection WRITE setProviderSelection NOTIFY changed)
     Q_PROPERTY(QString providerName READ providerName NOTIFY changed)
