@@ -1,6 +1,8 @@
 #pragma once
 
 class AccessibilityTrust;
+class Activation;
+class Appearance;
 class Clock;
 class ComputerName;
 class DefaultsStore;
@@ -32,4 +34,6 @@ struct Platform
     KeyTaps &keyTaps;
     KeyPoster &keyPoster;
     Pasteboard &pasteboard;
+    Activation &activation;
+    Appearance &appearance;
 };

@@ -4,9 +4,11 @@
 #include "platform/linux/sound/PulseConnection.h"
 #include "platform/linux/sound/PulseMicrophone.h"
 #include "platform/linux/sound/PulseSoundPlayer.h"
+#include "platform/linux/system/DesktopActivation.h"
 #include "platform/linux/system/DesktopWorkspace.h"
 #include "platform/linux/system/HostName.h"
 #include "platform/linux/system/NetworkTransport.h"
+#include "platform/linux/system/PortalAppearance.h"
 #include "platform/linux/system/PreferencesFile.h"
 #include "platform/linux/system/SecretServiceStore.h"
 #include "platform/linux/system/StatVolumes.h"
@@ -44,5 +46,7 @@ private:
     NetworkTransport m_http;
     PulseMicrophone m_microphone;
     PulseSoundPlayer m_sounds;
+    DesktopActivation m_activation;
+    PortalAppearance m_appearance;
     Platform m_platform;
 };
