@@ -3,6 +3,7 @@
 #include "account/AccountStatus.h"
 #include "app/FlowController.h"
 #include "history/HistoryStore.h"
+#include "labs/LabsAnswerMode.h"
 #include "platform/Pasteboard.h"
 #include "settings/Defaults.h"
 #include "settings/HotkeySpec.h"
@@ -59,6 +60,7 @@ MenuView::MenuView(const Observed &observed, ShellCommands commands)
     : m_flow(observed.flow),
       m_history(observed.history),
       m_account(observed.account),
+      m_answerMode(observed.answerMode),
       m_defaults(observed.defaults),
       m_pasteboard(observed.pasteboard),
       m_commands(std::move(commands))
@@ -69,6 +71,7 @@ MenuView::MenuView(const Observed &observed, ShellCommands commands)
         connect(&m_flow, signal, this, &MenuView::changed);
     connect(&m_history, &HistoryStore::recordsChanged, this, &MenuView::changed);
     connect(&m_account, &AccountStatus::changed, this, &MenuView::changed);
+    connect(&m_answerMode, &LabsAnswerMode::enabledChanged, this, &MenuView::changed);
     connect(&m_defaults, &Defaults::changed, this, [this](const QString &key) {
         if (key == PrefsKey::language || key == PrefsKey::provider || key == PrefsKey::hotkeySpec)
             Q_EMIT changed();
@@ -126,6 +129,8 @@ void MenuView::appendFacts(QList<MenuEntry> &entries) const
 
 void MenuView::appendAccount(QList<MenuEntry> &entries) const
 {
+    if (m_answerMode.enabled())
+        entries.append(text(u"Answer mode on"_s));
     const QString email = m_account.email().value_or(QString());
     if (m_account.signedIn() && !email.isEmpty())
         entries.append(text(cut(email, longestEmail, longestEmail - 1)));

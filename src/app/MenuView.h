@@ -10,6 +10,7 @@ class AccountStatus;
 class Defaults;
 class FlowController;
 class HistoryStore;
+class LabsAnswerMode;
 class Pasteboard;
 
 /// The menu of the tray: what it holds at this moment, and when that changed.
@@ -24,6 +25,7 @@ public:
         FlowController &flow;
         const HistoryStore &history;
         const AccountStatus &account;
+        const LabsAnswerMode &answerMode;
         const Defaults &defaults;
         Pasteboard &pasteboard;
     };
@@ -47,6 +49,7 @@ private:
     FlowController &m_flow;
     const HistoryStore &m_history;
     const AccountStatus &m_account;
+    const LabsAnswerMode &m_answerMode;
     const Defaults &m_defaults;
     Pasteboard &m_pasteboard;
     ShellCommands m_commands;
