@@ -84,7 +84,8 @@ void StatisticsTest::countsByTheCalendarOfTheUser_data()
     row("nothing", "Asia/Kolkata", noon, {}, 0, u"27:0 28:0 1:0 2:0"_s);
     // London leaps from 1 to 2 o'clock on 29 March 2026 and falls back on 25 October.
     row("a day of 23 hours", "Europe/London", u"2026-03-30T00:10:00"_s,
-        u"2026-03-30T00:00:00 2026-03-29T23:59:59 2026-03-28T23:55:00"_s, 3, u"27:0 28:1 29:1 30:1"_s);
+        u"2026-03-30T00:00:00 2026-03-29T23:59:59 2026-03-29T01:00:00Z 2026-03-28T23:55:00"_s, 3,
+        u"27:0 28:1 29:2 30:1"_s);
     row("a day of 25 hours", "Europe/London", u"2026-10-26T00:10:00"_s,
         u"2026-10-26T00:05:00 2026-10-25T23:55:00 2026-10-24T23:55:00"_s, 3, u"23:0 24:1 25:1 26:1"_s);
     row("half an hour of difference", "Australia/Lord_Howe", u"2026-04-06T00:00:00"_s,
