@@ -23,6 +23,7 @@ Host::Host(Platform &platform, const QString &serviceAddress)
                      .http = platform.http,
                      .clock = platform.clock}),
       m_flow(platform, m_preferences.defaults, m_preferences.prefs, m_transcriber, m_history),
+      m_overlay(m_flow.overlay(), platform.panels, platform.clock),
       m_delegate(platform, m_flow)
 {
     QObject::connect(&m_account, &AccountStatus::sessionRejected, &m_flow, &FlowController::reportSignedOut);

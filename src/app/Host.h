@@ -6,6 +6,7 @@
 #include "app/AppDelegate.h"
 #include "app/FlowController.h"
 #include "history/HistoryStore.h"
+#include "overlay/OverlayDisplay.h"
 #include "settings/Defaults.h"
 #include "settings/Keychain.h"
 #include "settings/Prefs.h"
@@ -52,5 +53,6 @@ private:
     HistoryStore m_history;
     Transcriber m_transcriber;
     FlowController m_flow;
+    OverlayDisplay m_overlay;
     AppDelegate m_delegate;
 };

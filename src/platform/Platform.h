@@ -4,6 +4,7 @@ class AccessibilityTrust;
 class Clock;
 class ComputerName;
 class DefaultsStore;
+class FloatingPanels;
 class Folders;
 class HttpTransport;
 class KeyPoster;
@@ -32,4 +33,5 @@ struct Platform
     KeyTaps &keyTaps;
     KeyPoster &keyPoster;
     Pasteboard &pasteboard;
+    FloatingPanels &panels;
 };

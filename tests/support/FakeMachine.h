@@ -3,6 +3,7 @@
 #include "platform/AccessibilityTrust.h"
 #include "platform/ComputerName.h"
 #include "platform/DefaultsStore.h"
+#include "platform/FloatingPanels.h"
 #include "platform/Folders.h"
 #include "platform/KeyPoster.h"
 #include "platform/Pasteboard.h"
@@ -56,10 +57,7 @@ class FakePasteboard final : public Pasteboard
 public:
     QCoro::Task<QList<PasteboardItem>> items() override { co_return contents; }
     qint64 changeCount() const override { return count; }
-    void setString(const QString &text) override
-    {
-        setItems({{{QStringLiteral("text/plain"), text.toUtf8()}}});
-    }
+    void setString(const QString &text) override { setItems({{{QStringLiteral("text/plain"), text.toUtf8()}}}); }
     void setItems(const QList<PasteboardItem> &items) override
     {
         contents = items;
@@ -141,6 +139,13 @@ public:
     QList<QUrl> opened;
 };
 
+/// A desktop without floating panels, which takes no display.
+class FakeFloatingPanels final : public FloatingPanels
+{
+public:
+    std::unique_ptr<FloatingPanel> create(PanelContent &) override { return nullptr; }
+};
+
 class FakeComputerName final : public ComputerName
 {
 public:
@@ -165,7 +170,8 @@ public:
     FakeKeyTaps keyTaps;
     FakePasteboard pasteboard;
     FakeKeyPoster keyPoster{pasteboard};
+    FakeFloatingPanels panels;
 
-    Platform platform{clock, folders, volumes,    defaults, secrets, computerName, workspace,
-                      http,  trust,   microphone, sounds,   keyTaps, keyPoster,    pasteboard};
+    Platform platform{clock, folders,    volumes, defaults, secrets,   computerName, workspace, http,
+                      trust, microphone, sounds,  keyTaps,  keyPoster, pasteboard,   panels};
 };

@@ -20,6 +20,7 @@ LinuxMachine::LinuxMachine(const Settings &settings)
                  .sounds = m_sounds,
                  .keyTaps = m_desktop.keyTaps(),
                  .keyPoster = m_desktop.keyPoster(),
-                 .pasteboard = m_desktop.pasteboard()}
+                 .pasteboard = m_desktop.pasteboard(),
+                 .panels = m_panels}
 {
 }
