@@ -12,6 +12,7 @@
 #include "labs/LabsAnswerMode.h"
 #include "labs/LabsClient.h"
 #include "labs/LabsSession.h"
+#include "overlay/OverlayDisplay.h"
 #include "settings/Defaults.h"
 #include "settings/Keychain.h"
 #include "settings/Prefs.h"
@@ -77,5 +78,6 @@ private:
     Transcriber m_transcriber;
     FlowController m_flow;
     HotkeyRecorder m_hotkeyRecorder;
+    OverlayDisplay m_overlay;
     AppDelegate m_delegate;
 };

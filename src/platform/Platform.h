@@ -6,6 +6,7 @@ class Appearance;
 class Clock;
 class ComputerName;
 class DefaultsStore;
+class FloatingPanels;
 class Folders;
 class HttpTransport;
 class KeyPoster;
@@ -38,4 +39,5 @@ struct Platform
     LocalKeys &localKeys;
     Activation &activation;
     Appearance &appearance;
+    FloatingPanels &panels;
 };

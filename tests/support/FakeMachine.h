@@ -5,6 +5,7 @@
 #include "platform/Appearance.h"
 #include "platform/ComputerName.h"
 #include "platform/DefaultsStore.h"
+#include "platform/FloatingPanels.h"
 #include "platform/Folders.h"
 #include "platform/KeyPoster.h"
 #include "platform/LocalKeys.h"
@@ -160,6 +161,13 @@ public:
     QList<QUrl> opened;
 };
 
+/// A desktop without floating panels, which takes no display.
+class FakeFloatingPanels final : public FloatingPanels
+{
+public:
+    std::unique_ptr<FloatingPanel> create(PanelContent &) override { return nullptr; }
+};
+
 class FakeComputerName final : public ComputerName
 {
 public:
@@ -211,10 +219,11 @@ public:
     FakePasteboard pasteboard;
     FakeKeyPoster keyPoster{pasteboard};
     FakeLocalKeys localKeys;
-
     FakeActivation activation;
     FakeAppearance appearance;
+    FakeFloatingPanels panels;
 
-    Platform platform{clock,      folders, volumes, defaults,  secrets,    computerName, workspace,  http,      trust,
-                      microphone, sounds,  keyTaps, keyPoster, pasteboard, localKeys,    activation, appearance};
+    Platform platform{clock,     folders,    volumes,   defaults,   secrets,    computerName,
+                      workspace, http,       trust,     microphone, sounds,     keyTaps,
+                      keyPoster, pasteboard, localKeys, activation, appearance, panels};
 };
