@@ -56,12 +56,16 @@ QString ChatRequest::withoutReasoning(const QString &answer)
 {
     static constexpr auto opening = "<think>"_L1;
     static constexpr auto closing = "</think>"_L1;
-    QString text = answer;
-    for (qsizetype begin = text.indexOf(opening); begin >= 0; begin = text.indexOf(opening)) {
-        const qsizetype end = text.indexOf(closing, begin + opening.size());
+    QString kept; // never with a whole opening in it, also not one that forms when a block goes
+    for (qsizetype i = 0; i < answer.size();) {
+        kept += answer.at(i++);
+        if (!kept.endsWith(opening))
+            continue;
+        kept.chop(opening.size());
+        const qsizetype end = answer.indexOf(closing, i);
         if (end < 0)
-            return text.first(begin);
-        text.remove(begin, end + closing.size() - begin);
+            return kept;
+        i = end + closing.size();
     }
-    return text;
+    return kept;
 }

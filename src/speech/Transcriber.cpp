@@ -46,8 +46,7 @@ Transcriber::Transcriber(const Collaborators &with)
       m_sessions(with.sessions),
       m_account(with.account),
       m_http(with.http),
-      m_clock(with.clock),
-      m_modelRecovery(with.modelRecovery)
+      m_clock(with.clock)
 {
 }
 

@@ -8,6 +8,7 @@
 
 #include <QCoroTask>
 #include <QString>
+#include <QStringList>
 
 #include <expected>
 #include <functional>
@@ -17,7 +18,6 @@
 class AccountSessionStore;
 class AccountStatus;
 class Credentials;
-class ModelRecovery;
 class Prefs;
 
 /// Turns a finished recording into text, and the text into what the user meant to write.
@@ -35,10 +35,9 @@ public:
         AccountStatus &account;
         HttpTransport &http;
         Clock &clock;
-        /// Consulted when a provider says that the model is gone.
-        ModelRecovery *modelRecovery = nullptr;
     };
     using Text = std::expected<QString, FlowError>;
+    using Models = std::expected<QStringList, FlowError>;
     using Answer = std::expected<HttpResponse, FlowError>;
     /// Makes the request for a model id.
     using RequestBuilder = std::function<std::expected<HttpRequest, FlowError>(const QString &model)>;
@@ -54,10 +53,15 @@ public:
     /// Opens the connection ahead of the upload, at most once a minute. Never fails aloud.
     void warmUp(std::stop_token stop);
 
+    /// The ids of the models that the provider offers, in its order. The hosted service chooses its models
+    /// itself: it answers with the one id "account" when the session works.
+    QCoro::Task<Models> listModels(Provider provider, std::stop_token stop);
+
     /// The address of a path below the provider's base address.
     std::expected<QUrl, FlowError> endpoint(const QString &path, Provider provider) const;
 
-    /// Sends for a model of the user's own provider; a model that is gone is replaced once, for good.
+    /// Sends for a model of the user's own provider. When the provider says that the model is gone, the
+    /// best of those it offers is stored in its place and the request is sent once more with that.
     QCoro::Task<Answer> send(Provider provider, ModelPurpose purpose, QString model, RequestBuilder build,
                              std::stop_token stop);
 
@@ -73,6 +77,10 @@ private:
                                             std::stop_token stop);
     QCoro::Task<Answer> buildAndSend(Provider provider, QString model, RequestBuilder build,
                                      std::stop_token stop);
+    /// What to use instead of a model that is gone, stored for later requests too; none when there is
+    /// nothing.
+    QCoro::Task<std::optional<QString>> successor(ModelPurpose purpose, Provider provider, QString model,
+                                                  std::stop_token stop);
     FlowError rejectedToken(const FlowError &otherwise);
     QCoro::Task<> sendWarmUp(HttpRequest request, std::stop_token stop);
 
@@ -82,6 +90,5 @@ private:
     AccountStatus &m_account;
     HttpTransport &m_http;
     Clock &m_clock;
-    ModelRecovery *m_modelRecovery;
     std::optional<Clock::Duration> m_lastWarmUp;
 };

@@ -59,8 +59,9 @@ QCoro::Task<Transcriber::Text> Transcriber::ownKeyCleanup(Provider provider, QSt
         co_return std::unexpected(FlowError::platform(u"Cancelled."_s));
     if (!reply && reply.error().kind == FlowError::Kind::api &&
         ProviderFailure::mentionsRejectedParameter(reply.error().description)) {
-        // Read again: the model may have been replaced meanwhile.
-        const QString currentModel = m_prefs.chatModel();
+        // Read again: the model may have been replaced meanwhile. With another provider chosen it would be
+        // that one's model.
+        const QString currentModel = m_prefs.provider() == provider ? m_prefs.chatModel() : model;
         reply = co_await send(provider, ModelPurpose::chat, currentModel, minimal, stop);
     }
     if (!reply)

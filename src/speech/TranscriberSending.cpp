@@ -3,8 +3,6 @@
 #include "account/AccountSessionStore.h"
 #include "account/AccountStatus.h"
 #include "platform/Sleep.h"
-#include "settings/Prefs.h"
-#include "speech/ModelRecovery.h"
 #include "speech/ProviderFailure.h"
 #include "speech/ServiceFailure.h"
 
@@ -20,15 +18,14 @@ QCoro::Task<Transcriber::Answer> Transcriber::send(Provider provider, ModelPurpo
                                                    RequestBuilder build, std::stop_token stop)
 {
     const Answer first = co_await buildAndSend(provider, model, build, stop);
-    if (first || stop.stop_requested() || !m_modelRecovery || first.error().kind != FlowError::Kind::api ||
+    if (first || stop.stop_requested() || first.error().kind != FlowError::Kind::api ||
         !ProviderFailure::mentionsUnknownModel(first.error().description))
         co_return first;
-    const auto replacement = co_await m_modelRecovery->replacement(purpose, provider, model, stop);
-    if (stop.stop_requested() || !replacement || *replacement == model)
+    const auto replacement = co_await successor(purpose, provider, model, stop);
+    if (!replacement || stop.stop_requested())
         co_return first;
-    m_prefs.setModel(*replacement, purpose);
-    const QString successor = *replacement;
-    co_return co_await buildAndSend(provider, successor, build, stop);
+    const QString replacingModel = *replacement;
+    co_return co_await buildAndSend(provider, replacingModel, build, stop);
 }
 
 QCoro::Task<Transcriber::Answer> Transcriber::buildAndSend(Provider provider, QString model,

@@ -148,15 +148,14 @@ void CleanupTest::asksAgainInTheMinimalForm()
 
 void CleanupTest::aReplacedModelIsAskedInTheMinimalForm()
 {
-    m->recovery.successor = u"new"_s;
     m->http().willAnswer(404, R"({"error":{"message":"model decommissioned"}})");
+    m->http().willAnswer(200, R"({"data":[{"id":"llama-guard-1b"},{"id":"llama-8b"}]})");
     m->http().willAnswer(400, R"({"error":{"message":"unsupported value"}})");
     m->http().willAnswer(200, choice(u"Done."_s));
     m->cleanUp(spoken);
     QCOMPARE(m->outcome(), u"Done."_s);
-    QCOMPARE(bodyOf(m->http().requests.last()).value(u"model"_s).toString(), u"new"_s);
-    QCOMPARE(m->recovery.asked, QStringList{u"chat groq openai/gpt-oss-120b"_s});
-    QCOMPARE(m->prefs.chatModel(), u"new"_s);
+    QCOMPARE(bodyOf(m->http().requests.last()).value(u"model"_s).toString(), u"llama-8b"_s);
+    QCOMPARE(m->prefs.chatModel(), u"llama-8b"_s);
 }
 
 void CleanupTest::readsTheAnswer_data()
@@ -175,6 +174,11 @@ void CleanupTest::readsTheAnswer_data()
     text("reasoning first", u"<think>hm\nhm</think>\n\nHi."_s, u"Hi."_s);
     text("a block that forms when another goes", u"<th<think>a</think>ink>b</think>Hi."_s, u"Hi."_s);
     text("an opening within", u"<think>a<think>b</think>c</think>Hi."_s, u"c</think>Hi."_s);
+    text("closed twice", u"Hi.</think> <think>a</think></think>"_s, u"Hi.</think> </think>"_s);
+    text("another letter case", u"<Think>a</think> Hi."_s, u"<Think>a</think> Hi."_s);
+    text("mixed scripts", u"<think>શું</think>\u2003હું Friday સુધીમાં मोकलीश 👩\u200d💻.\r\n"_s,
+         u"હું Friday સુધીમાં मोकलीश 👩\u200d💻."_s);
+    text("a great many blocks", u"<think>a</think>"_s.repeated(200000) + u"Hi."_s, u"Hi."_s);
     text("unclosed after text", u"Hi. <think>hm"_s, u"Hi."_s);
     row("no choice", R"({"choices":[]})", spoken);
     row("the first of two", R"({"choices":[{"message":{"content":"a"}},{"message":{"content":"b"}}]})", u"a"_s);

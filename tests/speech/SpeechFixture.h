@@ -6,7 +6,6 @@
 #include "settings/Defaults.h"
 #include "settings/Keychain.h"
 #include "settings/Prefs.h"
-#include "speech/ModelRecovery.h"
 #include "speech/Transcriber.h"
 #include "support/FakeMachine.h"
 
@@ -20,22 +19,6 @@
 class SpeechFixture
 {
 public:
-    /// Answers with one successor and notes what it was asked.
-    struct Recovery final : ModelRecovery
-    {
-        QCoro::Task<std::optional<QString>> replacement(ModelPurpose purpose, Provider provider, QString current,
-                                                        std::stop_token) override
-        {
-            asked.append(
-                QStringLiteral("%1 %2 %3")
-                    .arg(purpose == ModelPurpose::chat ? QStringLiteral("chat") : QStringLiteral("transcription"),
-                         Providers::rawValue(provider), current));
-            co_return successor;
-        }
-        std::optional<QString> successor;
-        QStringList asked;
-    };
-
     /// A machine whose user has a key for every provider and is signed in.
     struct Machine : FakeMachine
     {
@@ -47,7 +30,9 @@ public:
         }
     };
 
-    SpeechFixture()
+    /// Over the fake network, or over a real one.
+    explicit SpeechFixture(HttpTransport *network = nullptr)
+        : transcriber({prefs, credentials, sessions, account, network ? *network : machine.http, machine.clock})
     {
         choose(QStringLiteral("groq"));
         QFile file(wav);
@@ -65,6 +50,12 @@ public:
 
     void transcribe() { keep(transcriber.transcribe(wav, stop.get_token())); }
     void cleanUp(const QString &text) { keep(transcriber.cleanup(text, stop.get_token())); }
+    /// The ids joined by commas, or the error's sentence after "! ".
+    QString listed(Provider provider)
+    {
+        const auto models = QCoro::waitFor(transcriber.listModels(provider, stop.get_token()));
+        return models ? models->join(u',') : QStringLiteral("! ") + models.error().description;
+    }
     void answerJson(const QJsonObject &body, int status = 200) { http().answer(status, QJsonDocument(body).toJson()); }
 
     /// The text, or the error's sentence after "! "; "waiting" as long as there is neither.
@@ -84,8 +75,7 @@ public:
     AccountSessionStore sessions{keychain};
     AccountStatus account{sessions, prefs};
     Credentials credentials{keychain, sessions};
-    Recovery recovery;
-    Transcriber transcriber{{prefs, credentials, sessions, account, machine.http, machine.clock, &recovery}};
+    Transcriber transcriber;
     std::stop_source stop;
     std::optional<Transcriber::Text> result;
 

@@ -150,7 +150,7 @@ void TranscriptionTest::explainsARefusal()
     QCOMPARE(m->result->error().kind, FlowError::Kind::api);
     QCOMPARE(m->machine.clock.pendingTimers(), 0U); // no second try
     QVERIFY(m->account.signedIn());
-    QVERIFY(m->recovery.asked.isEmpty());
+    QCOMPARE(m->http().requests.size(), 1); // nor a look for another model
 }
 
 void TranscriptionTest::passesOnWhatTheMachineSays()
@@ -177,36 +177,38 @@ void TranscriptionTest::knowsAGoneModel()
 
 void TranscriptionTest::aGoneModelIsReplacedOnce_data()
 {
-    QTest::addColumn<std::optional<QString>>("successor");
-    QTest::addColumn<int>("secondStatus");
+    QTest::addColumn<QByteArray>("offered");
+    QTest::addColumn<int>("secondStatus"); // 0: no second try
     QTest::addColumn<QString>("outcome");
     QTest::addColumn<QString>("storedModel");
-    using Id = std::optional<QString>;
-    QTest::newRow("works") << Id(u"new"_s) << 200 << u"text"_s << u"new"_s;
-    QTest::newRow("gone as well") << Id(u"new"_s) << 404 << u"! Groq: model not found"_s << u"new"_s;
-    QTest::newRow("the same") << Id(u"old"_s) << 0 << u"! Groq: model not found"_s << u"old"_s;
+    const QString gone = u"! Groq: model not found"_s;
+    const QByteArray another = R"({"data":[{"id":"whisper-1"},{"id":"whisper-large-v3"}]})";
+    QTest::newRow("works") << another << 200 << u"text"_s << u"whisper-large-v3"_s;
+    QTest::newRow("gone as well") << another << 404 << gone << u"whisper-large-v3"_s;
+    QTest::newRow("the same") << QByteArray(R"({"data":[{"id":"old"},{"id":"whisper"}]})") << 0 << gone << u"old"_s;
+    QTest::newRow("none suits") << QByteArray(R"({"data":[{"id":"llama"}]})") << 0 << gone << u"old"_s;
+    QTest::newRow("no list") << QByteArray("<html>") << 0 << gone << u"old"_s;
 }
 
 void TranscriptionTest::aGoneModelIsReplacedOnce()
 {
-    QFETCH(std::optional<QString>, successor);
+    QFETCH(QByteArray, offered);
     QFETCH(int, secondStatus);
     m->set(u"transcriptionModel"_s, u"old"_s);
     m->set(u"chatModel"_s, u"chat"_s);
-    m->recovery.successor = successor;
     m->http().willAnswer(404, R"({"error":{"message":"model not found"}})");
+    m->http().willAnswer(200, offered);
     if (secondStatus != 0)
         m->http().willAnswer(secondStatus, R"({"text":"text","error":{"message":"model not found"}})");
     m->transcribe();
     QTEST(m->outcome(), "outcome");
     QTEST(m->prefs.transcriptionModel(), "storedModel");
     QCOMPARE(m->prefs.chatModel(), u"chat"_s);
-    QCOMPARE(m->recovery.asked, QStringList{u"transcription groq old"_s});
-    QCOMPARE(m->http().requests.size(), secondStatus != 0 ? 2 : 1);
+    QCOMPARE(m->http().requests.size(), secondStatus != 0 ? 3 : 2);
     if (secondStatus == 0)
         return;
     QVERIFY(m->http().requests.first().headers != m->http().requests.last().headers); // a boundary of its own
-    QVERIFY(m->http().requests.last().body.contains("name=\"model\"\r\n\r\nnew\r\n"));
+    QVERIFY(m->http().requests.last().body.contains("name=\"model\"\r\n\r\nwhisper-large-v3\r\n"));
 }
 
 void TranscriptionTest::theProviderOfTheRequestIsTheOneBlamed()
@@ -215,6 +217,18 @@ void TranscriptionTest::theProviderOfTheRequestIsTheOneBlamed()
     m->choose(u"openai"_s);
     m->http().answer(401, {});
     QCOMPARE(m->outcome(), u"! Groq: API key rejected. Check it in Settings."_s);
+    // Nor does the successor of its model get into the other one's settings.
+    m->choose(u"groq"_s);
+    m->set(u"transcriptionModel"_s, u"old"_s);
+    m->transcribe();
+    m->http().answer(404, R"({"error":{"code":"model_not_found"}})");
+    m->choose(u"openai"_s);
+    m->set(u"transcriptionModel"_s, u"whisper-1"_s);
+    m->http().answer(200, R"({"data":[{"id":"whisper-large-v3"}]})");
+    m->answerJson({{u"text"_s, u"hi"_s}});
+    QCOMPARE(m->outcome(), u"hi"_s);
+    QCOMPARE(m->http().requests.last().url.host(), u"api.groq.com"_s);
+    QCOMPARE(m->prefs.transcriptionModel(), u"whisper-1"_s);
     m->choose(u"sayvane"_s);
     m->transcribe();
     m->choose(u"groq"_s);
@@ -248,11 +262,13 @@ void TranscriptionTest::warmsUpOnceAMinute()
 
 void TranscriptionTest::stoppingEndsItQuietly()
 {
-    m->recovery.successor = u"new"_s;
     m->transcribe();
+    m->http().answer(404, R"({"error":{"message":"model not found"}})"); // and now it looks for another
     m->stop.request_stop();
+    QVERIFY(m->outcome().startsWith(u"! "_s));
+    QCOMPARE(m->http().requests.size(), 2);
+    m->transcribe();
     QCOMPARE(m->outcome(), u"! Cancelled."_s);
-    QVERIFY(m->recovery.asked.isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TranscriptionTest)

@@ -8,7 +8,9 @@ using namespace Qt::StringLiterals;
 
 QCoro::Task<FakeTransport::Result> FakeTransport::send(HttpRequest request, std::stop_token stop)
 {
-    if (request.method == "GET" && request.url.path().endsWith("/models"_L1)) {
+    // A list of models that somebody reads is waited for longer.
+    if (request.method == "GET" && request.url.path().endsWith("/models"_L1) &&
+        request.timeout == std::chrono::seconds(10)) {
         warmUps.append(request);
         co_return HttpResponse{200, {}, "{}"};
     }

@@ -1,0 +1,71 @@
+#include "speech/Transcriber.h"
+
+#include "account/Credentials.h"
+#include "settings/Prefs.h"
+#include "speech/ModelResolver.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+Transcriber::Models idsIn(const QByteArray &json)
+{
+    const auto unreadable = std::unexpected(FlowError::platform(u"The answer could not be read."_s));
+    const QJsonValue data = QJsonDocument::fromJson(json).object().value("data"_L1);
+    if (!data.isArray())
+        return unreadable;
+    QStringList ids;
+    const QJsonArray entries = data.toArray();
+    ids.reserve(entries.size());
+    for (const QJsonValue &entry : entries) {
+        const QJsonValue id = entry.toObject().value("id"_L1);
+        if (!id.isString())
+            return unreadable;
+        ids.append(id.toString());
+    }
+    return ids;
+}
+
+} // namespace
+
+QCoro::Task<Transcriber::Models> Transcriber::listModels(Provider provider, std::stop_token stop)
+{
+    const bool isService = provider == Provider::sayvane;
+    const auto credential = m_credentials.apiKey(provider);
+    if (!credential)
+        co_return std::unexpected(credential.error());
+    const auto url = endpoint(isService ? u"/v1/me"_s : u"/models"_s, provider);
+    if (!url)
+        co_return std::unexpected(url.error());
+    const HttpRequest request{.method = "GET",
+                              .url = *url,
+                              .headers = {{"Authorization", "Bearer " + credential->toUtf8()}},
+                              .body = {},
+                              .timeout = 30s};
+    const Answer reply = co_await send(request, provider, true, stop);
+    if (!reply)
+        co_return std::unexpected(reply.error());
+    if (isService) // it has no list of models; that it knows the account is what counts
+        co_return QStringList{u"account"_s};
+    co_return idsIn(reply->body);
+}
+
+QCoro::Task<std::optional<QString>> Transcriber::successor(ModelPurpose purpose, Provider provider,
+                                                           QString model, std::stop_token stop)
+{
+    const Models available = co_await listModels(provider, stop);
+    if (!available || stop.stop_requested())
+        co_return std::nullopt;
+    const auto found = ModelResolver::resolve(purpose, provider, *available, model);
+    if (!found || *found == model)
+        co_return std::nullopt;
+    // A user who chose another provider meanwhile has that one's models in the preferences.
+    if (m_prefs.provider() == provider)
+        m_prefs.setModel(*found, purpose);
+    co_return found;
+}
