@@ -41,19 +41,6 @@ QString cut(const QString &whole, int longest, int kept)
     return Text::characterCount(whole) > longest ? Text::firstCharacters(whole, kept) + u'…' : whole;
 }
 
-QString stateLine(FlowState state)
-{
-    switch (state) {
-    case FlowState::idle:
-        return u"Sayvane: ready"_s;
-    case FlowState::recording:
-        return u"● Listening…"_s;
-    case FlowState::processing:
-        return u"Transcribing…"_s;
-    }
-    Q_UNREACHABLE();
-}
-
 } // namespace
 
 MenuView::MenuView(const Observed &observed, ShellCommands commands)
@@ -87,6 +74,19 @@ QString MenuView::symbolFor(FlowState state)
         return u"record.circle.fill"_s;
     case FlowState::processing:
         return u"ellipsis.circle"_s;
+    }
+    Q_UNREACHABLE();
+}
+
+QString MenuView::stateLine(FlowState state)
+{
+    switch (state) {
+    case FlowState::idle:
+        return u"Sayvane: ready"_s;
+    case FlowState::recording:
+        return u"● Listening…"_s;
+    case FlowState::processing:
+        return u"Transcribing…"_s;
     }
     Q_UNREACHABLE();
 }

@@ -36,6 +36,8 @@ public:
 
     /// The symbol that stands for the program in this state, by name.
     static QString symbolFor(FlowState state);
+    /// What the program is doing, in words.
+    static QString stateLine(FlowState state);
 
 Q_SIGNALS:
     void changed();

@@ -43,8 +43,8 @@ struct Options
 {
     QCommandLineOption help{{u"h"_s, u"help"_s}, u"Print this."_s};
     QCommandLineOption version{{u"v"_s, u"version"_s}, u"Print the version."_s};
-    QCommandLineOption profile{
-        u"profile"_s, u"Keep settings, history and secrets apart under this name."_s, u"name"_s};
+    QCommandLineOption profile{u"profile"_s, u"Keep settings, history and secrets apart under this name."_s,
+                               u"name"_s};
     QCommandLineOption service{u"service"_s, u"The hosted service to dictate to, an https address."_s,
                                u"address"_s, u"https://accounts.sayvane.app"_s};
     QCommandLineOption secret{
@@ -65,7 +65,8 @@ struct Options
 /// What is wrong with the words of the verb; empty when nothing is.
 QString objection(const Invocation &asked, const QCommandLineParser &parser)
 {
-    const auto verb = std::ranges::find_if(verbTable, [&](const Verb &each) { return asked.verb == each.name; });
+    const auto verb =
+        std::ranges::find_if(verbTable, [&](const Verb &each) { return asked.verb == each.name; });
     if (!asked.verb.isEmpty() && verb == verbTable.end())
         return u"There is no command '%1'."_s.arg(asked.verb);
     const QStringList allowed =

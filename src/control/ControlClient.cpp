@@ -26,8 +26,8 @@ ControlClient::Answer ControlClient::call(const QString &method, const QVariantL
         return std::unexpected(
             Error{Error::Kind::notRunning,
                   u"There is no session bus to reach Sayvane on; is this a desktop session?"_s});
-    QDBusMessage message = QDBusMessage::createMethodCall(m_busName, ControlInterface::path,
-                                                          ControlInterface::name, method);
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(m_busName, ControlInterface::path, ControlInterface::name, method);
     message.setArguments(arguments);
     message.setAutoStartService(false);
     const QDBusMessage reply = bus.call(message, QDBus::Block, static_cast<int>(limit.count()));
