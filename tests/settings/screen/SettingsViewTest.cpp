@@ -364,9 +364,9 @@ void SettingsViewTest::choosesAShortcut()
     QCOMPARE(rows.shortcut(), u"Fn + Space"_s);
     QVERIFY(rows.usesFn());
     rows.change();
-    m->machine.localKeys.flagsChanged(KeyFlags::command);
+    m->machine.localKeys.send({LocalKeyEventType::flagsChanged, 0, KeyFlags::command});
     QCOMPARE(rows.pressed(), u"⌘"_s);
-    m->machine.localKeys.press(2, KeyFlags::command | KeyFlags::shift);
+    m->machine.localKeys.send({LocalKeyEventType::keyDown, 2, KeyFlags::command | KeyFlags::shift});
     QVERIFY(!rows.capturing() && !rows.usesFn());
     QCOMPARE(rows.shortcut(), u"⇧⌘D"_s);
     rows.change();
