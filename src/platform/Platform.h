@@ -1,6 +1,8 @@
 #pragma once
 
 class AccessibilityTrust;
+class Activation;
+class Appearance;
 class Clock;
 class ComputerName;
 class DefaultsStore;
@@ -34,4 +36,6 @@ struct Platform
     KeyPoster &keyPoster;
     Pasteboard &pasteboard;
     LocalKeys &localKeys;
+    Activation &activation;
+    Appearance &appearance;
 };

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "platform/AccessibilityTrust.h"
+#include "platform/Activation.h"
+#include "platform/Appearance.h"
 #include "platform/ComputerName.h"
 #include "platform/DefaultsStore.h"
 #include "platform/Folders.h"
@@ -164,6 +166,32 @@ public:
     QString localizedName() const override { return QStringLiteral("Study"); }
 };
 
+class FakeActivation final : public Activation
+{
+public:
+    void setPolicy(ActivationPolicy wanted) override { policy = wanted; }
+
+    ActivationPolicy policy = ActivationPolicy::accessory;
+};
+
+class FakeAppearance final : public Appearance
+{
+public:
+    AppearanceWishes wishes() const override { return wanted; }
+    void follow(std::function<void()> changed) override { m_changed = std::move(changed); }
+    void want(const AppearanceWishes &wishes)
+    {
+        wanted = wishes;
+        if (m_changed)
+            m_changed();
+    }
+
+    AppearanceWishes wanted;
+
+private:
+    std::function<void()> m_changed;
+};
+
 /// A machine for tests: public fields set the scene and tell what happened.
 class FakeMachine
 {
@@ -183,7 +211,10 @@ public:
     FakePasteboard pasteboard;
     FakeKeyPoster keyPoster{pasteboard};
     FakeLocalKeys localKeys;
+    FakeActivation activation;
+    FakeAppearance appearance;
 
     Platform platform{clock, folders,    volumes, defaults, secrets,   computerName, workspace, http,
-                      trust, microphone, sounds,  keyTaps,  keyPoster, pasteboard,   localKeys};
+                      trust, microphone, sounds,  keyTaps,  keyPoster, pasteboard,   localKeys, activation,
+                      appearance};
 };

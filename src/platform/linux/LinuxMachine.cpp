@@ -21,6 +21,8 @@ LinuxMachine::LinuxMachine(const Settings &settings)
                  .keyTaps = m_desktop.keyTaps(),
                  .keyPoster = m_desktop.keyPoster(),
                  .pasteboard = m_desktop.pasteboard(),
-                 .localKeys = m_windowKeys}
+                 .localKeys = m_windowKeys,
+                 .activation = m_activation,
+                 .appearance = m_appearance}
 {
 }

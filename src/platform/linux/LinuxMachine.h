@@ -4,9 +4,11 @@
 #include "platform/linux/sound/PulseConnection.h"
 #include "platform/linux/sound/PulseMicrophone.h"
 #include "platform/linux/sound/PulseSoundPlayer.h"
+#include "platform/linux/system/DesktopActivation.h"
 #include "platform/linux/system/DesktopWorkspace.h"
 #include "platform/linux/system/HostName.h"
 #include "platform/linux/system/NetworkTransport.h"
+#include "platform/linux/system/PortalAppearance.h"
 #include "platform/linux/system/PreferencesFile.h"
 #include "platform/linux/system/SecretServiceStore.h"
 #include "platform/linux/system/StatVolumes.h"
@@ -46,5 +48,7 @@ private:
     PulseMicrophone m_microphone;
     PulseSoundPlayer m_sounds;
     WindowKeys m_windowKeys;
+    DesktopActivation m_activation;
+    PortalAppearance m_appearance;
     Platform m_platform;
 };

@@ -1,0 +1,48 @@
+#include "dashboard/DashboardSection.h"
+
+#include <QMetaEnum>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct Appearance
+{
+    QString title;
+    QString symbol;
+    QStringList colours;
+};
+
+const Appearance &appearanceOf(DashboardSection::Id id)
+{
+    static const std::array<Appearance, DashboardSection::allCases.size()> appearances{{
+        {u"Dictation"_s, u"mic.fill"_s, {u"#ff375f"_s, u"#ff6b8b"_s}},
+        {u"Insights"_s, u"chart.bar.fill"_s, {u"#0a84ff"_s, u"#30d5c8"_s}},
+        {u"Dictionary"_s, u"book.fill"_s, {u"#ff9f0a"_s, u"#ffd60a"_s}},
+        {u"Labs"_s, u"flask.fill"_s, {u"#028f86"_s, u"#1fd9c4"_s}},
+        {u"Settings"_s, u"gearshape.fill"_s, {u"#8e8e93"_s, u"#aeaeb2"_s}},
+    }};
+    return appearances.at(static_cast<size_t>(id));
+}
+
+} // namespace
+
+QString DashboardSection::rawValue() const
+{
+    return QString::fromLatin1(QMetaEnum::fromType<Id>().valueToKey(m_id));
+}
+
+QString DashboardSection::title() const
+{
+    return appearanceOf(m_id).title;
+}
+
+QString DashboardSection::symbol() const
+{
+    return appearanceOf(m_id).symbol;
+}
+
+QStringList DashboardSection::tileColours() const
+{
+    return appearanceOf(m_id).colours;
+}

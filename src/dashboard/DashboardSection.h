@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <array>
+
+/// The screens of the dashboard, in the order of its sidebar.
+class DashboardSection
+{
+    Q_GADGET
+    Q_PROPERTY(QString title READ title CONSTANT)
+    Q_PROPERTY(QString symbol READ symbol CONSTANT)
+    Q_PROPERTY(QStringList tileColours READ tileColours CONSTANT)
+    Q_PROPERTY(int id READ id CONSTANT)
+public:
+    enum Id { dictation, insights, dictionary, labs, settings };
+    Q_ENUM(Id)
+
+    static constexpr std::array allCases{dictation, insights, dictionary, labs, settings};
+
+    DashboardSection() = default;
+    DashboardSection(Id id) : m_id(id) {} // NOLINT(google-explicit-constructor): it is one
+
+    Id id() const { return m_id; }
+    /// The name of its case.
+    QString rawValue() const;
+    QString title() const;
+    QString symbol() const;
+    /// Top left and bottom right, as "#rrggbb".
+    QStringList tileColours() const;
+
+    bool operator==(const DashboardSection &) const = default;
+
+private:
+    Id m_id = dictation;
+};

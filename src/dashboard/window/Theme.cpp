@@ -1,0 +1,59 @@
+#include "dashboard/window/Theme.h"
+
+#include <QEvent>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QPalette>
+#include <QQmlEngine>
+
+Theme::Theme(Appearance &appearance) : m_appearance(appearance)
+{
+    m_appearance.follow([this] { update(); });
+    qGuiApp->installEventFilter(this);
+    update();
+}
+
+Theme::~Theme()
+{
+    m_appearance.follow({});
+}
+
+Theme *Theme::create(QQmlEngine *engine, QJSEngine *)
+{
+    auto *theme = engine->property("theme").value<Theme *>();
+    QJSEngine::setObjectOwnership(theme, QJSEngine::CppOwnership);
+    return theme;
+}
+
+QString Theme::monospaced() const
+{
+    return QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
+}
+
+bool Theme::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == qGuiApp && event->type() == QEvent::ApplicationPaletteChange)
+        update();
+    return false;
+}
+
+void Theme::update()
+{
+    const AppearanceWishes wishes = m_appearance.wishes();
+    const QPalette palette = QGuiApplication::palette();
+    const bool paletteIsDark =
+        palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
+    const bool dark =
+        wishes.scheme == ColorScheme::noPreference ? paletteIsDark : wishes.scheme == ColorScheme::dark;
+    std::optional<QColor> accent;
+    if (wishes.accent)
+        accent = QColor::fromRgb(*wishes.accent);
+    const ThemeColors colors = ThemeColors::of(dark, wishes.highContrast, accent);
+    if (colors == m_colors && m_reducedMotion == wishes.reducedMotion)
+        return;
+    m_dark = dark;
+    m_highContrast = wishes.highContrast;
+    m_reducedMotion = wishes.reducedMotion;
+    m_colors = colors;
+    Q_EMIT changed();
+}

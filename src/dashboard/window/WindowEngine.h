@@ -1,0 +1,29 @@
+#pragma once
+
+#include "dashboard/window/Theme.h"
+
+#include <QQmlEngine>
+#include <QString>
+#include <QVariantMap>
+
+#include <memory>
+
+class QQuickWindow;
+
+/// The QML engine of the program's windows. It costs memory, so it is made for the first of them.
+class WindowEngine
+{
+public:
+    explicit WindowEngine(Appearance &appearance);
+    ~WindowEngine();
+
+    /// The window of the module's type of that name, hidden, its required properties set. A window that
+    /// cannot be made is a fault of the program's own, and ends it.
+    std::unique_ptr<QQuickWindow> makeWindow(const QString &typeName, const QVariantMap &properties);
+
+    Theme &theme() { return m_theme; }
+
+private:
+    Theme m_theme;
+    QQmlEngine m_engine;
+};

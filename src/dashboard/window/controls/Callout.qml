@@ -1,0 +1,9 @@
+import QtQuick
+import Sayvane
+
+/// A sentence that introduces what stands below it.
+Label {
+    color: Theme.secondary
+    font.pixelSize: Theme.calloutSize
+    lineHeight: Theme.lineHeight
+}

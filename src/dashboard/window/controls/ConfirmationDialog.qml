@@ -1,0 +1,79 @@
+import QtQuick
+import QtQuick.Templates as T
+import Sayvane
+
+/// Asks before something is lost. Cancel has the keyboard; Escape cancels.
+T.Dialog {
+    id: dialog
+
+    property string message: ""
+    property string confirmText: ""
+
+    signal confirmed
+
+    parent: T.Overlay.overlay
+    anchors.centerIn: parent
+    width: Math.min(380, parent ? parent.width - 40 : 380)
+    padding: Theme.screenMargin
+    modal: true
+    focus: true
+    closePolicy: T.Popup.CloseOnEscape
+    onOpened: cancel.forceActiveFocus(Qt.TabFocusReason)
+
+    T.Overlay.modal: Rectangle {
+        color: Qt.rgba(0, 0, 0, Theme.dark ? 0.55 : 0.3)
+    }
+    background: Rectangle {
+        radius: Theme.cardRadius
+        color: Theme.surface
+        border.width: 1
+        border.color: Theme.separator
+    }
+    contentItem: Column {
+        spacing: Theme.labelSpacing
+        Accessible.role: Accessible.Dialog
+        Accessible.name: dialog.title
+        Accessible.description: dialog.message
+
+        SectionHeader {
+            width: parent.width
+            text: dialog.title
+        }
+        Label {
+            width: parent.width
+            text: dialog.message
+            color: Theme.secondary
+        }
+        Item {
+            width: 1
+            height: 4
+        }
+        Row {
+            anchors.right: parent.right
+            spacing: Theme.labelSpacing
+
+            Button {
+                id: cancel
+                text: qsTr("Cancel")
+                onClicked: dialog.close()
+            }
+            Button {
+                kind: Button.Destructive
+                text: dialog.confirmText
+                onClicked: {
+                    dialog.close();
+                    dialog.confirmed();
+                }
+            }
+        }
+    }
+    enter: Transition {
+        NumberAnimation {
+            property: "opacity"
+            from: 0
+            to: 1
+            duration: Theme.motion
+            easing.type: Easing.OutQuad
+        }
+    }
+}
