@@ -28,3 +28,9 @@ Host::Host(Platform &platform, const QString &serviceAddress)
 {
     QObject::connect(&m_account, &AccountStatus::sessionRejected, &m_flow, &FlowController::reportSignedOut);
 }
+
+void Host::launch()
+{
+    m_delegate.applicationDidFinishLaunching();
+    m_overlay.prepare();
+}

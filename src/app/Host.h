@@ -25,7 +25,7 @@ public:
     Host &operator=(const Host &) = delete;
 
     /// Puts the program to work.
-    void launch() { m_delegate.applicationDidFinishLaunching(); }
+    void launch();
 
     Keychain &keychain() { return m_keychain; }
     Defaults &defaults() { return m_preferences.defaults; }
