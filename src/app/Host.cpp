@@ -53,3 +53,9 @@ Host::Host(Platform &platform, const QString &serviceAddress)
     QObject::connect(&m_flow, &FlowController::hotkeyActiveChanged, &m_hotkeyRecorder,
                      &HotkeyRecorder::suspendRunning);
 }
+
+void Host::launch(std::function<void()> showDashboard)
+{
+    m_delegate.applicationDidFinishLaunching(std::move(showDashboard));
+    m_overlay.prepare();
+}

@@ -34,10 +34,7 @@ public:
     Host &operator=(const Host &) = delete;
 
     /// Puts the program to work; it asks for the dashboard when the user is to see it.
-    void launch(std::function<void()> showDashboard)
-    {
-        m_delegate.applicationDidFinishLaunching(std::move(showDashboard));
-    }
+    void launch(std::function<void()> showDashboard);
 
     Keychain &keychain() { return m_keychain; }
     Defaults &defaults() { return m_preferences.defaults; }

@@ -14,6 +14,8 @@ void AccessiblePanel::install()
         auto *window = dynamic_cast<PanelWindow *>(object);
         return window ? new AccessiblePanel(*window) : nullptr; // owned by Qt
     });
+    // The question alone makes Qt look for screen readers; they would miss what is said before.
+    QAccessible::isActive();
 }
 
 void AccessiblePanel::announce(PanelWindow &window)

@@ -3,7 +3,6 @@
 #include "platform/PanelContent.h"
 
 #include <QAccessible>
-#include <QBitmap>
 #include <QPaintEvent>
 #include <QPainter>
 
@@ -14,19 +13,6 @@ namespace {
 constexpr QMargins shadowMargins(PanelShadow::reach, PanelShadow::reach, PanelShadow::reach,
                                  PanelShadow::reach);
 
-/// The points of a rounded rectangle.
-QRegion outline(const QSize &size, double radius)
-{
-    QBitmap mask(size);
-    mask.clear();
-    QPainter painter(&mask);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(Qt::color1);
-    painter.drawRoundedRect(QRectF(QPointF(0, 0), size.toSizeF()), radius, radius);
-    painter.end();
-    return mask;
-}
-
 } // namespace
 
 PanelWindow::PanelWindow(PanelContent &content) : m_content(content)
@@ -34,7 +20,7 @@ PanelWindow::PanelWindow(PanelContent &content) : m_content(content)
     setTitle(u"Sayvane overlay"_s);
     // A window that the window manager leaves alone: it gets no focus, is on no list of windows, and is on
     // every desktop.
-    setFlags(Qt::ToolTip | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint |
+    setFlags(Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint |
              Qt::WindowDoesNotAcceptFocus | Qt::WindowTransparentForInput);
     QSurfaceFormat translucent = format();
     translucent.setAlphaBufferSize(8);
@@ -47,7 +33,6 @@ void PanelWindow::place(const QRect &panel, double cornerRadius, bool isComposit
     m_cornerRadius = cornerRadius;
     m_isComposited = isComposited;
     setGeometry(isComposited ? panel.marginsAdded(shadowMargins) : panel);
-    setMask(isComposited ? QRegion() : outline(panel.size(), cornerRadius));
     update();
 }
 

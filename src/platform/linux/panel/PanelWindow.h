@@ -7,7 +7,7 @@
 class PanelContent;
 
 /// The window of a floating panel. Beside a compositor it is translucent and larger than the panel by the
-/// shadow around it; else it is exactly as large and cut to the panel's outline.
+/// shadow around it; else it is exactly as large.
 class PanelWindow final : public QRasterWindow
 {
 public:

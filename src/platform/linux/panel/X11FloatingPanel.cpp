@@ -9,11 +9,23 @@
 #include <QGuiApplication>
 #include <QScreen>
 
+namespace {
+
+/// The connection of the windows, apart from the program's own; what concerns a window is asked for there,
+/// where the window exists by then.
+xcb_connection_t *windowConnection()
+{
+    return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+}
+
+} // namespace
+
 X11FloatingPanel::X11FloatingPanel(PanelContent &content, X11Connection &connection)
     : m_content(content),
       m_connection(connection),
       m_compositor(connection),
-      m_window(content)
+      m_window(content),
+      m_outline(windowConnection(), static_cast<xcb_window_t>(m_window.winId()))
 {
     prepare();
     connect(&m_compositor, &Compositor::changed, this, &X11FloatingPanel::screensChanged);
@@ -30,17 +42,18 @@ X11FloatingPanel::X11FloatingPanel(PanelContent &content, X11Connection &connect
 
 void X11FloatingPanel::prepare()
 {
-    m_window.create();
-    const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    const auto window = static_cast<xcb_window_t>(m_window.winId());
-    // On the connection that made the window, so that it exists by then. The type tells compositors which
-    // of their effects to leave away; the shadow is drawn by the window itself.
-    const xcb_atom_t type = m_connection.atoms()["_NET_WM_WINDOW_TYPE_NOTIFICATION"];
-    xcb_change_property(x11->connection(), XCB_PROP_MODE_REPLACE, window,
-                        m_connection.atoms()["_NET_WM_WINDOW_TYPE"], XCB_ATOM_ATOM, 32, 1, &type);
-    const uint32_t noShadow = 0;
-    xcb_change_property(x11->connection(), XCB_PROP_MODE_REPLACE, window,
-                        m_connection.atoms()["_COMPTON_SHADOW"], XCB_ATOM_CARDINAL, 32, 1, &noShadow);
+    // The type and these two keep compositors from drawing a shadow of their own around the window's.
+    setProperty("_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM,
+                {m_connection.atoms()["_NET_WM_WINDOW_TYPE_NOTIFICATION"]});
+    setProperty("_GTK_FRAME_EXTENTS", XCB_ATOM_CARDINAL, QList<uint32_t>(4, PanelShadow::reach));
+    setProperty("_COMPTON_SHADOW", XCB_ATOM_CARDINAL, {0});
+}
+
+void X11FloatingPanel::setProperty(const QByteArray &name, xcb_atom_t type, const QList<uint32_t> &values)
+{
+    xcb_change_property(windowConnection(), XCB_PROP_MODE_REPLACE,
+                        static_cast<xcb_window_t>(m_window.winId()), m_connection.atoms()[name], type, 32,
+                        static_cast<uint32_t>(values.size()), values.constData());
 }
 
 void X11FloatingPanel::watch(QScreen *screen)
@@ -72,6 +85,11 @@ void X11FloatingPanel::show(const QRect &frame, double cornerRadius)
     if (QScreen *screen = QGuiApplication::screenAt(frame.center()); screen && screen != m_window.screen())
         m_window.setScreen(screen);
     m_window.place(frame, cornerRadius, m_compositor.isRunning());
+    const double scale = m_window.devicePixelRatio();
+    if (m_compositor.isRunning())
+        m_outline.clear();
+    else
+        m_outline.cut((frame.size().toSizeF() * scale).toSize(), cornerRadius * scale);
     m_window.show();
     m_window.raise();
 }

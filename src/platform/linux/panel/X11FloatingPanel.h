@@ -2,6 +2,7 @@
 
 #include "platform/FloatingPanel.h"
 #include "platform/linux/panel/Compositor.h"
+#include "platform/linux/panel/PanelOutline.h"
 #include "platform/linux/panel/PanelWindow.h"
 
 class PanelContent;
@@ -23,6 +24,7 @@ public:
 
 private:
     void prepare();
+    void setProperty(const QByteArray &name, xcb_atom_t type, const QList<uint32_t> &values);
     void watch(QScreen *screen);
     void screensChanged();
 
@@ -30,4 +32,5 @@ private:
     X11Connection &m_connection;
     Compositor m_compositor;
     PanelWindow m_window;
+    PanelOutline m_outline;
 };
