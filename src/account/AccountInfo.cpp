@@ -1,8 +1,10 @@
 #include "account/AccountInfo.h"
 
 #include "account/AccountStatus.h"
+#include "support/JsonMembers.h"
 #include "support/Text.h"
 
+#include <QJsonDocument>
 #include <QStringList>
 
 using namespace Qt::StringLiterals;
@@ -16,6 +18,19 @@ QString capitalized(const QString &text)
 }
 
 } // namespace
+
+std::optional<AccountInfo> AccountInfo::decode(const QByteArray &json)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(json);
+    JsonMembers members(document.object());
+    const AccountInfo info{.email = members.text("email"_L1),
+                           .plan = members.text("plan"_L1),
+                           .status = members.text("status"_L1),
+                           .dailyMinutes = members.wholeNumber("dailyMinutes"_L1),
+                           .usedTodaySeconds = members.wholeNumber("usedTodaySeconds"_L1),
+                           .remainingSeconds = members.wholeNumber("remainingSeconds"_L1)};
+    return document.isObject() && members.isSound() ? std::optional(info) : std::nullopt;
+}
 
 QString AccountInfo::summary() const
 {

@@ -16,6 +16,9 @@ struct AccountInfo
 
     bool operator==(const AccountInfo &) const = default;
 
+    /// None when a fact is not of its type.
+    static std::optional<AccountInfo> decode(const QByteArray &json);
+
     /// One line describing the account, such as "Pro plan, active. 30 minutes a day."
     QString summary() const;
 };

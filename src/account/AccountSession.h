@@ -1,8 +1,11 @@
 #pragma once
 
+#include "account/AccountError.h"
+
 #include <QDateTime>
 #include <QString>
 
+#include <expected>
 #include <optional>
 
 /// A verified sign-in to the hosted service.
@@ -15,4 +18,8 @@ struct AccountSession
     std::optional<QDateTime> expiresAt;
 
     bool operator==(const AccountSession &) const = default;
+
+    /// The session in the service's answer to a code. `typedEmail` serves where the service names no address.
+    static std::expected<AccountSession, AccountError> decode(const QByteArray &json,
+                                                              const QString &typedEmail);
 };

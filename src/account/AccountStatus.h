@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QVariant>
 
 #include <optional>
 
@@ -15,6 +16,17 @@ struct AccountSession;
 class AccountStatus final : public QObject
 {
     Q_OBJECT
+    Q_PROPERTY(bool signedIn READ signedIn NOTIFY changed)
+    /// Empty when not known.
+    Q_PROPERTY(QString email READ emailText NOTIFY changed)
+    /// One line describing the account; empty when nothing is known of it.
+    Q_PROPERTY(QString summary READ summary NOTIFY changed)
+    /// Undefined when not known.
+    Q_PROPERTY(QVariant dailyMinutes READ dailyMinutes NOTIFY changed)
+    /// Undefined when not known.
+    Q_PROPERTY(QVariant remainingSeconds READ remainingSecondsValue NOTIFY changed)
+    /// What is left today in words; empty when not known.
+    Q_PROPERTY(QString remainingText READ remainingText NOTIFY changed)
 public:
     AccountStatus(const AccountSessionStore &sessions, Prefs &prefs);
 
@@ -23,6 +35,12 @@ public:
     const std::optional<AccountInfo> &info() const { return m_info; }
     /// Seconds of dictation left today, never negative; none until the service said so.
     std::optional<qint64> remainingSeconds() const { return m_remainingSeconds; }
+
+    QString summary() const { return m_info ? m_info->summary() : QString(); }
+    QString remainingText() const
+    {
+        return m_remainingSeconds ? minutesText(*m_remainingSeconds) : QString();
+    }
 
     /// Takes over a freshly verified session.
     void adopt(const AccountSession &session);
@@ -39,7 +57,7 @@ public:
     void setRemainingSeconds(qint64 seconds);
 
     /// An amount of time left in words, such as "4 minutes".
-    static QString minutesText(qint64 seconds);
+    Q_INVOKABLE static QString minutesText(qint64 seconds);
 
 Q_SIGNALS:
     void changed();
@@ -47,6 +65,10 @@ Q_SIGNALS:
     void sessionRejected();
 
 private:
+    QString emailText() const { return m_email.value_or(QString()); }
+    QVariant dailyMinutes() const;
+    QVariant remainingSecondsValue() const;
+
     Prefs &m_prefs;
     bool m_signedIn = false;
     std::optional<QString> m_email;

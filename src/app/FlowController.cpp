@@ -29,12 +29,15 @@ constexpr qsizetype historyLength = 50;
 } // namespace
 
 FlowController::FlowController(Platform &platform, Defaults &defaults, const Prefs &prefs,
-                               Transcriber &transcriber, HistoryStore &historyStore)
+                               Transcriber &transcriber, LabsClient &labs, const LabsAnswerMode &answerMode,
+                               HistoryStore &historyStore)
     : m_platform(platform),
       m_clock(platform.clock),
       m_defaults(defaults),
       m_prefs(prefs),
       m_transcriber(transcriber),
+      m_labs(labs),
+      m_answerMode(answerMode),
       m_historyStore(historyStore),
       m_recorder(platform.microphone, platform.folders, platform.volumes),
       m_overlay(platform.clock),

@@ -19,6 +19,8 @@
 
 class Defaults;
 class HistoryStore;
+class LabsAnswerMode;
+class LabsClient;
 class Prefs;
 class SoundPlayer;
 class Transcriber;
@@ -38,7 +40,7 @@ public:
     static constexpr qint64 minimumFileSize = 16000;
 
     FlowController(Platform &platform, Defaults &defaults, const Prefs &prefs, Transcriber &transcriber,
-                   HistoryStore &historyStore);
+                   LabsClient &labs, const LabsAnswerMode &answerMode, HistoryStore &historyStore);
     ~FlowController() override;
 
     FlowState state() const { return m_state; }
@@ -99,6 +101,7 @@ private:
 
     QCoro::Task<> transcribeAndDeliver(QString filePath, double duration, qint64 fileSize);
     QCoro::Task<Draft> cleanedUp(Draft draft, std::stop_token stop);
+    QCoro::Task<Draft> answered(Draft draft, std::stop_token stop);
     QCoro::Task<> paste(QString text, std::stop_token stop);
     void deliverCapture(const Draft &draft);
     Dictation record(const Draft &draft, double duration, qint64 fileSize) const;
@@ -123,6 +126,8 @@ private:
     Defaults &m_defaults;
     const Prefs &m_prefs;
     Transcriber &m_transcriber;
+    LabsClient &m_labs;
+    const LabsAnswerMode &m_answerMode;
     HistoryStore &m_historyStore;
 
     AudioRecorder m_recorder;

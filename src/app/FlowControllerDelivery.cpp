@@ -3,6 +3,9 @@
 #include "app/FlowText.h"
 #include "app/TemporaryFile.h"
 #include "history/HistoryStore.h"
+#include "labs/LabsAnswerMode.h"
+#include "labs/LabsClient.h"
+#include "settings/Defaults.h"
 #include "settings/Prefs.h"
 #include "speech/Transcriber.h"
 
@@ -46,6 +49,11 @@ QCoro::Task<> FlowController::transcribeAndDeliver(QString filePath, double dura
     }
     if (m_pendingCapture)
         co_return deliverCapture(draft);
+    if (m_prefs.provider() == Provider::sayvane && m_answerMode.enabled()) {
+        draft = co_await answered(draft, stop);
+        if (stop.stop_requested())
+            co_return;
+    }
 
     setLastTranscript(draft.text);
     m_historyStore.append(record(draft, duration, fileSize));
@@ -75,6 +83,24 @@ QCoro::Task<FlowController::Draft> FlowController::cleanedUp(Draft draft, std::s
         if (m_prefs.provider() != Provider::sayvane)
             draft.chatModel = m_prefs.chatModel();
     }
+    co_return draft;
+}
+
+QCoro::Task<FlowController::Draft> FlowController::answered(Draft draft, std::stop_token stop)
+{
+    m_overlay.show(FlowState::idle, u"Answering…"_s, OverlayTone::warning);
+    const LabsProvider provider =
+        LabsProviderNames::fromRawValue(m_defaults.textOrEmpty(PrefsKey::labsProvider))
+            .value_or(LabsProvider::claude);
+    const QString question = draft.text;
+    const QString language = m_prefs.language();
+    const QString context;
+    const auto answer = co_await m_labs.answer(question, provider, LabsMode::answer, language, context, stop);
+    if (answer)
+        draft.text = answer->text;
+    else
+        draft.notice =
+            u"Pasted transcript. Answer mode failed: "_s + FlowText::shortened(answer.error().message);
     co_return draft;
 }
 

@@ -1,11 +1,16 @@
 #pragma once
 
+#include "account/AccountClient.h"
 #include "account/AccountSessionStore.h"
+#include "account/AccountSignIn.h"
 #include "account/AccountStatus.h"
 #include "account/Credentials.h"
 #include "app/AppDelegate.h"
 #include "app/FlowController.h"
 #include "history/HistoryStore.h"
+#include "labs/LabsAnswerMode.h"
+#include "labs/LabsClient.h"
+#include "labs/LabsSession.h"
 #include "settings/Defaults.h"
 #include "settings/Keychain.h"
 #include "settings/Prefs.h"
@@ -31,6 +36,11 @@ public:
     Prefs &prefs() { return m_preferences.prefs; }
     AccountSessionStore &sessions() { return m_sessions; }
     AccountStatus &account() { return m_account; }
+    AccountClient &accountClient() { return m_accountClient; }
+    AccountSignIn &signIn() { return m_signIn; }
+    LabsClient &labsClient() { return m_labsClient; }
+    LabsSession &labs() { return m_labs; }
+    LabsAnswerMode &answerMode() { return m_answerMode; }
     HistoryStore &history() { return m_history; }
     Transcriber &transcriber() { return m_transcriber; }
     FlowController &flow() { return m_flow; }
@@ -49,6 +59,11 @@ private:
     AccountSessionStore m_sessions;
     AccountStatus m_account;
     Credentials m_credentials;
+    AccountClient m_accountClient;
+    AccountSignIn m_signIn;
+    LabsClient m_labsClient;
+    LabsSession m_labs;
+    LabsAnswerMode m_answerMode;
     HistoryStore m_history;
     Transcriber m_transcriber;
     FlowController m_flow;

@@ -8,6 +8,9 @@
 #include <QTimeZone>
 #include <QUrl>
 
+#include <algorithm>
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -80,6 +83,15 @@ void Prefs::setAccountEmail(const QString &email)
         m_defaults.remove(PrefsKey::accountEmail);
     else
         m_defaults.set(PrefsKey::accountEmail, trimmed);
+}
+
+std::optional<QDateTime> Prefs::labsAnswerModeExpiresAt() const
+{
+    static constexpr double longest = 1e11; // seconds: beyond all years, within what a date can hold
+    const double seconds = m_defaults.number(PrefsKey::labsAnswerModeExpiresAt).value_or(0);
+    if (!(seconds > 0))
+        return std::nullopt;
+    return referenceDate.addMSecs(std::llround(std::min(seconds, longest) * 1000));
 }
 
 void Prefs::setLabsAnswerModeExpiresAt(const std::optional<QDateTime> &date)

@@ -56,7 +56,9 @@ public:
     QString accountEmail() const;
     void setAccountEmail(const QString &email);
 
-    /// When answer mode ends; none switches it off.
+    /// When answer mode ends; none when it is off.
+    std::optional<QDateTime> labsAnswerModeExpiresAt() const;
+    /// None switches it off.
     void setLabsAnswerModeExpiresAt(const std::optional<QDateTime> &date);
 
     /// The spoken language's code without spaces and tabs around it; empty for automatic detection.

@@ -1,10 +1,10 @@
 #include "speech/ServiceFailure.h"
 
-#include "support/Json.h"
+#include "account/ServiceErrorBody.h"
+#include "support/JsonMembers.h"
 #include "support/Text.h"
 
 #include <QJsonDocument>
-#include <QJsonObject>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -23,34 +23,17 @@ bool isRateLimit(const std::optional<QString> &code)
     return code == "rate_limited"_L1 || code == "upstream_rate_limited"_L1;
 }
 
-bool isAbsent(const QJsonValue &value)
-{
-    return value.isUndefined() || value.isNull();
-}
-
 } // namespace
 
 std::optional<AccountErrorBody> AccountErrorBody::decode(const QByteArray &json)
 {
     const QJsonDocument document = QJsonDocument::fromJson(json);
-    if (!document.isObject())
+    const auto error = ServiceErrorBody::decode(document.object());
+    JsonMembers members(document.object());
+    const auto remainingSeconds = members.wholeNumber("remainingSeconds"_L1);
+    if (!document.isObject() || !error || !members.isSound())
         return std::nullopt;
-    const QJsonValue error = document.object().value("error"_L1);
-    const QJsonValue code = error.toObject().value("code"_L1);
-    const QJsonValue message = error.toObject().value("message"_L1);
-    const QJsonValue remaining = document.object().value("remainingSeconds"_L1);
-    const auto remainingSeconds = Json::wholeNumber(remaining);
-    if (!(isAbsent(error) || error.isObject()) || !(isAbsent(code) || code.isString()) ||
-        !(isAbsent(message) || message.isString()) || !(isAbsent(remaining) || remainingSeconds))
-        return std::nullopt;
-
-    AccountErrorBody body;
-    if (const QString normalised = code.toString().trimmed().toLower(); !normalised.isEmpty())
-        body.code = normalised;
-    if (message.isString())
-        body.message = message.toString();
-    body.remainingSeconds = remainingSeconds;
-    return body;
+    return AccountErrorBody{error->code, error->message, remainingSeconds};
 }
 
 std::optional<std::chrono::milliseconds>

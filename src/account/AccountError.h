@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+/// Why a request to the account's service failed, with the one complete sentence that the user sees.
+struct AccountError
+{
+    /// The service's own code, trimmed and lower-cased, or one of ours: "network", "bad_response",
+    /// "unauthorized", "cancelled".
+    std::optional<QString> code;
+    QString message;
+    std::optional<qint64> retryAfterSeconds; ///< of rate limits only, when the service told
+
+    bool operator==(const AccountError &) const = default;
+
+    bool isRateLimited() const;
+
+    static AccountError network();
+    static AccountError invalidAddress();
+    static AccountError badResponse(const QString &message);
+    /// The answer is not what the protocol says.
+    static AccountError unreadable();
+    /// The one who asked no longer wants to know; nobody should show it.
+    static AccountError cancelled();
+};

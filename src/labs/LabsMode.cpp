@@ -1,0 +1,30 @@
+#include "labs/LabsMode.h"
+
+using namespace Qt::StringLiterals;
+
+QString LabsModes::rawValue(LabsMode mode)
+{
+    return title(mode).toLower();
+}
+
+std::optional<LabsMode> LabsModes::fromRawValue(const QString &rawValue)
+{
+    for (const LabsMode mode : allCases) {
+        if (LabsModes::rawValue(mode) == rawValue)
+            return mode;
+    }
+    return std::nullopt;
+}
+
+QString LabsModes::title(LabsMode mode)
+{
+    switch (mode) {
+    case LabsMode::answer:
+        return u"Answer"_s;
+    case LabsMode::reply:
+        return u"Reply"_s;
+    case LabsMode::rewrite:
+        return u"Rewrite"_s;
+    }
+    Q_UNREACHABLE();
+}
