@@ -9,7 +9,7 @@
 #include "settings/Prefs.h"
 #include "support/FakeMachine.h"
 
-#include <QJsonDocument>
+#include <memory>
 
 /// The account's objects over a fake machine on which nobody is signed in.
 class AccountFixture
@@ -25,14 +25,12 @@ public:
     QString sent() const
     {
         const HttpRequest &request = machine.http.requests.last();
-        QString token = QStringLiteral("-");
+        QByteArray line = request.method + ' ' + request.url.path().toUtf8() + " -";
         for (const auto &[name, value] : request.headers) {
             if (name == "Authorization")
-                token = QString::fromUtf8(value).remove(QStringLiteral("Bearer "));
+                line.replace(line.size() - 1, 1, QByteArray(value).replace("Bearer ", ""));
         }
-        return QStringList{QString::fromUtf8(request.method), request.url.path(), token,
-                           QString::fromUtf8(request.body)}
-            .join(u' ');
+        return QString::fromUtf8(line + ' ' + request.body);
     }
 
     FakeMachine machine;
@@ -42,5 +40,6 @@ public:
     AccountSessionStore sessions{keychain};
     AccountStatus account{sessions, prefs};
     AccountClient client{{prefs, sessions, account, machine.http, machine.clock}};
-    AccountSignIn signInModel{{client, sessions, account, keychain, machine.computerName, machine.clock}};
+    std::unique_ptr<AccountSignIn> signInModel = std::make_unique<AccountSignIn>(
+        AccountSignIn::Collaborators{client, sessions, account, keychain, machine.computerName, machine.clock});
 };
