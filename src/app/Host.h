@@ -31,6 +31,7 @@ public:
     Prefs &prefs() { return m_preferences.prefs; }
     AccountSessionStore &sessions() { return m_sessions; }
     AccountStatus &account() { return m_account; }
+    const Credentials &credentials() const { return m_credentials; }
     HistoryStore &history() { return m_history; }
     Transcriber &transcriber() { return m_transcriber; }
     FlowController &flow() { return m_flow; }
