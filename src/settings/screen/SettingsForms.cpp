@@ -8,7 +8,7 @@ SettingsForms::SettingsForms(SettingsCollaborators with) : m_with(std::move(with
 {
 }
 
-SettingsView *SettingsForms::open(QObject *owner)
+QObject *SettingsForms::open(QObject *owner)
 {
     return new SettingsView(m_with, owner);
 }

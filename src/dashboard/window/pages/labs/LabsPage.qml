@@ -9,9 +9,14 @@ ScrollPane {
     readonly property bool usable: model.usable
 
     widest: 720
-    onVisibleChanged: if (visible) model.appear()
-    Component.onCompleted: model.appear()
-    onUsableChanged: if (visible) model.appear()
+    onVisibleChanged: appear()
+    Component.onCompleted: appear()
+    onUsableChanged: appear()
+
+    function appear() {
+        if (visible)
+            Qt.callLater(model.appear); // it changes what is being read here
+    }
 
     Column {
         width: parent.width
