@@ -1,5 +1,7 @@
 #include "dashboard/DayGroup.h"
 
+#include "history/LocalDays.h"
+
 #include <QHash>
 #include <QLocale>
 
@@ -33,25 +35,18 @@ QList<DayGroup> DayGroup::groupsOf(const QList<Dictation> &records, const QDateT
                                    const QTimeZone &zone)
 {
     QList<DayGroup> groups;
-    QHash<QDate, qsizetype> places;
-    const QDate today = now.toTimeZone(zone).date();
-    // Neighbours are mostly of one day, and asking the calendar costs far more than comparing.
-    QDateTime dayBegins;
-    QDateTime dayEnds;
-    qsizetype place = -1;
+    QHash<qint64, qsizetype> places;
+    LocalDays days(zone);
+    const QDate today = QDate::fromJulianDay(days.dayOf(now));
     for (const Dictation &record : records) {
-        if (place < 0 || record.date < dayBegins || record.date >= dayEnds) {
-            const QDate day = record.date.toTimeZone(zone).date();
-            dayBegins = day.startOfDay(zone).toUTC();
-            dayEnds = day.addDays(1).startOfDay(zone).toUTC();
-            place = places.value(day, -1);
-            if (place < 0) {
-                place = groups.size();
-                places.insert(day, place);
-                groups.append({day, titleOf(day, today), {}});
-            }
+        const qint64 day = days.dayOf(record.date);
+        auto place = places.constFind(day);
+        if (place == places.cend()) {
+            place = places.insert(day, groups.size());
+            const QDate date = QDate::fromJulianDay(day);
+            groups.append({date, titleOf(date, today), {}});
         }
-        groups[place].items.append(record);
+        groups[*place].items.append(record);
     }
     return groups;
 }

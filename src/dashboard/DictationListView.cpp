@@ -34,10 +34,7 @@ QString DictationListView::greeting() const
 
 QVariantList DictationListView::figures() const
 {
-    QVariantList figures;
-    for (const Figure &figure : StatsCard::figures(m_store.stats()))
-        figures.append(QVariant::fromValue(figure));
-    return figures;
+    return Figure::list(StatsCard::figures(m_store.stats()));
 }
 
 void DictationListView::setSearch(const QString &search)

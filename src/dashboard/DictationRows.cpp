@@ -8,7 +8,8 @@ namespace {
 constexpr int manyChanges = 64;
 
 /// The stretches of rows for which the test holds, first to last.
-template <typename Rows, typename Test> QList<std::pair<int, int>> stretches(const Rows &rows, Test test)
+template <typename Rows, typename Test>
+QList<std::pair<int, int>> stretches(const Rows &rows, Test test)
 {
     QList<std::pair<int, int>> found;
     for (int i = 0; i < static_cast<int>(rows.size()); ++i) {

@@ -6,7 +6,7 @@
 
 /// The rows of the dictations list. A change tells only of the rows that came, went or look different, so
 /// that the list stays where the user scrolled it.
-class DictationRows final : public QAbstractListModel
+class DictationRows : public QAbstractListModel
 {
     Q_OBJECT
 public:
@@ -14,7 +14,7 @@ public:
         dayRole = Qt::UserRole, ///< the title of its group
         timeRole,
         textRole,
-        timingRole,     ///< empty when it was not timed
+        timingRole, ///< empty when it was not timed
         lastOfDayRole,
     };
 

@@ -63,11 +63,9 @@ void DictionaryView::refresh()
     // stays where it is.
     const QStringList before = m_rows.stringList();
     const QStringList after = terms();
-    const auto [oldBegin, newBegin] =
-        std::mismatch(before.begin(), before.end(), after.begin(), after.end());
-    const auto [oldEnd, newEnd] =
-        std::mismatch(before.rbegin(), std::make_reverse_iterator(oldBegin), after.rbegin(),
-                      std::make_reverse_iterator(newBegin));
+    const auto [oldBegin, newBegin] = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
+    const auto [oldEnd, newEnd] = std::mismatch(before.rbegin(), std::make_reverse_iterator(oldBegin),
+                                                after.rbegin(), std::make_reverse_iterator(newBegin));
     const int first = static_cast<int>(oldBegin - before.begin());
     const int gone = static_cast<int>(oldEnd.base() - oldBegin);
     const int come = static_cast<int>(newEnd.base() - newBegin);

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QVariantList>
 
 /// A number in words, and what it counts.
 struct Figure
@@ -14,4 +15,10 @@ public:
     QString label;
 
     bool operator==(const Figure &) const = default;
+
+    /// With exactly so many decimals and a point, rounded as C's printf does.
+    static QString decimal(double number, int decimals);
+
+    /// The figures as QML takes a list.
+    static QVariantList list(const QList<Figure> &figures);
 };

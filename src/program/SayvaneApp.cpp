@@ -7,6 +7,8 @@
 #include <QLoggingCategory>
 #include <QSessionManager>
 
+#include <algorithm>
+
 namespace {
 
 Q_LOGGING_CATEGORY(log, "com.sayvane.app")
@@ -17,6 +19,9 @@ SayvaneApp::SayvaneApp(Platform &platform, const QString &serviceAddress)
     : m_leftRecordings(platform.folders, platform.clock),
       m_host(platform, serviceAddress),
       m_mainMenuKeys(m_mainMenu),
+      m_windows(m_host, platform,
+                {.installMainMenu = [this] { m_mainMenu.installIfNeeded(); },
+                 .cancelShortcutCapture = [this] { m_host.hotkeyRecorder().cancel(); }}),
       m_settings(
           m_mainMenu, [] {}, [this] { return openSection(QStringLiteral("settings")); },
           [] { return false; }),
@@ -26,7 +31,7 @@ SayvaneApp::SayvaneApp(Platform &platform, const QString &serviceAddress)
               .answerMode = m_host.answerMode(),
               .defaults = m_host.defaults(),
               .pasteboard = platform.pasteboard},
-             {.openDashboard = [this] { openSection({}); },
+             {.openDashboard = [this] { m_windows.openDashboard(); },
               .openSettings = [this] { m_settings.open(); },
               .quit = &QCoreApplication::quit}),
       m_tray(m_host.flow(), m_menu),
@@ -66,10 +71,18 @@ void SayvaneApp::launch(const QString &profile)
     if (!m_control.publish(profile))
         qCWarning(log, "The session bus is not to be had: the command line cannot reach this program.");
     m_tray.show();
-    m_host.launch([this] { openSection({}); });
+    m_host.launch([this] { m_windows.openDashboard(); });
 }
 
-bool SayvaneApp::openSection(const QString &)
+bool SayvaneApp::openSection(const QString &section)
 {
+    const auto named = std::ranges::find_if(DashboardSection::allCases, [&](DashboardSection::Id id) {
+        return DashboardSection(id).rawValue() == section;
+    });
+    if (named != DashboardSection::allCases.end())
+        m_windows.navigation().setSection(*named);
+    else if (!section.isEmpty())
+        return false;
+    m_windows.openDashboard();
     return true;
 }

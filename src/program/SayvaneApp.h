@@ -8,12 +8,14 @@
 #include "program/MainMenuKeys.h"
 #include "recovery/LeftRecordings.h"
 #include "tray/TrayIcon.h"
+#include "windows/Windows.h"
 
 #include <QObject>
 
 struct Platform;
 
-/// The program that stays: its windowless part, what shows it in the panel, and what others reach it by.
+/// The program that stays: its windowless part, its windows, what shows it in the panel, and what
+/// others reach it by.
 class SayvaneApp final : public QObject
 {
     Q_OBJECT
@@ -33,6 +35,7 @@ private:
     Host m_host;
     MainMenu m_mainMenu;
     MainMenuKeys m_mainMenuKeys;
+    Windows m_windows;
     SettingsOpener m_settings;
     MenuView m_menu;
     TrayIcon m_tray;

@@ -20,7 +20,7 @@ WindowEngine::~WindowEngine() = default;
 
 std::unique_ptr<QQuickWindow> WindowEngine::makeWindow(const QString &typeName, const QVariantMap &properties)
 {
-    QQmlComponent component(&m_engine, QUrl(u"qrc:/qml/Sayvane/%1.qml"_s.arg(typeName)));
+    QQmlComponent component(&m_engine, QUrl(u"qrc:/qml/Sayvane/pages/%1.qml"_s.arg(typeName)));
     std::unique_ptr<QObject> object(component.createWithInitialProperties(properties));
     if (!object || !qobject_cast<QQuickWindow *>(object.get()))
         qFatal("The window could not be made: %s", qPrintable(component.errorString()));
