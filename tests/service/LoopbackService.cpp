@@ -27,6 +27,7 @@ LoopbackService::Running::Running(LoopbackService &owner, AccountRoutes::SignUps
                  owner.m_code = QString::fromStdString(code.digits);
                  owner.m_device = QString::fromStdString(device);
              }),
+      labs(server, accounts, *owner.m_assistants),
       port(server.bind("127.0.0.1", 0)),
       thread([this] { server.serve(); })
 {

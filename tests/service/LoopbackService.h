@@ -3,6 +3,7 @@
 #include "Exchange.h"
 
 #include "service/AccountRoutes.h"
+#include "service/LabsRoutes.h"
 
 #include <QTemporaryDir>
 
@@ -18,8 +19,11 @@ public:
     explicit LoopbackService(AccountRoutes::SignUps signUps = AccountRoutes::SignUps::open);
     ~LoopbackService();
 
+    void end() { m_running.reset(); }
     /// Ends the server and starts another one on the same data.
     void restart(AccountRoutes::SignUps signUps = AccountRoutes::SignUps::open);
+    /// The assistants that the next server has.
+    void configure(const Assistants &assistants) { m_assistants = std::make_unique<Assistants>(assistants); }
     void advance(std::chrono::seconds time) { m_seconds += time.count(); }
 
     Exchange::Answer post(const char *path, const QJsonObject &body, const QByteArray &token = {});
@@ -44,6 +48,7 @@ private:
         SignIns signIns;
         HttpsServer server;
         AccountRoutes routes;
+        LabsRoutes labs;
         int port;
         std::thread thread;
     };
@@ -55,5 +60,6 @@ private:
     std::mutex m_mutex; // for what is shown, by the server's threads
     QString m_code;
     QString m_device;
+    std::unique_ptr<Assistants> m_assistants = std::make_unique<Assistants>();
     std::unique_ptr<Running> m_running;
 };
