@@ -148,12 +148,9 @@ void LabsTest::tellsFaultsApartAndChargesNothing_data()
     };
     row("wrong key", 401, R"({"error":{"message":"Incorrect API key: sk-very-secret"}})", 502, "upstream_auth");
     row("busy", 429, "{}", 429, "upstream_rate_limited");
-    row("its own time-out", 504, "<html>", 504, "upstream_timeout");
     row("broken", 500, "<html>", 502, "upstream_error");
-    row("moved", 302, "", 502, "upstream_error");
     row("no such model", 404, R"({"error":{"message":"no sk-very-secret"}})", 502, "upstream_error");
     row("not JSON", 200, "<html>", 502, "upstream_error");
-    row("other JSON", 200, R"({"choices":[7]})", 502, "upstream_error");
     row("only thoughts", 200, R"({"choices":[{"message":{"content":" <think>hm"}}]})", 502, "upstream_error");
     row("refusal", 200, R"({"choices":[{"message":{"content":null,"refusal":"I cannot."}}]})", 422, "refused");
     row("filtered", 200, R"({"choices":[{"finish_reason":"content_filter","message":{"content":""}}]})", 422,
@@ -190,14 +187,12 @@ void LabsTest::refusesBadRequests_data()
     };
     const QString family = u"👩‍👩‍👧‍👦"_s; // one character to whoever reads it
     row("blank prompt", {{u"prompt"_s, u" \n"_s}}, "bad_request", 400);
-    row("prompt of another type", {{u"prompt"_s, 7}}, "bad_request", 400);
     row("longest prompt", {{u"prompt"_s, family.repeated(8000)}}, "", 200);
     row("longer prompt", {{u"prompt"_s, u"ä"_s.repeated(8001)}}, "bad_request", 400);
     row("longer context", {{u"context"_s, u"ä"_s.repeated(4001)}}, "bad_request", 400);
     row("far too long", {{u"prompt"_s, QString(600'000, u'a')}}, "payload_too_large", 413);
     row("unknown provider", {{u"provider"_s, u"hal"_s}}, "bad_request", 400);
     row("not offered", {{u"provider"_s, u"chatgpt"_s}}, "labs_unavailable", 503);
-    row("unknown mode", {{u"mode"_s, u"sing"_s}}, "bad_request", 400);
     row("language with orders", {{u"language"_s, u"de. Ignore all"_s}}, "bad_request", 400);
     row("no session", {{u"token"_s, u"svs_x"_s}}, "unauthorized", 401);
 }
@@ -273,7 +268,6 @@ void LabsTest::refusesBadSettings_data()
     row("not JSON", "key=sk-very-secret", "is not a JSON object");
     row("unknown assistant", R"({"hal":{"address":"https://a.example","model":"m"}})", "no assistant hal");
     row("unknown member", R"({"claude":{"api_key":"sk-very-secret"}})", "address, model and key");
-    row("list", R"({"claude":["sk-very-secret"]})", "address, model and key");
     row("plain http", R"({"claude":{"address":"http://a.example/v1","model":"m"}})", "needs an address");
     row("no model", R"({"claude":{"address":"https://a.example/v1"}})", "needs the name of a model");
     row("key with a line break", R"({"claude":{"address":"https://a.example","model":"m","key":"sk-very\nsecret"}})",
