@@ -43,8 +43,7 @@ std::expected<std::string, Refusal> emailIn(const TextMembers &members)
         return std::unexpected(Refusal::badRequest("The request has no email."));
     auto email = EmailAddress::normalised(members["email"]);
     if (!email)
-        return std::unexpected(
-            Refusal{400, "invalid_email", "That does not look like an email address."});
+        return std::unexpected(Refusal{400, "invalid_email", "That does not look like an email address."});
     return std::move(*email);
 }
 
