@@ -4,8 +4,8 @@
 #include "service/accounts/EmailAddress.h"
 #include "service/accounts/SignInCode.h"
 #include "service/http/ClientNetwork.h"
-#include "service/http/RequestBody.h"
 #include "service/protocol/Authentication.h"
+#include "service/protocol/TextBody.h"
 #include "service/protocol/TextMembers.h"
 #include "service/text/Timestamp.h"
 #include "service/text/Utf8.h"
@@ -26,16 +26,16 @@ Refusal refusalFor(const SignIns::Failure &failure)
 {
     switch (failure.kind) {
     case SignIns::Failure::Kind::wrongCode:
-        return {400, "invalid_code", "That code is not right. Check it and try again.", {}, {}};
+        return {400, "invalid_code", "That code is not right. Check it and try again."};
     case SignIns::Failure::Kind::noCode:
-        return {400, "code_expired", "That code has expired. Ask for a new one.", {}, {}};
+        return {400, "code_expired", "That code has expired. Ask for a new one."};
     case SignIns::Failure::Kind::tooMany:
         break;
     }
     return Refusal::tooMany("Too many requests just now. Try again in a moment.", failure.wait.count());
 }
 
-const Refusal signUpsClosed{403, "signups_closed", "This server takes no new accounts.", {}, {}};
+const Refusal signUpsClosed{403, "signups_closed", "This server takes no new accounts."};
 
 std::expected<std::string, Refusal> emailIn(const TextMembers &members)
 {
@@ -43,8 +43,7 @@ std::expected<std::string, Refusal> emailIn(const TextMembers &members)
         return std::unexpected(Refusal::badRequest("The request has no email."));
     auto email = EmailAddress::normalised(members["email"]);
     if (!email)
-        return std::unexpected(
-            Refusal{400, "invalid_email", "That does not look like an email address.", {}, {}});
+        return std::unexpected(Refusal{400, "invalid_email", "That does not look like an email address."});
     return std::move(*email);
 }
 
@@ -88,7 +87,7 @@ void AccountRoutes::post(const char *path,
 {
     m_server.Post(path, [this, respond](const Request &request, httplib::Response &response,
                                         const httplib::ContentReader &reader) {
-        const auto body = RequestBody::read(request, reader, maximumBody);
+        const auto body = TextBody::read(request, reader, maximumBody);
         Reply::give(response,
                     body ? (this->*respond)(request, *body) : Reply::Outcome(std::unexpected(body.error())));
     });
@@ -185,7 +184,7 @@ Reply::Outcome AccountRoutes::revoke(const Request &request, const std::string &
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), id);
     const bool isNumber = error == std::errc() && end == text.data() + text.size();
     if (!isNumber || !m_accounts.closeSession(*account, id))
-        return std::unexpected(Refusal{404, "not_found", "That device is not signed in any more.", {}, {}});
+        return std::unexpected(Refusal{404, "not_found", "That device is not signed in any more."});
     return json::object();
 }
 

@@ -18,6 +18,7 @@ struct CommandLine
     std::filesystem::path models; ///< empty: the packaged ones
     int decoders = 0;             ///< 0: one per processor, two at most
     bool newAccounts = true;      ///< whether addresses without an account may sign in
+    std::filesystem::path labs;   ///< settings of the assistants; empty: those in the data folder, if any
     std::string email;
     std::string device = "unnamed";
     std::optional<int> dailyMinutes;

@@ -4,11 +4,11 @@
 #include "service/cleanup/Editor.h"
 #include "service/cleanup/FullStops.h"
 #include "service/http/Reply.h"
-#include "service/http/RequestBody.h"
 #include "service/protocol/Authentication.h"
 #include "service/protocol/CleanupRequest.h"
 #include "service/protocol/Language.h"
 #include "service/protocol/Refusal.h"
+#include "service/protocol/TextBody.h"
 #include "service/protocol/TranscribeForm.h"
 #include "service/text/Vocabulary.h"
 
@@ -22,12 +22,17 @@ namespace {
 using Reply::allowOnly;
 using Reply::answer;
 using Reply::refuse;
-using RequestBody::announcesMoreThan;
 
 constexpr int recordingsAtOnce = 6;
 constexpr size_t formLimit = TranscribeForm::maximumRecording + size_t{64} * 1024;
 constexpr auto speechModel = "pocketsphinx-en-us";
 constexpr auto cleanupModel = "sayvane-rules";
+
+/// Known before anything of the body is read; a body in chunks is counted while it arrives.
+bool announcesMoreThan(const httplib::Request &request, size_t limit)
+{
+    return request.get_header_value<uint64_t>("Content-Length") > limit;
+}
 
 /// The recogniser's words as a sentence, the user's terms in their own spelling.
 std::string sentence(const std::string &words, const std::string &prompt)
@@ -130,7 +135,7 @@ void Service::cleanup(const Request &request, Response &response, const httplib:
 {
     if (!authenticated(request, response))
         return;
-    const auto text = RequestBody::read(request, body, CleanupRequest::maximumBody);
+    const auto text = TextBody::read(request, body, CleanupRequest::maximumBody);
     if (!text)
         return refuse(response, text.error());
     const auto wanted = CleanupRequest::fromJson(*text);

@@ -1,5 +1,8 @@
 #include "service/text/Utf8.h"
 
+#include <unigbrk.h>
+
+#include <algorithm>
 #include <cstdint>
 
 namespace {
@@ -82,6 +85,13 @@ std::string_view Utf8::prefix(std::string_view text, size_t count)
         size += length ? length : 1;
     }
     return text.substr(0, size);
+}
+
+size_t Utf8::characters(std::string_view text)
+{
+    std::string starts(text.size(), '\0');
+    u8_grapheme_breaks(reinterpret_cast<const std::uint8_t *>(text.data()), text.size(), starts.data());
+    return static_cast<size_t>(std::ranges::count(starts, '\1'));
 }
 
 std::string Utf8::withoutControls(std::string_view text)

@@ -16,6 +16,9 @@ std::string_view trimmed(std::string_view text);
 /// Its first code points, `count` at most. This and the following expect valid UTF-8.
 std::string_view prefix(std::string_view text, size_t count);
 
+/// How many characters a reader counts in it: a letter with its accents is one (Unicode Standard Annex 29).
+size_t characters(std::string_view text);
+
 /// Without control characters, and without those that turn the direction of writing.
 std::string withoutControls(std::string_view text);
 

@@ -1,19 +1,13 @@
-#include "service/http/RequestBody.h"
+#include "service/protocol/TextBody.h"
 
-#include <cstdint>
-
-bool RequestBody::announcesMoreThan(const httplib::Request &request, size_t limit)
-{
-    return request.get_header_value<uint64_t>("Content-Length") > limit;
-}
-
-std::expected<std::string, Refusal> RequestBody::read(const httplib::Request &request,
-                                                      const httplib::ContentReader &body, size_t limit)
+std::expected<std::string, Refusal> TextBody::read(const httplib::Request &request,
+                                                   const httplib::ContentReader &body, size_t limit)
 {
     if (request.is_multipart_form_data())
         return std::unexpected(Refusal::badRequest("The request is not a JSON object in UTF-8."));
     std::string text;
-    bool tooLarge = announcesMoreThan(request, limit);
+    // A body in chunks announces no length.
+    bool tooLarge = request.get_header_value<uint64_t>("Content-Length") > limit;
     const bool complete = !tooLarge && body([&](const char *bytes, size_t size) {
         tooLarge = text.size() + size > limit;
         if (!tooLarge)
