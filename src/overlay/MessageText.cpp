@@ -21,9 +21,12 @@ MessageText::MessageText(const QString &message, const QFont &font, std::optiona
     breakLines(width.value_or(unlimited));
     if (m_layout.lineCount() > lineLimit) {
         const QTextLine last = m_layout.lineAt(lineLimit - 1);
-        const qsizetype end = last.textStart() + last.textLength();
-        m_layout.setText(m_layout.text().first(std::max<qsizetype>(0, end - 2)).trimmed() + ellipsis);
-        breakLines(width.value_or(unlimited));
+        const QString whole = m_layout.text();
+        // The ellipsis needs room on the last line.
+        for (int end = last.textStart() + last.textLength(); m_layout.lineCount() > lineLimit; --end) {
+            m_layout.setText(whole.first(end).trimmed() + ellipsis);
+            breakLines(width.value_or(unlimited));
+        }
     }
     if (!width)
         breakLines(m_size.width()); // text from right to left begins at the right end
