@@ -7,6 +7,7 @@ class Clock;
 class ComputerName;
 class DefaultsStore;
 class Folders;
+class Graphics;
 class HttpTransport;
 class KeyPoster;
 class KeyTaps;
@@ -36,4 +37,5 @@ struct Platform
     Pasteboard &pasteboard;
     Activation &activation;
     Appearance &appearance;
+    Graphics &graphics;
 };

@@ -6,6 +6,7 @@
 #include "platform/ComputerName.h"
 #include "platform/DefaultsStore.h"
 #include "platform/Folders.h"
+#include "platform/Graphics.h"
 #include "platform/KeyPoster.h"
 #include "platform/Pasteboard.h"
 #include "platform/Platform.h"
@@ -154,6 +155,12 @@ public:
     ActivationPolicy policy = ActivationPolicy::accessory;
 };
 
+class FakeGraphics final : public Graphics
+{
+public:
+    bool hasProcessor() const override { return false; }
+};
+
 class FakeAppearance final : public Appearance
 {
 public:
@@ -192,7 +199,8 @@ public:
     FakeKeyPoster keyPoster{pasteboard};
     FakeActivation activation;
     FakeAppearance appearance;
+    FakeGraphics graphics;
 
-    Platform platform{clock, folders,    volumes, defaults, secrets,   computerName, workspace,  http,
-                      trust, microphone, sounds,  keyTaps,  keyPoster, pasteboard,   activation, appearance};
+    Platform platform{clock,      folders, volumes, defaults,  secrets,    computerName, workspace,  http,    trust,
+                      microphone, sounds,  keyTaps, keyPoster, pasteboard, activation,   appearance, graphics};
 };

@@ -22,6 +22,7 @@ LinuxMachine::LinuxMachine(const Settings &settings)
                  .keyPoster = m_desktop.keyPoster(),
                  .pasteboard = m_desktop.pasteboard(),
                  .activation = m_activation,
-                 .appearance = m_appearance}
+                 .appearance = m_appearance,
+                 .graphics = m_graphics}
 {
 }
