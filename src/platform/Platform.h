@@ -8,6 +8,7 @@ class ComputerName;
 class DefaultsStore;
 class FloatingPanels;
 class Folders;
+class Graphics;
 class HttpTransport;
 class KeyPoster;
 class KeyTaps;
@@ -40,4 +41,5 @@ struct Platform
     Activation &activation;
     Appearance &appearance;
     FloatingPanels &panels;
+    Graphics &graphics;
 };

@@ -8,6 +8,7 @@ Windows::Windows(Host &host, Platform &platform, Hooks hooks)
       m_platform(platform),
       m_dashboard({.activation = platform.activation,
                    .appearance = platform.appearance,
+                   .graphics = platform.graphics,
                    .models = [this] { return models(); },
                    .installMainMenu = std::move(hooks.installMainMenu),
                    .cancelShortcutCapture = std::move(hooks.cancelShortcutCapture)})

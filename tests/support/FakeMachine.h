@@ -7,6 +7,7 @@
 #include "platform/DefaultsStore.h"
 #include "platform/FloatingPanels.h"
 #include "platform/Folders.h"
+#include "platform/Graphics.h"
 #include "platform/KeyPoster.h"
 #include "platform/LocalKeys.h"
 #include "platform/Pasteboard.h"
@@ -182,6 +183,12 @@ public:
     ActivationPolicy policy = ActivationPolicy::accessory;
 };
 
+class FakeGraphics final : public Graphics
+{
+public:
+    bool hasProcessor() const override { return false; }
+};
+
 class FakeAppearance final : public Appearance
 {
 public:
@@ -222,8 +229,9 @@ public:
     FakeActivation activation;
     FakeAppearance appearance;
     FakeFloatingPanels panels;
+    FakeGraphics graphics;
 
-    Platform platform{clock,     folders,    volumes,   defaults,   secrets,    computerName,
-                      workspace, http,       trust,     microphone, sounds,     keyTaps,
-                      keyPoster, pasteboard, localKeys, activation, appearance, panels};
+    Platform platform{clock,     folders,    volumes,    defaults, secrets, computerName, workspace,
+                      http,      trust,      microphone, sounds,   keyTaps, keyPoster,    pasteboard,
+                      localKeys, activation, appearance, panels,   graphics};
 };
