@@ -42,6 +42,7 @@ public:
     LabsClient &labsClient() { return m_labsClient; }
     LabsSession &labs() { return m_labs; }
     LabsAnswerMode &answerMode() { return m_answerMode; }
+    const Credentials &credentials() const { return m_credentials; }
     HistoryStore &history() { return m_history; }
     Transcriber &transcriber() { return m_transcriber; }
     FlowController &flow() { return m_flow; }

@@ -5,10 +5,11 @@
 #include <QObject>
 
 /// Which screen the dashboard shows. Anybody may send the user to another one; it outlives the window.
-class DashboardNavigation final : public QObject
+class DashboardNavigation : public QObject
 {
     Q_OBJECT
-    Q_PROPERTY(int section READ sectionId WRITE setSectionId NOTIFY changed)
+    /// As raw value.
+    Q_PROPERTY(QString section READ sectionId WRITE setSectionId NOTIFY changed)
 public:
     DashboardSection section() const { return m_section; }
     void setSection(DashboardSection section);
@@ -17,8 +18,11 @@ Q_SIGNALS:
     void changed();
 
 private:
-    int sectionId() const { return m_section.id(); }
-    void setSectionId(int id) { setSection(static_cast<DashboardSection::Id>(id)); }
+    QString sectionId() const { return m_section.rawValue(); }
+    void setSectionId(const QString &id)
+    {
+        setSection(DashboardSection::fromRawValue(id).value_or(m_section));
+    }
 
     DashboardSection m_section;
 };

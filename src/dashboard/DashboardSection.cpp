@@ -32,6 +32,14 @@ QString DashboardSection::rawValue() const
     return QString::fromLatin1(QMetaEnum::fromType<Id>().valueToKey(m_id));
 }
 
+std::optional<DashboardSection> DashboardSection::fromRawValue(const QString &rawValue)
+{
+    for (const DashboardSection section : allCases)
+        if (section.rawValue() == rawValue)
+            return section;
+    return std::nullopt;
+}
+
 QString DashboardSection::title() const
 {
     return appearanceOf(m_id).title;

@@ -5,6 +5,7 @@
 #include <QStringList>
 
 #include <array>
+#include <optional>
 
 /// The screens of the dashboard, in the order of its sidebar.
 class DashboardSection
@@ -13,7 +14,7 @@ class DashboardSection
     Q_PROPERTY(QString title READ title CONSTANT)
     Q_PROPERTY(QString symbol READ symbol CONSTANT)
     Q_PROPERTY(QStringList tileColours READ tileColours CONSTANT)
-    Q_PROPERTY(int id READ id CONSTANT)
+    Q_PROPERTY(QString id READ rawValue CONSTANT)
 public:
     enum Id { dictation, insights, dictionary, labs, settings };
     Q_ENUM(Id)
@@ -24,12 +25,15 @@ public:
     DashboardSection(Id id) : m_id(id) {} // NOLINT(google-explicit-constructor): it is one
 
     Id id() const { return m_id; }
-    /// The name of its case.
+    /// The name of its case, which identifies it.
     QString rawValue() const;
     QString title() const;
     QString symbol() const;
     /// Top left and bottom right, as "#rrggbb".
     QStringList tileColours() const;
+
+    /// The section of that raw value; none for any other text.
+    static std::optional<DashboardSection> fromRawValue(const QString &rawValue);
 
     bool operator==(const DashboardSection &) const = default;
 

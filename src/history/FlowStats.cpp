@@ -1,13 +1,14 @@
 #include "history/FlowStats.h"
 
+#include "history/LocalDays.h"
+
 #include <QSet>
 
 FlowStats FlowStats::compute(const QList<Dictation> &records, const QDateTime &now, const QTimeZone &zone)
 {
     FlowStats stats;
-    const QDate today = now.toTimeZone(zone).date();
-    const QDateTime todayBegins = today.startOfDay(zone).toUTC();
-    const QDateTime tomorrowBegins = today.addDays(1).startOfDay(zone).toUTC();
+    LocalDays days(zone);
+    const qint64 today = days.dayOf(now);
     double timedSeconds = 0;
     qint64 timedWords = 0;
     qint64 pasteMs = 0;
@@ -18,7 +19,7 @@ FlowStats FlowStats::compute(const QList<Dictation> &records, const QDateTime &n
             timedSeconds += record.durationSeconds;
             timedWords += record.wordCount;
         }
-        if (record.date >= todayBegins && record.date < tomorrowBegins) {
+        if (days.dayOf(record.date) == today) {
             stats.wordsToday += record.wordCount;
             ++stats.dictationsToday;
         }
@@ -37,23 +38,25 @@ FlowStats FlowStats::compute(const QList<Dictation> &records, const QDateTime &n
 
 int FlowStats::dayStreakOf(const QList<Dictation> &records, const QDateTime &now, const QTimeZone &zone)
 {
-    QSet<QDate> days;
-    // Neighbours are mostly of one day, and asking the calendar costs far more than comparing.
-    QDateTime dayBegins;
-    QDateTime dayEnds;
+    LocalDays days(zone);
+    const qint64 today = days.dayOf(now);
+    QSet<qint64> dictated;
+    std::optional<qint64> latest; // neighbours are mostly of one day
     for (const Dictation &record : records) {
-        if (dayBegins.isValid() && record.date >= dayBegins && record.date < dayEnds)
-            continue;
-        const QDate day = record.date.toTimeZone(zone).date();
-        days.insert(day);
-        dayBegins = day.startOfDay(zone).toUTC();
-        dayEnds = day.addDays(1).startOfDay(zone).toUTC();
+        if (const qint64 day = days.dayOf(record.date); day != latest) {
+            dictated.insert(day);
+            latest = day;
+        }
     }
-    QDate cursor = now.toTimeZone(zone).date();
-    if (!days.contains(cursor))
-        cursor = cursor.addDays(-1);
+    const auto dayBefore = [&](qint64 day) {
+        do
+            --day;
+        while (!dictated.contains(day) && !days.startOf(day).isValid()); // the zone may have left one out
+        return day;
+    };
     int streak = 0;
-    for (; days.contains(cursor); cursor = cursor.addDays(-1))
+    for (qint64 day = dictated.contains(today) ? today : dayBefore(today); dictated.contains(day);
+         day = dayBefore(day))
         ++streak;
     return streak;
 }

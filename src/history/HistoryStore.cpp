@@ -108,11 +108,6 @@ void HistoryStore::clear()
     save();
 }
 
-FlowStats HistoryStore::computeStats() const
-{
-    return FlowStats::compute(m_records, m_clock.now(), m_clock.timeZone());
-}
-
 void HistoryStore::publish()
 {
     m_stats = computeStats();

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "history/DayWords.h"
 #include "history/Dictation.h"
 #include "history/FlowStats.h"
+#include "history/UsageSummary.h"
+#include "values/Provider.h"
 
 #include <QList>
 #include <QObject>
@@ -31,9 +34,25 @@ public:
     void remove(const Dictation &dictation);
     void clear();
 
+    /// The figures as of now; `stats` are those of the last change.
     FlowStats computeStats() const;
+    /// Consecutive days with a dictation, ending today or yesterday, by the calendar of that zone.
+    int dayStreak(const QTimeZone &calendar) const;
+    /// The words of so many days in a row, today's last; with less than 1, of today alone.
+    QList<DayWords> wordsPerDay(int days) const;
+
+    struct Usage
+    {
+        UsageSummary period; ///< from the given moment on
+        UsageSummary allTime;
+    };
+    /// A dictation that does not tell its provider counts as made with the current one.
+    Usage usage(Provider currentProvider, const QDateTime &since) const;
+    /// What the dictation cost, in US dollars; nothing with the hosted service.
+    static double estimatedCost(const Dictation &dictation, Provider currentProvider);
 
 Q_SIGNALS:
+    /// The records, and with them all that is computed of them.
     void recordsChanged();
 
 private:

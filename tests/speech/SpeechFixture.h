@@ -30,7 +30,9 @@ public:
         }
     };
 
-    SpeechFixture()
+    /// Over the fake network, or over a real one.
+    explicit SpeechFixture(HttpTransport *network = nullptr)
+        : transcriber({prefs, credentials, sessions, account, network ? *network : machine.http, machine.clock})
     {
         choose(QStringLiteral("groq"));
         QFile file(wav);
@@ -73,7 +75,7 @@ public:
     AccountSessionStore sessions{keychain};
     AccountStatus account{sessions, prefs};
     Credentials credentials{keychain, sessions};
-    Transcriber transcriber{{prefs, credentials, sessions, account, machine.http, machine.clock}};
+    Transcriber transcriber;
     std::stop_source stop;
     std::optional<Transcriber::Text> result;
 

@@ -28,7 +28,8 @@ void TileIcon::paint(QPainter *painter)
     QLinearGradient gradient(0, 0, size, size);
     const qsizetype last = m_colours.size() - 1;
     for (qsizetype i = 0; i <= last; ++i)
-        gradient.setColorAt(last == 0 ? 0 : static_cast<double>(i) / static_cast<double>(last), m_colours[i]);
+        gradient.setColorAt(last == 0 ? 0 : static_cast<double>(i) / static_cast<double>(last),
+                            QColor(m_colours[i]));
     painter->setPen(Qt::NoPen);
     painter->setBrush(gradient);
     painter->drawRoundedRect(QRectF(0, 0, size, size), size * 0.25, size * 0.25);

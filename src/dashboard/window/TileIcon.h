@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QColor>
 #include <QQuickPaintedItem>
+#include <QStringList>
 
 /// A white symbol on a rounded square whose colours run from the top left to the bottom right. It says
 /// nothing to a screen reader: the title beside it does.
@@ -10,7 +10,8 @@ class TileIcon : public QQuickPaintedItem
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QString symbol MEMBER m_symbol NOTIFY changed)
-    Q_PROPERTY(QList<QColor> colours MEMBER m_colours NOTIFY changed)
+    /// As "#rrggbb".
+    Q_PROPERTY(QStringList colours MEMBER m_colours NOTIFY changed)
     /// Its width and height, in points.
     Q_PROPERTY(int size READ size WRITE setSize NOTIFY changed)
 
@@ -26,6 +27,6 @@ Q_SIGNALS:
 
 private:
     QString m_symbol;
-    QList<QColor> m_colours;
+    QStringList m_colours;
     int m_size = 28;
 };

@@ -1,23 +1,74 @@
 #include "dashboard/window/WindowEngine.h"
-#include "support/FakeMachine.h"
-#include <QDirIterator>
+#include "desktop/screens/Scene.h"
+
+#include <QDir>
 #include <QGuiApplication>
 #include <QQuickWindow>
 #include <QTest>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Long enough for everything that moves to have arrived.
+constexpr int settlingMs = 400;
+
+bool picture(QQuickWindow &window, const QString &path)
+{
+    QTest::qWait(settlingMs);
+    std::printf("%s\n", qPrintable(path));
+    return window.grabWindow().save(path);
+}
+
+bool gallery(const QDir &folder, bool dark)
+{
+    FakeAppearance appearance;
+    appearance.wanted.scheme = dark ? ColorScheme::dark : ColorScheme::light;
+    WindowEngine engine(appearance);
+    QStringList symbols;
+    for (const QString &file : QDir(u":/icons"_s).entryList())
+        symbols.append(file.chopped(4));
+    const auto window = engine.makeWindow(u"Gallery"_s, {{u"symbols"_s, symbols}});
+    window->resize(1000, 980);
+    window->show();
+    return QTest::qWaitForWindowExposed(window.get()) &&
+           picture(*window, folder.filePath(dark ? u"gallery-dark.png"_s : u"gallery.png"_s));
+}
+
+bool show(const Scene &scene, const QDir &folder)
+{
+    Stage stage;
+    stage.machine.appearance.wanted.scheme = scene.dark ? ColorScheme::dark : ColorScheme::light;
+    if (scene.set)
+        scene.set(stage);
+    QQuickWindow &window = stage.open(scene.section, scene.size);
+    QTest::qWait(settlingMs);
+    if (scene.act)
+        scene.act(window);
+    return picture(window, folder.filePath(scene.name + u".png"_s));
+}
+
+} // namespace
+
+/// sayvane-screens FOLDER [WORD…]: pictures of all scenes, or of those whose name has one of the words.
 int main(int argc, char **argv)
 {
-    QGuiApplication app(argc, argv);
-    FakeAppearance appearance;
-    QStringList symbols;
-    for (const QString &f : QDir(QStringLiteral(":/icons")).entryList()) symbols << f.chopped(4);
-    for (bool dark : {false, true}) {
-        appearance.wanted.scheme = dark ? ColorScheme::dark : ColorScheme::light;
-        WindowEngine engine(appearance);
-        auto w = engine.makeWindow(QStringLiteral("Gallery"), {{QStringLiteral("symbols"), symbols}});
-        w->resize(1000, 900);
-        w->show();
-        (void)QTest::qWaitForWindowExposed(w.get());
-        QTest::qWait(500);
-        w->grabWindow().save(QStringLiteral("%1/gallery-%2.png").arg(QString::fromLocal8Bit(argv[1])).arg(dark ? QStringLiteral("dark") : QStringLiteral("light")));
-    }
+    QGuiApplication application(argc, argv);
+    QStringList words = QGuiApplication::arguments().mid(1);
+    if (words.isEmpty())
+        return 64;
+    const QDir folder(words.takeFirst());
+    const auto wanted = [&](const QString &name) {
+        return words.isEmpty() || std::ranges::any_of(words, [&](const QString &word) { return name.contains(word); });
+    };
+    bool worked = folder.mkpath(u"."_s);
+    for (const bool dark : {false, true})
+        if (wanted(u"gallery"_s))
+            worked = gallery(folder, dark) && worked;
+    for (const Scene &scene : allScenes())
+        if (wanted(scene.name))
+            worked = show(scene, folder) && worked;
+    return worked ? 0 : 1;
 }

@@ -5,12 +5,20 @@ import Sayvane
 TextField {
     id: control
 
+    signal cleared
+
     implicitHeight: 32
     leftPadding: 34
     rightPadding: 34
     Keys.onEscapePressed: event => {
         event.accepted = text !== "";
+        empty();
+    }
+
+    function empty() {
         clear();
+        cleared();
+        forceActiveFocus();
     }
 
     background: Rectangle {
@@ -36,9 +44,6 @@ TextField {
         visible: control.length > 0
         symbol: "xmark.circle.fill"
         help: qsTr("Clear search")
-        onClicked: {
-            control.clear();
-            control.forceActiveFocus();
-        }
+        onClicked: control.empty()
     }
 }

@@ -39,6 +39,7 @@ void NetworkExchange::describe(const HttpRequest &request, const QByteArray &use
     curl_easy_setopt(transfer, CURLOPT_CAPATH, trust.folder.isEmpty() ? nullptr : trust.folder.constData());
     curl_easy_setopt(transfer, CURLOPT_MAXFILESIZE_LARGE, curl_off_t(largestBody)); // when announced
     curl_easy_setopt(transfer, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    curl_easy_setopt(transfer, CURLOPT_ERRORBUFFER, m_detail.data());
     curl_easy_setopt(transfer, CURLOPT_QUICK_EXIT, 1L); // a name look-up is left alone, not waited for
     curl_easy_setopt(transfer, CURLOPT_HEADERFUNCTION, &NetworkExchange::headerArrived);
     curl_easy_setopt(transfer, CURLOPT_HEADERDATA, this);
@@ -120,7 +121,7 @@ int NetworkExchange::progressed(void *self, curl_off_t, curl_off_t received, cur
 void NetworkExchange::conclude(CURLcode code)
 {
     if (code != CURLE_OK)
-        return finish(std::unexpected(TransportFailure::of(code, m_transfer.get(), m_host)));
+        return finish(std::unexpected(TransportFailure::of(code, m_transfer.get(), m_host, m_detail.data())));
     if (!m_headComplete) // libcurl is content with a connection that is closed there
         return finish(std::unexpected(TransportFailure::cutShort(m_host)));
     long status = 0;

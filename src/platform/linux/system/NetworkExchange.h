@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QTimer>
 
+#include <array>
 #include <coroutine>
 #include <memory>
 
@@ -67,6 +68,7 @@ private:
 
     TransferLoop &m_loop;
     QString m_host;
+    std::array<char, CURL_ERROR_SIZE> m_detail{}; // what libcurl says of a failure
     std::unique_ptr<curl_slist, Release> m_headers;
     std::unique_ptr<CURL, Release> m_transfer;
     QTimer m_silence;

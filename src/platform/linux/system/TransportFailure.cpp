@@ -42,6 +42,11 @@ QString objection(long verification)
     }
 }
 
+TransportError proxyUnreachable(const QString &host)
+{
+    return {Kind::offline, u"The proxy for %1 cannot be reached."_s.arg(host)};
+}
+
 /// The connection was closed early, by the host or by the proxy that was to lead there.
 TransportError closed(CURL *transfer, const QString &host)
 {
@@ -75,15 +80,18 @@ TransportError TransportFailure::malformed()
     return {Kind::other, u"The request is not one that can be sent to a web address."_s};
 }
 
-TransportError TransportFailure::of(CURLcode code, CURL *transfer, const QString &host)
+TransportError TransportFailure::of(CURLcode code, CURL *transfer, const QString &host,
+                                    const QByteArray &detail)
 {
     switch (code) {
     case CURLE_COULDNT_RESOLVE_HOST:
         return {Kind::offline, u"%1 cannot be found. Check the internet connection."_s.arg(host)};
     case CURLE_COULDNT_RESOLVE_PROXY:
     case CURLE_PROXY:
-        return {Kind::offline, u"The proxy for %1 cannot be reached."_s.arg(host)};
+        return proxyUnreachable(host);
     case CURLE_COULDNT_CONNECT:
+        if (!detail.isEmpty() && !detail.contains(host.toUtf8())) // it was not the host that was tried
+            return proxyUnreachable(host);
         if (info(transfer, CURLINFO_OS_ERRNO) == ECONNREFUSED)
             return {Kind::offline, u"%1 refused the connection."_s.arg(host)};
         return {Kind::offline, u"%1 cannot be reached. Check the internet connection."_s.arg(host)};

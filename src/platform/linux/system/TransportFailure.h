@@ -12,7 +12,7 @@ TransportError cutShort(const QString &host);
 TransportError cancelled();
 TransportError malformed();
 
-/// Why a transfer of libcurl failed.
-TransportError of(CURLcode code, CURL *transfer, const QString &host);
+/// Why a transfer of libcurl failed; `detail` is libcurl's own account of it.
+TransportError of(CURLcode code, CURL *transfer, const QString &host, const QByteArray &detail);
 
 } // namespace TransportFailure

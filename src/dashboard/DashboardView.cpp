@@ -1,0 +1,79 @@
+#include "dashboard/DashboardView.h"
+
+#include "account/Credentials.h"
+#include "dashboard/DashboardNavigation.h"
+#include "platform/Clock.h"
+#include "settings/Defaults.h"
+#include "settings/Prefs.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+DashboardView::DashboardView(const Needs &needs)
+    : m_needs(needs),
+      m_hasCredential(needs.credentials.hasCredential(needs.prefs.provider())),
+      m_day(today())
+{
+    connect(&m_needs.defaults, &Defaults::changed, this, [this](const QString &key) {
+        if (key == PrefsKey::provider)
+            Q_EMIT changed();
+    });
+}
+
+DashboardView::~DashboardView() = default;
+
+QVariantList DashboardView::sections() const
+{
+    QVariantList sections;
+    for (const DashboardSection section : DashboardSection::allCases)
+        sections.append(QVariant::fromValue(section));
+    return sections;
+}
+
+bool DashboardView::usesOwnKey() const
+{
+    return m_needs.prefs.provider() != Provider::sayvane;
+}
+
+QString DashboardView::bannerMessage() const
+{
+    return usesOwnKey() ? u"Add a transcription key under Settings, Advanced"_s
+                        : u"Sign in under Settings to start dictating"_s;
+}
+
+void DashboardView::setShown(bool shown)
+{
+    if (shown == isShown())
+        return;
+    if (shown) {
+        m_ticker = m_needs.clock.every(2s, [this] { tick(); });
+        m_day = {};
+        tick();
+    } else {
+        m_ticker.reset();
+    }
+    Q_EMIT changed();
+}
+
+void DashboardView::tick()
+{
+    if (std::exchange(m_day, today()) != m_day)
+        Q_EMIT dayBegan();
+    const bool hasCredential = m_needs.credentials.hasCredential(m_needs.prefs.provider());
+    if (std::exchange(m_hasCredential, hasCredential) != hasCredential)
+        Q_EMIT changed();
+}
+
+QDate DashboardView::today() const
+{
+    return m_needs.clock.now().toTimeZone(m_needs.clock.timeZone()).date();
+}
+
+void DashboardView::openSettings()
+{
+    if (usesOwnKey())
+        m_needs.defaults.set(PrefsKey::advancedExpanded, true);
+    m_needs.navigation.setSection(DashboardSection::settings);
+}

@@ -1,0 +1,89 @@
+#include "dashboard/window/DashboardWindowController.h"
+
+#include "platform/Activation.h"
+
+#include <QGuiApplication>
+#include <QQuickWindow>
+#include <QScreen>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void centre(QWindow &window)
+{
+    const QRect desk = QGuiApplication::primaryScreen()->availableGeometry();
+    QRect frame(QPoint(), window.size());
+    frame.moveCenter(desk.center());
+    window.setPosition(std::max(frame.left(), desk.left()), std::max(frame.top(), desk.top()));
+}
+
+bool isOnSomeScreen(const QWindow &window)
+{
+    return std::ranges::any_of(QGuiApplication::screens(), [&](const QScreen *screen) {
+        return screen->availableGeometry().intersects(window.geometry());
+    });
+}
+
+bool isRegular(const QWindow &window)
+{
+    const Qt::WindowFlags flags = window.flags();
+    const Qt::WindowType type = window.type();
+    return window.isVisible() && (type == Qt::Window || type == Qt::Dialog) &&
+           !(flags & (Qt::FramelessWindowHint | Qt::BypassWindowManagerHint | Qt::WindowDoesNotAcceptFocus |
+                      Qt::WindowTransparentForInput));
+}
+
+} // namespace
+
+DashboardWindowController::DashboardWindowController(Needs needs) : m_needs(std::move(needs))
+{
+}
+
+DashboardWindowController::~DashboardWindowController() = default;
+
+void DashboardWindowController::show()
+{
+    if (!m_window)
+        make();
+    m_needs.activation.setPolicy(ActivationPolicy::regular);
+    m_needs.installMainMenu();
+    // On another workspace it is mapped but not exposed: mapping it anew brings it to this one.
+    if (m_window->isVisible() && !m_window->isExposed())
+        m_window->hide();
+    if (!m_window->isVisible() && !isOnSomeScreen(*m_window))
+        centre(*m_window);
+    m_window->setWindowStates(m_window->windowStates() & ~Qt::WindowMinimized);
+    m_window->show();
+    m_window->raise();
+    m_window->requestActivate();
+}
+
+void DashboardWindowController::make()
+{
+    m_engine = std::make_unique<WindowEngine>(m_needs.appearance);
+    m_window = m_engine->makeWindow(u"DashboardWindow"_s, m_needs.models());
+    // A hidden window keeps nothing of what it drew.
+    m_window->setPersistentGraphics(false);
+    m_window->setPersistentSceneGraph(false);
+    centre(*m_window);
+    if (!m_closeObserver)
+        m_closeObserver.emplace([this](QWindow *window) { closing(window); });
+}
+
+void DashboardWindowController::closing(const QWindow *window)
+{
+    if (window == m_window.get())
+        m_needs.cancelShortcutCapture();
+    if (!hasRegular(window))
+        m_needs.activation.setPolicy(ActivationPolicy::accessory);
+}
+
+bool DashboardWindowController::hasRegular(const QWindow *besides)
+{
+    return qGuiApp && std::ranges::any_of(QGuiApplication::topLevelWindows(), [&](const QWindow *window) {
+               return window != besides && isRegular(*window);
+           });
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "dashboard/window/WindowCloseObserver.h"
+#include "dashboard/window/WindowEngine.h"
+
+#include <QVariantMap>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+class Activation;
+class Appearance;
+class QQuickWindow;
+class QWindow;
+
+/// The program's one ordinary window: made when it is first shown, hidden when it is closed.
+class DashboardWindowController
+{
+public:
+    struct Needs
+    {
+        Activation &activation;
+        Appearance &appearance;
+        /// The models of the screens by the window's property names; asked for when the window is made.
+        std::function<QVariantMap()> models;
+        /// Gives windows their editing commands.
+        std::function<void()> installMainMenu;
+        /// The window closes: no shortcut is being chosen any more.
+        std::function<void()> cancelShortcutCapture;
+    };
+    explicit DashboardWindowController(Needs needs);
+    ~DashboardWindowController();
+
+    /// Opens the window, or brings it to the front from wherever it is.
+    void show();
+
+    /// None before it is first shown.
+    QQuickWindow *window() const { return m_window.get(); }
+
+    /// Whether another ordinary window than this is showing: one with a title that can become the main
+    /// one. Panels, menus and the like are none.
+    static bool hasRegular(const QWindow *besides);
+
+private:
+    void make();
+    void closing(const QWindow *window);
+
+    Needs m_needs;
+    std::unique_ptr<WindowEngine> m_engine;
+    std::unique_ptr<QQuickWindow> m_window;
+    std::optional<WindowCloseObserver> m_closeObserver;
+};

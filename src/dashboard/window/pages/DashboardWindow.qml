@@ -1,0 +1,88 @@
+import QtQuick
+import QtQuick.Templates as T
+import QtQuick.Window
+import Sayvane
+
+/// The sections on the left, the chosen one's screen on the right. The screens exist while the window is
+/// shown, each from its first visit on.
+Window {
+    id: window
+
+    required property DashboardView dashboard
+    required property DashboardNavigation navigation
+    required property DictationListView dictations
+    required property InsightsView insights
+    required property DictionaryView dictionary
+
+    title: "Sayvane"
+    width: 960
+    height: 640
+    minimumWidth: 760
+    minimumHeight: 520
+    color: Theme.window
+    onVisibleChanged: dashboard.shown = visible
+    Component.onDestruction: dashboard.shown = false
+
+    T.SplitView {
+        anchors.fill: parent
+        handle: Item {
+            implicitWidth: 1
+
+            Divider {
+                anchors.horizontalCenter: parent.horizontalCenter
+                height: parent.height
+            }
+            containmentMask: Item {
+                x: -4
+                width: 9
+                height: window.height
+            }
+        }
+
+        Sidebar {
+            T.SplitView.minimumWidth: 180
+            T.SplitView.preferredWidth: 200
+            T.SplitView.maximumWidth: 240
+            dashboard: window.dashboard
+            navigation: window.navigation
+        }
+        Item {
+            T.SplitView.fillWidth: true
+
+            CredentialBanner {
+                id: banner
+                width: parent.width
+                dashboard: window.dashboard
+            }
+            Item {
+                anchors.top: banner.visible ? banner.bottom : parent.top
+                anchors.bottom: parent.bottom
+                width: parent.width
+
+                Screen {
+                    section: "dictation"
+                    sourceComponent: DictationListPage { model: window.dictations }
+                }
+                Screen {
+                    section: "insights"
+                    sourceComponent: InsightsPage { model: window.insights }
+                }
+                Screen {
+                    section: "dictionary"
+                    sourceComponent: DictionaryPage { model: window.dictionary }
+                }
+            }
+        }
+    }
+
+    component Screen: Loader {
+        required property string section
+        readonly property bool current: window.navigation.section === section
+        property bool visited: false
+
+        anchors.fill: parent
+        visible: current
+        active: window.dashboard.shown && (current || visited)
+        onCurrentChanged: visited = visited || current
+    }
+}

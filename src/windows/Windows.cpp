@@ -1,0 +1,33 @@
+#include "windows/Windows.h"
+
+#include "app/Host.h"
+#include "platform/Platform.h"
+
+Windows::Windows(Host &host, Platform &platform, Hooks hooks)
+    : m_host(host),
+      m_platform(platform),
+      m_dashboard({.activation = platform.activation,
+                   .appearance = platform.appearance,
+                   .models = [this] { return models(); },
+                   .installMainMenu = std::move(hooks.installMainMenu),
+                   .cancelShortcutCapture = std::move(hooks.cancelShortcutCapture)})
+{
+}
+
+void Windows::openSettings()
+{
+    m_navigation.setSection(DashboardSection::settings);
+    openDashboard();
+}
+
+QVariantMap Windows::models()
+{
+    m_screens.emplace(DashboardScreens::Needs{.frame = {.clock = m_platform.clock,
+                                                        .defaults = m_host.defaults(),
+                                                        .prefs = m_host.prefs(),
+                                                        .credentials = m_host.credentials(),
+                                                        .navigation = m_navigation},
+                                              .history = m_host.history(),
+                                              .pasteboard = m_platform.pasteboard});
+    return m_screens->models();
+}

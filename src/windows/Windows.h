@@ -1,0 +1,42 @@
+#pragma once
+
+#include "dashboard/DashboardNavigation.h"
+#include "dashboard/window/DashboardWindowController.h"
+#include "windows/DashboardScreens.h"
+
+#include <functional>
+#include <optional>
+
+class Host;
+struct Platform;
+
+/// The program's windows. Until the first one is opened they cost next to nothing.
+class Windows
+{
+public:
+    struct Hooks
+    {
+        /// Gives windows their editing commands.
+        std::function<void()> installMainMenu = [] {};
+        /// No shortcut is being chosen any more.
+        std::function<void()> cancelShortcutCapture = [] {};
+    };
+    Windows(Host &host, Platform &platform, Hooks hooks);
+
+    /// Opens the dashboard where the user left it, or brings it to the front.
+    void openDashboard() { m_dashboard.show(); }
+    /// Opens the dashboard at its settings.
+    void openSettings();
+
+    DashboardNavigation &navigation() { return m_navigation; }
+    DashboardWindowController &dashboard() { return m_dashboard; }
+
+private:
+    QVariantMap models();
+
+    Host &m_host;
+    Platform &m_platform;
+    DashboardNavigation m_navigation;
+    std::optional<DashboardScreens> m_screens; // from the first opening on
+    DashboardWindowController m_dashboard;
+};
