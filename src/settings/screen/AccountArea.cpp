@@ -18,6 +18,11 @@ namespace {
 
 const QString unknown = u"Not known yet"_s;
 
+QString withoutSeconds(QString timeFormat)
+{
+    return timeFormat.remove(u":ss"_s).remove(u" t"_s).trimmed();
+}
+
 } // namespace
 
 AccountArea::AccountArea(const SettingsCollaborators &with)
@@ -56,7 +61,9 @@ QString AccountArea::lastUsed(const QDateTime &time) const
     if (!time.isValid())
         return u"Last used: not known"_s;
     const QDateTime local = time.toTimeZone(m_clock.timeZone());
-    return u"Last used %1"_s.arg(QLocale().toString(local, QLocale::ShortFormat));
+    const QLocale locale;
+    return u"Last used %1, %2"_s.arg(locale.toString(local.date(), QLocale::ShortFormat),
+                                     locale.toString(local.time(), withoutSeconds(locale.timeFormat())));
 }
 
 void AccountArea::manageAccount()

@@ -65,6 +65,7 @@ Column {
         Button {
             kind: Button.Destructive
             text: qsTr("Remove key")
+            enabled: rows.key.keyStored
             onClicked: removal.open()
         }
         Button {
