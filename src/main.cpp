@@ -4,6 +4,7 @@
 #include "platform/linux/LinuxMachine.h"
 #include "platform/linux/QuitSignals.h"
 #include "platform/linux/system/LogFormat.h"
+#include "windows/Windows.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -96,10 +97,13 @@ int main(int argc, char **argv)
 
     Host host(machine.platform(), *address);
     FlowLog::follow(host.flow());
+    Windows windows(host, machine.platform(), {});
     QObject::connect(&quitSignals, &QuitSignals::received, application.get(), &QCoreApplication::quit);
     // The desktop session is over.
     QObject::connect(&machine.desktop().connection(), &X11Connection::lost, application.get(),
                      &QCoreApplication::quit);
     host.launch();
+    if (host.prefs().isEnabled(PrefsKey::showDashboardOnLaunch))
+        windows.openDashboard();
     return QCoreApplication::exec();
 }

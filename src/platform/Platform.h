@@ -7,6 +7,7 @@ class Clock;
 class ComputerName;
 class DefaultsStore;
 class Folders;
+class Graphics;
 class HttpTransport;
 class KeyPoster;
 class KeyTaps;
@@ -38,4 +39,5 @@ struct Platform
     LocalKeys &localKeys;
     Activation &activation;
     Appearance &appearance;
+    Graphics &graphics;
 };

@@ -6,6 +6,7 @@
 #include "platform/ComputerName.h"
 #include "platform/DefaultsStore.h"
 #include "platform/Folders.h"
+#include "platform/Graphics.h"
 #include "platform/KeyPoster.h"
 #include "platform/LocalKeys.h"
 #include "platform/Pasteboard.h"
@@ -174,6 +175,12 @@ public:
     ActivationPolicy policy = ActivationPolicy::accessory;
 };
 
+class FakeGraphics final : public Graphics
+{
+public:
+    bool hasProcessor() const override { return false; }
+};
+
 class FakeAppearance final : public Appearance
 {
 public:
@@ -213,8 +220,9 @@ public:
     FakeLocalKeys localKeys;
     FakeActivation activation;
     FakeAppearance appearance;
+    FakeGraphics graphics;
 
-    Platform platform{clock, folders,    volumes, defaults, secrets,   computerName, workspace, http,
-                      trust, microphone, sounds,  keyTaps,  keyPoster, pasteboard,   localKeys, activation,
-                      appearance};
+    Platform platform{clock,     folders,    volumes,   defaults,   secrets,   computerName,
+                      workspace, http,       trust,     microphone, sounds,    keyTaps,
+                      keyPoster, pasteboard, localKeys, activation, appearance, graphics};
 };

@@ -5,6 +5,7 @@
 #include "platform/linux/sound/PulseMicrophone.h"
 #include "platform/linux/sound/PulseSoundPlayer.h"
 #include "platform/linux/system/DesktopActivation.h"
+#include "platform/linux/system/DeviceGraphics.h"
 #include "platform/linux/system/DesktopWorkspace.h"
 #include "platform/linux/system/HostName.h"
 #include "platform/linux/system/NetworkTransport.h"
@@ -50,5 +51,6 @@ private:
     WindowKeys m_windowKeys;
     DesktopActivation m_activation;
     PortalAppearance m_appearance;
+    DeviceGraphics m_graphics;
     Platform m_platform;
 };

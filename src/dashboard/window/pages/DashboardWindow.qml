@@ -92,6 +92,7 @@ Window {
 
         anchors.fill: parent
         visible: current
+        focus: current
         active: window.dashboard.shown && (current || visited)
         onCurrentChanged: visited = visited || current
     }
