@@ -1,49 +1,85 @@
-#include "app/FlowLog.h"
-#include "app/Host.h"
-#include "app/SecretCommand.h"
+#include "app/ProfileLock.h"
+#include "commands/CommandContext.h"
+#include "commands/CommandLine.h"
+#include "commands/Commands.h"
+#include "commands/ExitCode.h"
+#include "commands/Terminal.h"
 #include "platform/linux/LinuxMachine.h"
 #include "platform/linux/QuitSignals.h"
 #include "platform/linux/system/LogFormat.h"
-#include "windows/Windows.h"
+#include "platform/linux/x11/X11Display.h"
+#include "program/SayvaneApp.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
-#include <QFile>
+#include <QDeadlineTimer>
 
-#include <cstdio>
 #include <memory>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int exitUsage = 64;
-constexpr int exitFailure = 1;
+// A command that works without the program has its files for seconds; one that waits for a person longer.
+constexpr auto lockLimit = 5s;
 
-int complain(const QString &message, int status)
+std::unique_ptr<LinuxMachine> makeMachine(const QString &profile)
 {
-    std::fprintf(stderr, "sayvane: %s\n", qPrintable(message));
-    return status;
+    return std::make_unique<LinuxMachine>(LinuxMachine::Settings{
+        .profile = profile,
+        .soundsFolder = QCoreApplication::applicationDirPath() + u"/" SAYVANE_SOUNDS_FROM_BIN ""_s,
+        .userAgent = "Sayvane/" SAYVANE_VERSION});
 }
 
-int storeSecret(SecretStore &secrets, const QString &account)
+int runCommand(const Invocation &asked)
 {
-    QFile input;
-    static constexpr qint64 longestSecret = 4096;
-    if (!input.open(stdin, QIODevice::ReadOnly))
-        return complain(input.errorString(), exitFailure);
-    const QString trouble = SecretCommand::store(secrets, account, input.read(longestSecret));
-    return trouble.isEmpty() ? 0 : complain(trouble, exitFailure);
+    std::unique_ptr<LinuxMachine> machine;
+    return Commands::run(
+        {.asked = asked, .running = ControlClient(asked.profile), .machine = [&]() -> Platform & {
+             if (!machine)
+                 machine = makeMachine(asked.profile);
+             return machine->platform();
+         }});
 }
 
-/// Only the program that stays needs a display.
-std::unique_ptr<QCoreApplication> makeApplication(int &argc, char **argv, bool stays)
+enum class Turn { ours, served, refused };
+
+/// Whether this process is to be the program of the profile. Where it runs already, it is asked to show
+/// itself.
+Turn take(ProfileLock &lock, const ControlClient &running)
 {
-    if (!stays)
-        return std::make_unique<QCoreApplication>(argc, argv);
-    auto application = std::make_unique<QApplication>(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    return application;
+    const QDeadlineTimer limit(lockLimit);
+    while (!lock.tryLock(0s)) {
+        if (running.call(u"Open"_s, {QString()}))
+            return Turn::served;
+        if (limit.hasExpired())
+            return Turn::refused;
+        if (lock.tryLock(100ms))
+            break;
+    }
+    return Turn::ours;
+}
+
+int runProgram(const Invocation &asked, QuitSignals &quitSignals)
+{
+    const std::unique_ptr<LinuxMachine> machine = makeMachine(asked.profile);
+    ProfileLock lock(machine->platform().folders);
+    switch (take(lock, ControlClient(asked.profile))) {
+    case Turn::served:
+        return ExitCode::done;
+    case Turn::refused:
+        return Terminal::complain(
+            u"Another Sayvane that cannot be reached from here is at work. Try again when it has ended."_s,
+            ExitCode::inUse);
+    case Turn::ours:
+        break;
+    }
+    SayvaneApp app(machine->platform(), asked.service);
+    QObject::connect(&quitSignals, &QuitSignals::received, qApp, &QCoreApplication::quit);
+    // The desktop session is over.
+    QObject::connect(&machine->desktop().connection(), &X11Connection::lost, qApp, &QCoreApplication::quit);
+    app.launch(asked.profile);
+    return QCoreApplication::exec();
 }
 
 } // namespace
@@ -53,57 +89,20 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(u"sayvane"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(SAYVANE_VERSION));
     installLog();
-    QStringList arguments;
-    for (int i = 0; i < argc; ++i)
-        arguments.append(QString::fromLocal8Bit(argv[i]));
-
-    QCommandLineParser options;
-    options.setApplicationDescription(u"Dictation in any application: tap the shortcut, speak, tap again."_s);
-    const QCommandLineOption help = options.addHelpOption();
-    const QCommandLineOption version = options.addVersionOption();
-    const QCommandLineOption profile(
-        u"profile"_s, u"Keep settings, history and secrets apart under this name."_s, u"name"_s);
-    const QCommandLineOption service(u"service"_s, u"The hosted service to dictate to, an https address."_s,
-                                     u"address"_s, u"https://accounts.sayvane.app"_s);
-    const QCommandLineOption secret(
-        u"store-secret"_s,
-        u"Store the secret read from standard input (nothing: remove it) and end: groq_api_key, "
-        "openai_api_key or sayvane_session."_s,
-        u"name"_s);
-    options.addOptions({profile, service, secret});
-    const bool understood = options.parse(arguments);
-    const bool stays =
-        understood && !options.isSet(help) && !options.isSet(version) && !options.isSet(secret);
-    const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv, stays);
-    QuitSignals quitSignals;
-    if (!understood || !options.positionalArguments().isEmpty()) {
-        const QString reason =
-            options.errorText().isEmpty()
-                ? u"Unexpected argument '%1'."_s.arg(options.positionalArguments().value(0))
-                : options.errorText();
-        return complain(reason + u" Try --help."_s, exitUsage);
+    QStringList words;
+    for (int i = 1; i < argc; ++i)
+        words.append(QString::fromLocal8Bit(argv[i]));
+    const auto asked = CommandLine::parse(words);
+    if (!asked)
+        return Terminal::complain(asked.error() + u" Try --help."_s, ExitCode::usage);
+    if (!asked->stays()) {
+        const QCoreApplication application(argc, argv);
+        return runCommand(*asked);
     }
-    options.process(*application);
-    const auto address = Prefs::validAccountBaseURL(options.value(service));
-    if (!address)
-        return complain(u"--service takes an https address without query or fragment."_s, exitUsage);
-
-    LinuxMachine machine(
-        {.profile = options.value(profile),
-         .soundsFolder = QCoreApplication::applicationDirPath() + u"/" SAYVANE_SOUNDS_FROM_BIN ""_s,
-         .userAgent = "Sayvane/" SAYVANE_VERSION});
-    if (options.isSet(secret))
-        return storeSecret(machine.platform().secrets, options.value(secret));
-
-    Host host(machine.platform(), *address);
-    FlowLog::follow(host.flow());
-    Windows windows(host, machine.platform(), {});
-    QObject::connect(&quitSignals, &QuitSignals::received, application.get(), &QCoreApplication::quit);
-    // The desktop session is over.
-    QObject::connect(&machine.desktop().connection(), &X11Connection::lost, application.get(),
-                     &QCoreApplication::quit);
-    host.launch();
-    if (host.prefs().isEnabled(PrefsKey::showDashboardOnLaunch))
-        windows.openDashboard();
-    return QCoreApplication::exec();
+    if (const QString objection = X11Display::objection(); !objection.isEmpty())
+        return Terminal::complain(objection, ExitCode::noDisplay);
+    const QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QuitSignals quitSignals;
+    return runProgram(*asked, quitSignals);
 }

@@ -1,33 +1,61 @@
 #include "app/AppDelegate.h"
 
+#include "account/Credentials.h"
 #include "app/FlowController.h"
+#include "capture/HotkeyRecorder.h"
 #include "platform/AccessibilityTrust.h"
 #include "platform/Clock.h"
 #include "platform/Microphone.h"
 #include "platform/Platform.h"
+#include "settings/Defaults.h"
+#include "settings/Prefs.h"
+
+#include <utility>
 
 using namespace std::chrono_literals;
 
 namespace {
 
 constexpr auto pollingInterval = 2s;
+constexpr auto dashboardDelay = 2s;
 
 } // namespace
 
-AppDelegate::AppDelegate(Platform &platform, FlowController &flow) : m_platform(platform), m_flow(flow)
+AppDelegate::AppDelegate(const Collaborators &with)
+    : m_platform(with.platform),
+      m_flow(with.flow),
+      m_hotkeyRecorder(with.hotkeyRecorder),
+      m_defaults(with.defaults),
+      m_prefs(with.prefs),
+      m_credentials(with.credentials)
 {
 }
 
 AppDelegate::~AppDelegate() = default;
 
-void AppDelegate::applicationDidFinishLaunching()
+void AppDelegate::applicationDidFinishLaunching(std::function<void()> showDashboard)
 {
+    m_showDashboard = std::move(showDashboard);
     m_platform.microphone.requestAccess();
     m_flow.start();
     if (m_platform.trust.isTrustedPrompting() && m_flow.hotkeyActive())
         startTrustWatch();
     else
         startPermissionPolling();
+    openDashboardIfWanted();
+}
+
+void AppDelegate::applicationDidResignActive()
+{
+    m_hotkeyRecorder.cancel();
+}
+
+void AppDelegate::openDashboardIfWanted()
+{
+    if (m_defaults.boolean(PrefsKey::showDashboardOnLaunch))
+        m_showDashboard();
+    else if (!m_credentials.hasCredential(m_prefs.provider()))
+        m_dashboardTimer = m_platform.clock.after(dashboardDelay, [this] { m_showDashboard(); });
 }
 
 void AppDelegate::startPermissionPolling()

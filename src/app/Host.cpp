@@ -41,9 +41,21 @@ Host::Host(Platform &platform, const QString &serviceAddress)
       m_hotkeyRecorder(
           platform.localKeys, [this] { return m_flow.hotkey(); },
           [this](const HotkeySpec &spec) { m_flow.updateHotkey(spec); }),
-      m_delegate(platform, m_flow)
+      m_overlay(m_flow.overlay(), platform.panels, platform.clock),
+      m_delegate({.platform = platform,
+                  .flow = m_flow,
+                  .hotkeyRecorder = m_hotkeyRecorder,
+                  .defaults = m_preferences.defaults,
+                  .prefs = m_preferences.prefs,
+                  .credentials = m_credentials})
 {
     QObject::connect(&m_account, &AccountStatus::sessionRejected, &m_flow, &FlowController::reportSignedOut);
     QObject::connect(&m_flow, &FlowController::hotkeyActiveChanged, &m_hotkeyRecorder,
                      &HotkeyRecorder::suspendRunning);
+}
+
+void Host::launch(std::function<void()> showDashboard)
+{
+    m_delegate.applicationDidFinishLaunching(std::move(showDashboard));
+    m_overlay.prepare();
 }

@@ -12,10 +12,14 @@
 #include "labs/LabsAnswerMode.h"
 #include "labs/LabsClient.h"
 #include "labs/LabsSession.h"
+#include "overlay/OverlayDisplay.h"
 #include "settings/Defaults.h"
 #include "settings/Keychain.h"
 #include "settings/Prefs.h"
 #include "speech/Transcriber.h"
+
+#include <functional>
+#include <utility>
 
 struct Platform;
 
@@ -29,8 +33,8 @@ public:
     Host(const Host &) = delete;
     Host &operator=(const Host &) = delete;
 
-    /// Puts the program to work.
-    void launch() { m_delegate.applicationDidFinishLaunching(); }
+    /// Puts the program to work; it asks for the dashboard when the user is to see it.
+    void launch(std::function<void()> showDashboard);
 
     Keychain &keychain() { return m_keychain; }
     Defaults &defaults() { return m_preferences.defaults; }
@@ -46,6 +50,7 @@ public:
     HistoryStore &history() { return m_history; }
     Transcriber &transcriber() { return m_transcriber; }
     FlowController &flow() { return m_flow; }
+    AppDelegate &delegate() { return m_delegate; }
     HotkeyRecorder &hotkeyRecorder() { return m_hotkeyRecorder; }
 
 private:
@@ -71,5 +76,6 @@ private:
     Transcriber m_transcriber;
     FlowController m_flow;
     HotkeyRecorder m_hotkeyRecorder;
+    OverlayDisplay m_overlay;
     AppDelegate m_delegate;
 };

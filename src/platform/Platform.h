@@ -6,6 +6,7 @@ class Appearance;
 class Clock;
 class ComputerName;
 class DefaultsStore;
+class FloatingPanels;
 class Folders;
 class Graphics;
 class HttpTransport;
@@ -39,5 +40,6 @@ struct Platform
     LocalKeys &localKeys;
     Activation &activation;
     Appearance &appearance;
+    FloatingPanels &panels;
     Graphics &graphics;
 };

@@ -23,7 +23,7 @@ public:
     {
         if (!m_host) {
             m_host = std::make_unique<Host>(machine.platform, QStringLiteral("https://service.test"));
-            m_host->launch();
+            m_host->launch([this] { ++dashboardsShown; });
         }
         return *m_host;
     }
@@ -59,6 +59,7 @@ public:
     void finishPaste() { machine.clock.advance(std::chrono::milliseconds(600)); }
 
     FakeMachine machine;
+    int dashboardsShown = 0;
 
 private:
     std::unique_ptr<Host> m_host;

@@ -24,6 +24,7 @@ LinuxMachine::LinuxMachine(const Settings &settings)
                  .localKeys = m_windowKeys,
                  .activation = m_activation,
                  .appearance = m_appearance,
+                 .panels = m_panels,
                  .graphics = m_graphics}
 {
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "platform/linux/panel/X11FloatingPanels.h"
 #include "platform/linux/sound/PulseConnection.h"
 #include "platform/linux/sound/PulseMicrophone.h"
 #include "platform/linux/sound/PulseSoundPlayer.h"
@@ -37,6 +38,7 @@ public:
 
 private:
     X11Desktop m_desktop;
+    X11FloatingPanels m_panels{m_desktop.connection()};
     PulseConnection m_pulse; // begins to connect while the rest is made
     SystemClock m_clock;
     XdgFolders m_folders;

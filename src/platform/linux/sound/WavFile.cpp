@@ -1,10 +1,9 @@
 #include "platform/linux/sound/WavFile.h"
 
-#include <QFile>
-#include <QtEndian>
+#include "support/WavHeader.h"
 
-#include <algorithm>
-#include <array>
+#include <QFile>
+
 #include <cerrno>
 #include <limits>
 #include <utility>
@@ -15,36 +14,9 @@
 
 namespace {
 
-constexpr uint32_t headerSize = 44;
-constexpr uint32_t sampleSize = 2;
+constexpr uint32_t headerSize = WavHeader::size;
+constexpr uint32_t sampleSize = WavHeader::sampleSize;
 constexpr uint32_t largest = std::numeric_limits<int32_t>::max(); // more than 18 hours at 16 kHz
-
-using Header = std::array<char, headerSize>;
-
-Header headerOf(uint32_t sampleRate, uint32_t size)
-{
-    Header header;
-    char *at = header.data();
-    const auto text = [&at](const char *fourCharacters) { at = std::copy_n(fourCharacters, 4, at); };
-    const auto number = [&at]<typename Number>(Number value) {
-        qToLittleEndian(value, at);
-        at += sizeof value;
-    };
-    text("RIFF");
-    number(headerSize - 8 + size);
-    text("WAVE");
-    text("fmt ");
-    number(uint32_t(16));
-    number(uint16_t(1)); // linear PCM
-    number(uint16_t(1)); // channel
-    number(sampleRate);
-    number(sampleRate * sampleSize); // bytes a second
-    number(uint16_t(sampleSize));
-    number(uint16_t(sampleSize * 8));
-    text("data");
-    number(size);
-    return header;
-}
 
 } // namespace
 
@@ -115,7 +87,7 @@ void WavFile::close()
 
 bool WavFile::writeHeader()
 {
-    const Header header = headerOf(m_sampleRate, m_size);
+    const auto header = WavHeader::of(m_sampleRate, m_size);
     const ssize_t written = pwrite(m_file, header.data(), header.size(), 0);
     if (written != ssize_t(header.size())) {
         errno = written < 0 ? errno : ENOSPC;

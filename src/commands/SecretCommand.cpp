@@ -1,8 +1,14 @@
-#include "app/SecretCommand.h"
+#include "commands/SecretCommand.h"
 
 #include "account/AccountSessionStore.h"
+#include "commands/ExitCode.h"
+#include "commands/Terminal.h"
 #include "settings/Keychain.h"
 #include "values/Provider.h"
+
+#include <QFile>
+
+#include <cstdio>
 
 using namespace Qt::StringLiterals;
 
@@ -30,4 +36,14 @@ QString SecretCommand::store(SecretStore &secrets, const QString &account, const
     if (*status == SecretStatus::success)
         return {};
     return u"Couldn't save to Keychain: "_s + keychain.message(*status);
+}
+
+int SecretCommand::run(SecretStore &secrets, const QString &account)
+{
+    static constexpr qint64 longestSecret = 4096;
+    QFile input;
+    if (!input.open(stdin, QIODevice::ReadOnly))
+        return Terminal::complain(input.errorString(), ExitCode::failed);
+    const QString trouble = store(secrets, account, input.read(longestSecret));
+    return trouble.isEmpty() ? ExitCode::done : Terminal::complain(trouble, ExitCode::failed);
 }

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+#include <functional>
+
+/// One entry of a menu, apart from how a desktop draws it.
+struct MenuEntry
+{
+    enum class Kind { button, text, separator, submenu };
+
+    Kind kind = Kind::separator;
+    QString text;
+    bool enabled = true; ///< of a button
+    std::function<void()> action;
+    QString shortcut; ///< shown beside the text, such as "Ctrl+Q"; empty for none
+    QList<MenuEntry> submenu;
+};

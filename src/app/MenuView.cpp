@@ -1,0 +1,163 @@
+#include "app/MenuView.h"
+
+#include "account/AccountStatus.h"
+#include "app/FlowController.h"
+#include "history/HistoryStore.h"
+#include "labs/LabsAnswerMode.h"
+#include "platform/Pasteboard.h"
+#include "settings/Defaults.h"
+#include "settings/HotkeySpec.h"
+#include "settings/Prefs.h"
+#include "settings/SpokenLanguage.h"
+#include "support/Text.h"
+#include "values/Provider.h"
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int longestEmail = 32;
+constexpr int longestTitle = 70;
+constexpr qsizetype historyEntries = 15;
+
+using Kind = MenuEntry::Kind;
+
+MenuEntry text(const QString &line)
+{
+    return {.kind = Kind::text, .text = line};
+}
+
+MenuEntry button(const QString &title, std::function<void()> action, const QString &shortcut = {})
+{
+    return {.kind = Kind::button, .text = title, .action = std::move(action), .shortcut = shortcut};
+}
+
+/// The first characters and an ellipsis, where the text is longer than it may be.
+QString cut(const QString &whole, int longest, int kept)
+{
+    return Text::characterCount(whole) > longest ? Text::firstCharacters(whole, kept) + u'…' : whole;
+}
+
+} // namespace
+
+MenuView::MenuView(const Observed &observed, ShellCommands commands)
+    : m_flow(observed.flow),
+      m_history(observed.history),
+      m_account(observed.account),
+      m_answerMode(observed.answerMode),
+      m_defaults(observed.defaults),
+      m_pasteboard(observed.pasteboard),
+      m_commands(std::move(commands))
+{
+    for (const auto signal : {&FlowController::stateChanged, &FlowController::lastTranscriptChanged,
+                              &FlowController::historyChanged, &FlowController::hotkeyActiveChanged,
+                              &FlowController::lastErrorChanged})
+        connect(&m_flow, signal, this, &MenuView::changed);
+    connect(&m_history, &HistoryStore::recordsChanged, this, &MenuView::changed);
+    connect(&m_account, &AccountStatus::changed, this, &MenuView::changed);
+    connect(&m_answerMode, &LabsAnswerMode::enabledChanged, this, &MenuView::changed);
+    connect(&m_defaults, &Defaults::changed, this, [this](const QString &key) {
+        if (key == PrefsKey::language || key == PrefsKey::provider || key == PrefsKey::hotkeySpec)
+            Q_EMIT changed();
+    });
+}
+
+QString MenuView::symbolFor(FlowState state)
+{
+    switch (state) {
+    case FlowState::idle:
+        return u"waveform"_s;
+    case FlowState::recording:
+        return u"record.circle.fill"_s;
+    case FlowState::processing:
+        return u"ellipsis.circle"_s;
+    }
+    Q_UNREACHABLE();
+}
+
+QString MenuView::stateLine(FlowState state)
+{
+    switch (state) {
+    case FlowState::idle:
+        return u"Sayvane: ready"_s;
+    case FlowState::recording:
+        return u"● Listening…"_s;
+    case FlowState::processing:
+        return u"Transcribing…"_s;
+    }
+    Q_UNREACHABLE();
+}
+
+QList<MenuEntry> MenuView::entries() const
+{
+    QList<MenuEntry> entries{button(u"Open Sayvane"_s, m_commands.openDashboard), MenuEntry(),
+                             text(stateLine(m_flow.state()))};
+    appendFacts(entries);
+    entries.append(MenuEntry());
+    appendDictation(entries);
+    if (m_flow.lastError()) {
+        entries.append(MenuEntry());
+        entries.append(text(u"⚠️ "_s + *m_flow.lastError()));
+    }
+    entries.append(MenuEntry());
+    entries.append(button(u"Settings"_s, m_commands.openSettings, u"Ctrl+,"_s));
+    entries.append(button(u"Quit Sayvane"_s, m_commands.quit, u"Ctrl+Q"_s));
+    return entries;
+}
+
+void MenuView::appendFacts(QList<MenuEntry> &entries) const
+{
+    const QString provider = m_defaults.textOrEmpty(PrefsKey::provider);
+    if (Providers::fromRawValue(provider).value_or(Provider::sayvane) == Provider::sayvane)
+        appendAccount(entries);
+    entries.append(text(SpokenLanguage::nameFor(m_defaults.textOrEmpty(PrefsKey::language))));
+    const HotkeySpec shortcut = HotkeySpec::decode(m_defaults.text(PrefsKey::hotkeySpec));
+    entries.append(text(shortcut.displayString() + u" to start / stop"_s));
+    if (!m_history.records().isEmpty()) {
+        const Dictation &newest = m_history.records().first();
+        if (newest.transcribeMs) {
+            const auto total = static_cast<double>(*newest.transcribeMs + newest.cleanupMs.value_or(0));
+            entries.append(text(u"Last dictation: %1 s"_s.arg(QString::number(total / 1000, 'f', 1))));
+        }
+    }
+    if (!m_flow.hotkeyActive())
+        entries.append(text(u"⚠️ Hotkey inactive: grant Accessibility"_s));
+}
+
+void MenuView::appendAccount(QList<MenuEntry> &entries) const
+{
+    if (m_answerMode.enabled())
+        entries.append(text(u"Answer mode on"_s));
+    const QString email = m_account.email().value_or(QString());
+    if (m_account.signedIn() && !email.isEmpty())
+        entries.append(text(cut(email, longestEmail, longestEmail - 1)));
+    if (const auto seconds = m_account.remainingSeconds())
+        entries.append(text(AccountStatus::minutesText(*seconds) + u" left today"_s));
+}
+
+void MenuView::appendDictation(QList<MenuEntry> &entries) const
+{
+    MenuEntry dictate =
+        button(m_flow.state() == FlowState::recording ? u"Stop & Transcribe"_s : u"Start Dictation"_s,
+               [&flow = m_flow] { flow.toggle(); });
+    dictate.enabled = m_flow.state() != FlowState::processing;
+    entries.append(dictate);
+    if (!m_flow.lastTranscript().isEmpty())
+        entries.append(
+            button(u"Copy Last Transcript"_s, [this] { m_pasteboard.setString(m_flow.lastTranscript()); }));
+    if (!m_flow.history().isEmpty())
+        entries.append(historyMenu());
+}
+
+MenuEntry MenuView::historyMenu() const
+{
+    MenuEntry menu{.kind = Kind::submenu, .text = u"History"_s};
+    const QStringList &texts = m_flow.history();
+    for (const QString &whole : texts.first(std::min(historyEntries, texts.size())))
+        menu.submenu.append(button(cut(whole, longestTitle, longestTitle),
+                                   [&pasteboard = m_pasteboard, whole] { pasteboard.setString(whole); }));
+    return menu;
+}

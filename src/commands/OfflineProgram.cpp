@@ -1,0 +1,18 @@
+#include "commands/OfflineProgram.h"
+
+#include "commands/CommandContext.h"
+#include "platform/Platform.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+std::expected<std::unique_ptr<OfflineProgram>, QString> OfflineProgram::take(const CommandContext &context)
+{
+    Platform &machine = context.machine();
+    auto lock = std::make_unique<ProfileLock>(machine.folders);
+    if (!lock->tryLock(5s))
+        return std::unexpected(
+            u"Another Sayvane that cannot be reached from here is at work. Try again when it has ended."_s);
+    return std::unique_ptr<OfflineProgram>(
+        new OfflineProgram(std::move(lock), machine, context.asked.service));
+}

@@ -1,0 +1,64 @@
+#include "commands/RecoverCommand.h"
+
+#include "app/ProfileLock.h"
+#include "commands/CommandContext.h"
+#include "commands/ExitCode.h"
+#include "commands/RecordingText.h"
+#include "commands/Terminal.h"
+#include "platform/Clock.h"
+#include "platform/Platform.h"
+#include "recovery/LeftRecordings.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr qsizetype shortId = 8;
+
+int list(const LeftRecordings &recordings, const QTimeZone &zone)
+{
+    QString text;
+    for (const LeftRecording &recording : recordings.all())
+        text += u"%1  %2  %3 s\n"_s.arg(recording.id.first(std::min(shortId, recording.id.size())),
+                                        recording.date.toTimeZone(zone).toString(u"yyyy-MM-dd HH:mm"_s),
+                                        QString::number(recording.seconds, 'f', 1));
+    return Terminal::print(text) ? ExitCode::done : ExitCode::failed;
+}
+
+int removeAll(const QList<LeftRecording> &recordings)
+{
+    for (const LeftRecording &recording : recordings) {
+        if (!LeftRecordings::remove(recording))
+            return Terminal::complain(u"%1 could not be deleted."_s.arg(recording.path), ExitCode::failed);
+    }
+    return ExitCode::done;
+}
+
+} // namespace
+
+int RecoverCommand::run(const CommandContext &context)
+{
+    const Platform &machine = context.machine();
+    LeftRecordings recordings(machine.folders, machine.clock);
+    {
+        // Where the program has not started again since, what it left is still where it was made.
+        ProfileLock lock(machine.folders);
+        if (lock.tryLock(0s))
+            recordings.takeIn();
+    }
+    const QString action = context.asked.arguments.value(0, u"list"_s);
+    const QString id = context.asked.arguments.value(1);
+    if (action == "list"_L1 && id.isEmpty() && !context.asked.all)
+        return list(recordings, machine.clock.timeZone());
+    if (action == "delete"_L1 && context.asked.all && id.isEmpty())
+        return removeAll(recordings.all());
+    if ((action != "delete"_L1 && action != "transcribe"_L1) || id.isEmpty() || context.asked.all)
+        return Terminal::complain(
+            u"'recover' takes list, transcribe ID, delete ID or delete --all. Try --help."_s,
+            ExitCode::usage);
+    const auto found = recordings.find(id);
+    if (!found)
+        return Terminal::complain(found.error(), ExitCode::noInput);
+    return action == "delete"_L1 ? removeAll({*found}) : RecordingText::print(found->path, context);
+}

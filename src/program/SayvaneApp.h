@@ -1,0 +1,43 @@
+#pragma once
+
+#include "app/Host.h"
+#include "app/MainMenu.h"
+#include "app/MenuView.h"
+#include "app/SettingsOpener.h"
+#include "control/ControlService.h"
+#include "program/MainMenuKeys.h"
+#include "recovery/LeftRecordings.h"
+#include "tray/TrayIcon.h"
+#include "windows/Windows.h"
+
+#include <QObject>
+
+struct Platform;
+
+/// The program that stays: its windowless part, its windows, what shows it in the panel, and what
+/// others reach it by.
+class SayvaneApp final : public QObject
+{
+    Q_OBJECT
+public:
+    /// `serviceAddress` is the hosted service that a user who chose none dictates to. Needs the profile's
+    /// lock and a graphical application object.
+    SayvaneApp(Platform &platform, const QString &serviceAddress);
+
+    /// Begins to answer on the session bus, shows the icon and starts the shortcut.
+    void launch(const QString &profile);
+
+private:
+    bool openSection(const QString &section);
+    void follow();
+
+    LeftRecordings m_leftRecordings;
+    Host m_host;
+    MainMenu m_mainMenu;
+    MainMenuKeys m_mainMenuKeys;
+    Windows m_windows;
+    SettingsOpener m_settings;
+    MenuView m_menu;
+    TrayIcon m_tray;
+    ControlService m_control;
+};
