@@ -13,7 +13,7 @@ Windows::Windows(Host &host, Platform &platform, Hooks hooks)
                    .models = [this] { return models(); },
                    .installMainMenu = std::move(hooks.installMainMenu),
                    .cancelShortcutCapture = std::move(hooks.cancelShortcutCapture)}),
-      m_settings(platform.appearance, m_forms.settings())
+      m_settings(platform.appearance, platform.graphics, m_forms.settings())
 {
 }
 
