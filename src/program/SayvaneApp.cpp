@@ -34,7 +34,7 @@ SayvaneApp::SayvaneApp(Platform &platform, const QString &serviceAddress)
              {.openDashboard = [this] { m_windows.openDashboard(); },
               .openSettings = [this] { m_settings.open(); },
               .quit = &QCoreApplication::quit}),
-      m_tray(m_host.flow(), m_menu),
+      m_tray(m_host.flow(), m_menu, [this] { m_windows.openDashboard(); }),
       m_control({.flow = m_host.flow(),
                  .signIn = m_host.signIn(),
                  .account = m_host.account(),

@@ -4,7 +4,6 @@
 #include "icons/IconImage.h"
 
 #include <QColor>
-#include <QPixmap>
 
 namespace {
 
@@ -15,11 +14,10 @@ constexpr QColor colorOf(FlowState state)
 
 } // namespace
 
-QIcon StateIcon::of(FlowState state)
+QList<QImage> StateIcon::of(FlowState state)
 {
-    QIcon icon;
+    QList<QImage> images;
     for (const int pixels : {16, 22, 24, 32, 44, 48, 64})
-        icon.addPixmap(
-            QPixmap::fromImage(IconImage::render(MenuView::symbolFor(state), pixels, colorOf(state))));
-    return icon;
+        images.append(IconImage::render(MenuView::symbolFor(state), pixels, colorOf(state)));
+    return images;
 }

@@ -2,13 +2,14 @@
 
 #include "values/FlowState.h"
 
-#include <QIcon>
+#include <QImage>
+#include <QList>
 
 /// The program's symbol in a panel.
 namespace StateIcon {
 
 /// The symbol of the state in every size that panels ask for. What colour a panel has is not known to us:
 /// its own has a contrast of 3.9 and more against black and against white.
-QIcon of(FlowState state);
+QList<QImage> of(FlowState state);
 
 } // namespace StateIcon
