@@ -9,7 +9,7 @@ namespace {
 
 constexpr QColor colorOf(FlowState state)
 {
-    return state == FlowState::recording ? QColor(0xE5, 0x48, 0x4D) : QColor(0x7F, 0x7F, 0x84);
+    return state == FlowState::recording ? QColor(0xE5, 0x48, 0x4D) : QColor(0x8A, 0x8A, 0x90);
 }
 
 } // namespace
