@@ -50,6 +50,8 @@ public:
 
     /// The service's base address without trailing slash; the default where the stored one is unusable.
     QString accountBaseURL() const;
+    /// The address that the program came with.
+    const QString &defaultAccountBaseURL() const { return m_defaultBaseURL; }
     /// The text as a usable base address: https with a host, no query, no fragment; else none.
     static std::optional<QString> validAccountBaseURL(const QString &text);
 

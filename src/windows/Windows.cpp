@@ -6,11 +6,13 @@
 Windows::Windows(Host &host, Platform &platform, Hooks hooks)
     : m_host(host),
       m_platform(platform),
+      m_forms(host, platform, [this] { openSettings(); }),
       m_dashboard({.activation = platform.activation,
                    .appearance = platform.appearance,
                    .models = [this] { return models(); },
                    .installMainMenu = std::move(hooks.installMainMenu),
-                   .cancelShortcutCapture = std::move(hooks.cancelShortcutCapture)})
+                   .cancelShortcutCapture = std::move(hooks.cancelShortcutCapture)}),
+      m_settings(platform.appearance, m_forms.settings())
 {
 }
 
@@ -29,5 +31,7 @@ QVariantMap Windows::models()
                                                         .navigation = m_navigation},
                                               .history = m_host.history(),
                                               .pasteboard = m_platform.pasteboard});
-    return m_screens->models();
+    QVariantMap models = m_screens->models();
+    models.insert(m_forms.models());
+    return models;
 }

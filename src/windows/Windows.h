@@ -2,7 +2,9 @@
 
 #include "dashboard/DashboardNavigation.h"
 #include "dashboard/window/DashboardWindowController.h"
+#include "dashboard/window/SettingsWindow.h"
 #include "windows/DashboardScreens.h"
+#include "windows/FormScreens.h"
 
 #include <functional>
 #include <optional>
@@ -27,9 +29,12 @@ public:
     void openDashboard() { m_dashboard.show(); }
     /// Opens the dashboard at its settings.
     void openSettings();
+    /// Opens the settings in a window of their own, or brings it to the front.
+    void openSettingsWindow() { m_settings.show(); }
 
     DashboardNavigation &navigation() { return m_navigation; }
     DashboardWindowController &dashboard() { return m_dashboard; }
+    SettingsWindow &settings() { return m_settings; }
 
 private:
     QVariantMap models();
@@ -38,5 +43,7 @@ private:
     Platform &m_platform;
     DashboardNavigation m_navigation;
     std::optional<DashboardScreens> m_screens; // from the first opening on
+    FormScreens m_forms;
     DashboardWindowController m_dashboard;
+    SettingsWindow m_settings;
 };

@@ -211,10 +211,10 @@ public:
     FakePasteboard pasteboard;
     FakeKeyPoster keyPoster{pasteboard};
     FakeLocalKeys localKeys;
-
     FakeActivation activation;
     FakeAppearance appearance;
 
-    Platform platform{clock,      folders, volumes, defaults,  secrets,    computerName, workspace,  http,      trust,
-                      microphone, sounds,  keyTaps, keyPoster, pasteboard, localKeys,    activation, appearance};
+    Platform platform{clock, folders,    volumes, defaults, secrets,   computerName, workspace, http,
+                      trust, microphone, sounds,  keyTaps,  keyPoster, pasteboard,   localKeys, activation,
+                      appearance};
 };

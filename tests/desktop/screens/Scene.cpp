@@ -1,5 +1,7 @@
 #include "desktop/screens/Scene.h"
 
+#include "desktop/screens/FormScenes.h"
+
 #include <QQuickWindow>
 #include <QTest>
 
@@ -38,7 +40,7 @@ void vocabulary(Stage &stage, const QString &terms)
 QList<Scene> allScenes()
 {
     using enum DashboardSection::Id;
-    return {
+    return formScenes() + QList<Scene>{
         {u"dictation-empty"_s, dictation},
         {u"dictation-one"_s, dictation, records(1)},
         {u"dictation-many"_s, dictation, records(2000)},

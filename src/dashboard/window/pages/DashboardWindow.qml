@@ -13,6 +13,8 @@ Window {
     required property DictationListView dictations
     required property InsightsView insights
     required property DictionaryView dictionary
+    required property QtObject labs
+    required property QtObject settings
 
     title: "Sayvane"
     width: 960
@@ -70,6 +72,14 @@ Window {
                 Screen {
                     section: "dictionary"
                     sourceComponent: DictionaryPage { model: window.dictionary }
+                }
+                Screen {
+                    section: DashboardSection.labs
+                    sourceComponent: LabsPage { model: window.labs }
+                }
+                Screen {
+                    section: DashboardSection.settings
+                    sourceComponent: SettingsScreen { forms: window.settings }
                 }
             }
         }

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "settings/screen/SettingsCollaborators.h"
+
+#include <QObject>
+
+
+/// Makes the settings forms of the program's windows, each with a state of its own.
+class SettingsForms final : public QObject
+{
+    Q_OBJECT
+public:
+    explicit SettingsForms(SettingsCollaborators with);
+
+    /// A form that lives as long as its owner.
+    Q_INVOKABLE QObject *open(QObject *owner);
+
+private:
+    SettingsCollaborators m_with;
+};
