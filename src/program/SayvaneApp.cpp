@@ -9,6 +9,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 Q_LOGGING_CATEGORY(log, "com.sayvane.app")
@@ -23,8 +25,12 @@ SayvaneApp::SayvaneApp(Platform &platform, const QString &serviceAddress)
                 {.installMainMenu = [this] { m_mainMenu.installIfNeeded(); },
                  .cancelShortcutCapture = [this] { m_host.hotkeyRecorder().cancel(); }}),
       m_settings(
-          m_mainMenu, [] {}, [this] { return openSection(QStringLiteral("settings")); },
-          [] { return false; }),
+          m_mainMenu, [] { /* windows ask for the front themselves when they are shown */ },
+          [this] {
+              m_windows.openSettingsWindow();
+              return true;
+          },
+          [this] { return openSection(u"settings"_s); }),
       m_menu({.flow = m_host.flow(),
               .history = m_host.history(),
               .account = m_host.account(),
@@ -34,7 +40,7 @@ SayvaneApp::SayvaneApp(Platform &platform, const QString &serviceAddress)
              {.openDashboard = [this] { m_windows.openDashboard(); },
               .openSettings = [this] { m_settings.open(); },
               .quit = &QCoreApplication::quit}),
-      m_tray(m_host.flow(), m_menu),
+      m_tray(m_host.flow(), m_menu, [this] { m_windows.openDashboard(); }),
       m_control({.flow = m_host.flow(),
                  .signIn = m_host.signIn(),
                  .account = m_host.account(),

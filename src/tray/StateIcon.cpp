@@ -4,22 +4,20 @@
 #include "icons/IconImage.h"
 
 #include <QColor>
-#include <QPixmap>
 
 namespace {
 
 constexpr QColor colorOf(FlowState state)
 {
-    return state == FlowState::recording ? QColor(0xE5, 0x48, 0x4D) : QColor(0x7F, 0x7F, 0x84);
+    return state == FlowState::recording ? QColor(0xE5, 0x48, 0x4D) : QColor(0x8A, 0x8A, 0x90);
 }
 
 } // namespace
 
-QIcon StateIcon::of(FlowState state)
+QList<QImage> StateIcon::of(FlowState state)
 {
-    QIcon icon;
+    QList<QImage> images;
     for (const int pixels : {16, 22, 24, 32, 44, 48, 64})
-        icon.addPixmap(
-            QPixmap::fromImage(IconImage::render(MenuView::symbolFor(state), pixels, colorOf(state))));
-    return icon;
+        images.append(IconImage::render(MenuView::symbolFor(state), pixels, colorOf(state)));
+    return images;
 }

@@ -2,13 +2,14 @@
 
 #include "values/FlowState.h"
 
-#include <QIcon>
+#include <QImage>
+#include <QList>
 
 /// The program's symbol in a panel.
 namespace StateIcon {
 
 /// The symbol of the state in every size that panels ask for. What colour a panel has is not known to us:
-/// its own has a contrast of 3.9 and more against black and against white.
-QIcon of(FlowState state);
+/// its own has a contrast of 3.4 and more against white and against a dark grey.
+QList<QImage> of(FlowState state);
 
 } // namespace StateIcon

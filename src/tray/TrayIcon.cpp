@@ -4,65 +4,79 @@
 #include "app/MenuView.h"
 #include "tray/StateIcon.h"
 
-#include <QDBusConnection>
+#include <QPixmap>
 
-using namespace Qt::StringLiterals;
+#include <utility>
 
-namespace {
-
-const QString watcherName = u"org.kde.StatusNotifierWatcher"_s;
-
-} // namespace
-
-TrayIcon::TrayIcon(const FlowController &flow, MenuView &menu) : m_flow(flow), m_view(menu)
+TrayIcon::TrayIcon(const FlowController &flow, MenuView &menu, std::function<void()> activate)
+    : m_flow(flow),
+      m_view(menu),
+      m_activate(std::move(activate))
 {
-    connect(&m_view, &MenuView::changed, this, &TrayIcon::scheduleUpdate);
+    connect(&m_flow, &FlowController::stateChanged, this, &TrayIcon::showState);
+    connect(&m_view, &MenuView::changed, this, &TrayIcon::scheduleMenu);
+    connect(&m_host, &TrayHost::changed, this, &TrayIcon::choose);
 }
 
 TrayIcon::~TrayIcon() = default;
 
 void TrayIcon::show()
 {
-    QDBusConnection bus = QDBusConnection::sessionBus();
-    if (bus.isConnected()) {
-        m_watcher.setConnection(bus);
-        m_watcher.addWatchedService(watcherName);
-        connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, &TrayIcon::install);
-        // A watcher may be there before the panel that shows what it watches.
-        bus.connect(watcherName, u"/StatusNotifierWatcher"_s, watcherName, u"StatusNotifierHostRegistered"_s,
-                    this, SLOT(install()));
-    }
-    install();
+    m_host.follow();
 }
 
-// Which protocol an icon speaks is decided when it is made.
-void TrayIcon::install()
+// Qt decides once for the whole process which protocol its own icon speaks, when it makes the first one:
+// it is made only while no panel shows items, and then speaks the older protocol.
+void TrayIcon::choose()
 {
-    m_icon.reset();
-    m_shownState.reset();
-    m_icon = std::make_unique<QSystemTrayIcon>();
-    m_icon->setContextMenu(&m_menu.menu());
-    update();
-    m_icon->show();
-}
-
-void TrayIcon::scheduleUpdate()
-{
-    if (std::exchange(m_updateIsDue, true))
+    if (m_host.isThere()) {
+        m_fallback.reset();
+        if (!m_item)
+            m_item = std::make_unique<StatusNotifierItem>([this] { return m_view.entries(); }, m_activate);
+        showState();
+        m_item->offer();
         return;
-    QMetaObject::invokeMethod(this, &TrayIcon::update, Qt::QueuedConnection);
+    }
+    m_item.reset();
+    if (m_fallback)
+        return;
+    m_fallback = std::make_unique<Fallback>();
+    m_fallback->icon.setContextMenu(&m_fallback->menu.menu());
+    updateMenu();
+    showState();
+    m_fallback->icon.show();
 }
 
-void TrayIcon::update()
+void TrayIcon::showState()
+{
+    const QString line = MenuView::stateLine(m_flow.state());
+    const QList<QImage> images = StateIcon::of(m_flow.state());
+    if (m_item) {
+        QList<ItemPixmap> icon;
+        for (const QImage &image : images)
+            icon.append(ItemPixmap::of(image));
+        m_item->setIcon(icon, line);
+    }
+    if (m_fallback) {
+        QIcon icon;
+        for (const QImage &image : images)
+            icon.addPixmap(QPixmap::fromImage(image));
+        m_fallback->icon.setIcon(icon);
+        m_fallback->icon.setToolTip(line);
+    }
+}
+
+void TrayIcon::scheduleMenu()
+{
+    if (!std::exchange(m_updateIsDue, true))
+        QMetaObject::invokeMethod(this, &TrayIcon::updateMenu, Qt::QueuedConnection);
+}
+
+void TrayIcon::updateMenu()
 {
     m_updateIsDue = false;
-    if (!m_icon)
-        return;
-    const QList<MenuEntry> entries = m_view.entries();
-    m_menu.show(entries);
-    if (m_shownState == m_flow.state())
-        return;
-    m_shownState = m_flow.state();
-    m_icon->setIcon(StateIcon::of(m_flow.state()));
-    m_icon->setToolTip(MenuView::stateLine(m_flow.state()));
+    if (m_item)
+        m_item->menu().announce();
+    if (m_fallback)
+        m_fallback->menu.show(m_view.entries());
 }

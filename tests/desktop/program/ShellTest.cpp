@@ -85,10 +85,10 @@ void ShellTest::aPanelThatComesLateOrAgainShowsTheState()
             QVERIFY2(panel.iconWidths().contains(width), qPrintable(QString::number(width)));
         panel.click(u"Start Dictation"_s);
         QVERIFY(m_desk->logsNext("flow: recording"));
-        QTRY_VERIFY2(panel.menu().contains(u"(● Listening…)|"_s) && panel.menu().contains(u"|Stop && Transcribe"_s),
+        QTRY_VERIFY2(panel.menu().contains(u"(● Listening…)|"_s) && panel.menu().contains(u"|Stop & Transcribe"_s),
                      qPrintable(panel.menu()));
         m_desk->say(clip);
-        panel.click(u"Stop && Transcribe"_s);
+        panel.click(u"Stop & Transcribe"_s);
         QVERIFY(m_desk->logsNext("flow: idle"));
         QTRY_VERIFY2(panel.menu().contains(u"-|Start Dictation|Copy Last Transcript|History"_s + foot),
                      qPrintable(panel.menu()));

@@ -1,0 +1,123 @@
+#include "tray/BusMenu.h"
+
+#include <QDBusMetaType>
+#include <QKeySequence>
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// An entry's id is its place, counted from 1; one of a submenu is that of the submenu followed by three
+// more digits. The menu itself is 0.
+constexpr int submenuFactor = 1000;
+
+/// The one or two names of the protocol for each part of the shortcut, such as {{"Control", "q"}}.
+QList<QStringList> keysOf(const QString &shortcut)
+{
+    QStringList parts = shortcut.toLower().split(u'+');
+    parts.replaceInStrings(u"ctrl"_s, u"Control"_s).replaceInStrings(u","_s, u"comma"_s);
+    return {parts};
+}
+
+QVariantMap propertiesOf(const MenuEntry &entry)
+{
+    using Kind = MenuEntry::Kind;
+    if (entry.kind == Kind::separator)
+        return {{u"type"_s, u"separator"_s}};
+    // One line, in which an underscore would mark a key.
+    QVariantMap properties{{u"label"_s, entry.text.simplified().replace(u'_', u"__"_s)}};
+    if (entry.kind == Kind::text || !entry.enabled)
+        properties.insert(u"enabled"_s, false);
+    if (entry.kind == Kind::submenu)
+        properties.insert(u"children-display"_s, u"submenu"_s);
+    if (!entry.shortcut.isEmpty())
+        properties.insert(u"shortcut"_s, QVariant::fromValue(keysOf(entry.shortcut)));
+    return properties;
+}
+
+QList<QDBusVariant> layoutOf(const QList<MenuEntry> &entries, int firstId, int depth)
+{
+    QList<QDBusVariant> layout;
+    int id = firstId;
+    for (const MenuEntry &entry : entries) {
+        MenuLayout each{id, propertiesOf(entry), {}};
+        if (depth != 1) // 0 stops above, below 0 there is no limit
+            each.children = layoutOf(entry.submenu, id * submenuFactor + 1, depth - 1);
+        layout.append(QDBusVariant(QVariant::fromValue(each)));
+        ++id;
+    }
+    return layout;
+}
+
+} // namespace
+
+BusMenu::BusMenu(std::function<QList<MenuEntry>()> entries) : m_entries(std::move(entries))
+{
+    qDBusRegisterMetaType<MenuLayout>();
+    qDBusRegisterMetaType<MenuProperties>();
+    qDBusRegisterMetaType<QList<MenuProperties>>();
+    qDBusRegisterMetaType<QList<QDBusVariant>>();
+    qDBusRegisterMetaType<QList<QStringList>>();
+}
+
+void BusMenu::announce()
+{
+    // Nobody has looked since the last announcement.
+    if (std::exchange(m_isStale, true))
+        return;
+    Q_EMIT LayoutUpdated(++m_revision, 0);
+}
+
+MenuEntry BusMenu::shown(int id) const
+{
+    if (id < submenuFactor)
+        return m_shown.value(id - 1);
+    return m_shown.value(id / submenuFactor - 1).submenu.value(id % submenuFactor - 1);
+}
+
+uint BusMenu::GetLayout(int parentId, int depth, const QStringList &, MenuLayout &layout)
+{
+    if (std::exchange(m_isStale, false))
+        m_shown = m_entries();
+    layout.id = parentId;
+    if (parentId == 0) {
+        layout.properties = {{u"children-display"_s, u"submenu"_s}};
+        if (depth != 0)
+            layout.children = layoutOf(m_shown, 1, depth);
+    } else {
+        const MenuEntry parent = shown(parentId);
+        layout.properties = propertiesOf(parent);
+        if (depth != 0)
+            layout.children = layoutOf(parent.submenu, parentId * submenuFactor + 1, depth);
+    }
+    return m_revision;
+}
+
+QList<MenuProperties> BusMenu::GetGroupProperties(const QList<int> &ids, const QStringList &)
+{
+    QList<MenuProperties> found;
+    for (const int id : ids)
+        found.append({id, propertiesOf(shown(id))});
+    return found;
+}
+
+QDBusVariant BusMenu::GetProperty(int id, const QString &name)
+{
+    return QDBusVariant(propertiesOf(shown(id)).value(name, QString()));
+}
+
+void BusMenu::Event(int id, const QString &type, const QDBusVariant &, uint)
+{
+    const MenuEntry entry = shown(id);
+    if (type != "clicked"_L1 || !entry.action || !entry.enabled)
+        return;
+    // The panel waits for an answer; what it asked for may take longer, or end the program.
+    QMetaObject::invokeMethod(this, entry.action, Qt::QueuedConnection);
+}
+
+bool BusMenu::AboutToShow(int)
+{
+    return m_isStale;
+}
