@@ -1,8 +1,11 @@
 #include "service/CommandLine.h"
 #include "service/Service.h"
+#include "service/dictation/EmbeddedTranscriber.h"
+#include "service/dictation/RulesCleaner.h"
 #include "service/machine/Certificate.h"
 #include "service/machine/DataFolder.h"
 #include "service/machine/Log.h"
+#include "service/openai/OpenAiInterface.h"
 
 #include <algorithm>
 #include <csignal>
@@ -51,7 +54,11 @@ void serve(const CommandLine &line, DataFolder &folder)
     const int port = server.bind(line.host, line.port);
     SpeechEngine speech(SpeechModel::in(line.models.empty() ? SpeechModel::packagedFolder() : line.models),
                         decodersFor(line));
-    const Service service(server, accounts, speech);
+    EmbeddedTranscriber transcriber(speech);
+    RulesCleaner cleaner;
+    Transcriptions transcriptions(accounts, transcriber);
+    const OpenAiInterface openAi(server, accounts, transcriptions, cleaner); // before the rest, which takes
+    const Service service(server, accounts, transcriptions, cleaner);        // every other address
     std::thread serving([&server] { server.serve(); });
     std::cout << "listening on " << addressOf(line.host, port) << " certificate "
               << folder.certificate().string() << '\n'

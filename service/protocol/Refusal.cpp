@@ -34,6 +34,11 @@ Refusal Refusal::rateLimited()
             {}};
 }
 
+Refusal Refusal::stopping()
+{
+    return {503, "stopping", "The service is stopping. Try again.", {}, {}};
+}
+
 Refusal Refusal::internalError()
 {
     return {500, "internal_error", "The service failed. Try again.", {}, {}};
