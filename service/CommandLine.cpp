@@ -41,6 +41,39 @@ std::string lowered(std::string_view text)
     return result;
 }
 
+/// A model's name is sent as it is.
+bool isModel(std::string_view text)
+{
+    return !text.empty() && text.size() <= 200 &&
+           std::ranges::all_of(text, [](char c) { return c > ' ' && c < 0x7f; });
+}
+
+Complaint setUpstreamOption(CommandLine &line, std::string_view name, std::string_view value)
+{
+    if (name == "--upstream") {
+        const auto place = Upstream::at(value);
+        if (!place)
+            return place.error();
+        line.upstream.origin = place->origin;
+        line.upstream.path = place->path;
+        return {};
+    }
+    if (name == "--upstream-key-file") {
+        line.upstreamKey = value;
+        return {};
+    }
+    if (name == "--upstream-timeout") {
+        const auto seconds = numberIn(value, 1, 600);
+        line.upstream.patience = std::chrono::seconds(seconds.value_or(0));
+        return seconds ? Complaint() : "--upstream-timeout needs a number from 1 to 600";
+    }
+    if (name == "--upstream-model" || name == "--upstream-chat-model") {
+        (name == "--upstream-model" ? line.upstream.speechModel : line.upstream.chatModel) = value;
+        return isModel(value) ? Complaint() : std::string(name) + " needs the name of a model";
+    }
+    return "unknown option " + std::string(name);
+}
+
 Complaint setServeOption(CommandLine &line, std::string_view name, std::string_view value)
 {
     if (name == "--host") {
@@ -61,6 +94,8 @@ Complaint setServeOption(CommandLine &line, std::string_view name, std::string_v
         line.decoders = decoders.value_or(0);
         return decoders ? Complaint() : "--decoders needs a number from 1 to 64";
     }
+    if (name.starts_with("--upstream"))
+        return setUpstreamOption(line, name, value);
     return "unknown option " + std::string(name);
 }
 
@@ -121,6 +156,11 @@ std::expected<CommandLine, std::string> CommandLine::parse(std::span<const char 
     }
     if (line.action == Action::session && line.email.empty())
         return std::unexpected("session needs --email");
+    const bool hasModel = !line.upstream.speechModel.empty() || !line.upstream.chatModel.empty();
+    if (hasModel && line.upstream.origin.empty())
+        return std::unexpected("the model of an upstream server needs --upstream");
+    if (!hasModel && !line.upstream.origin.empty())
+        return std::unexpected("--upstream needs --upstream-model, --upstream-chat-model or both");
     return line;
 }
 

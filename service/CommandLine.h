@@ -1,5 +1,7 @@
 #pragma once
 
+#include "service/upstream/Upstream.h"
+
 #include <expected>
 #include <filesystem>
 #include <optional>
@@ -14,9 +16,11 @@ struct CommandLine
     Action action = Action::serve;
     std::filesystem::path data; ///< empty: the usual folder
     std::string host = "127.0.0.1";
-    int port = 8765;              ///< 0: any free one
-    std::filesystem::path models; ///< empty: the packaged ones
-    int decoders = 0;             ///< 0: one per processor, two at most
+    int port = 8765;                   ///< 0: any free one
+    std::filesystem::path models;      ///< empty: the packaged ones
+    int decoders = 0;                  ///< 0: one per processor, two at most
+    Upstream upstream;                 ///< without its key; without an origin: none
+    std::filesystem::path upstreamKey; ///< empty: from the environment
     std::string email;
     std::string device = "unnamed";
     std::optional<int> dailyMinutes;

@@ -6,11 +6,15 @@
 #include "service/machine/DataFolder.h"
 #include "service/machine/Log.h"
 #include "service/openai/OpenAiInterface.h"
+#include "service/upstream/UpstreamCleaner.h"
+#include "service/upstream/UpstreamTranscriber.h"
 
 #include <algorithm>
 #include <csignal>
 #include <exception>
 #include <iostream>
+#include <memory>
+#include <optional>
 #include <thread>
 
 #include <malloc.h>
@@ -43,6 +47,32 @@ size_t decodersFor(const CommandLine &line)
     return line.decoders > 0 ? static_cast<size_t>(line.decoders) : std::min(processors, 2u);
 }
 
+Upstream upstreamFor(const CommandLine &line)
+{
+    Upstream upstream = line.upstream;
+    if (!upstream.origin.empty())
+        upstream.key = Upstream::keyIn(line.upstreamKey);
+    return upstream;
+}
+
+/// The speech model is loaded only where it is needed: a service with an upstream server stays small.
+std::unique_ptr<Transcriber> transcriberFor(const CommandLine &line, const UpstreamClient &upstream,
+                                            std::optional<SpeechEngine> &speech)
+{
+    if (!upstream.upstream().speechModel.empty())
+        return std::make_unique<UpstreamTranscriber>(upstream);
+    speech.emplace(SpeechModel::in(line.models.empty() ? SpeechModel::packagedFolder() : line.models),
+                   decodersFor(line));
+    return std::make_unique<EmbeddedTranscriber>(*speech);
+}
+
+std::unique_ptr<Cleaner> cleanerFor(const UpstreamClient &upstream)
+{
+    if (!upstream.upstream().chatModel.empty())
+        return std::make_unique<UpstreamCleaner>(upstream);
+    return std::make_unique<RulesCleaner>();
+}
+
 void serve(const CommandLine &line, DataFolder &folder)
 {
     const sigset_t signals = endingSignals();
@@ -52,13 +82,13 @@ void serve(const CommandLine &line, DataFolder &folder)
     Accounts accounts(folder.database());
     HttpsServer server(folder.certificate(), folder.privateKey());
     const int port = server.bind(line.host, line.port);
-    SpeechEngine speech(SpeechModel::in(line.models.empty() ? SpeechModel::packagedFolder() : line.models),
-                        decodersFor(line));
-    EmbeddedTranscriber transcriber(speech);
-    RulesCleaner cleaner;
-    Transcriptions transcriptions(accounts, transcriber);
-    const OpenAiInterface openAi(server, accounts, transcriptions, cleaner); // before the rest, which takes
-    const Service service(server, accounts, transcriptions, cleaner);        // every other address
+    const UpstreamClient upstream(upstreamFor(line));
+    std::optional<SpeechEngine> speech;
+    const std::unique_ptr<Transcriber> transcriber = transcriberFor(line, upstream, speech);
+    const std::unique_ptr<Cleaner> cleaner = cleanerFor(upstream);
+    Transcriptions transcriptions(accounts, *transcriber);
+    const OpenAiInterface openAi(server, accounts, transcriptions, *cleaner); // before the rest, which takes
+    const Service service(server, accounts, transcriptions, *cleaner);        // every other address
     std::thread serving([&server] { server.serve(); });
     std::cout << "listening on " << addressOf(line.host, port) << " certificate "
               << folder.certificate().string() << '\n'
