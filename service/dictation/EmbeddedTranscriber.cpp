@@ -7,6 +7,10 @@
 
 namespace {
 
+/// Clients wait 180 s for the whole of a request. A recording that finds others waiting and would take
+/// longer is refused at once; one that finds none is tried at any pace.
+constexpr Pace::Seconds longestWait{150};
+
 /// The terms of a prompt such as "Names that may occur: Tobin, Maren".
 std::string_view termsIn(std::string_view prompt)
 {
@@ -34,6 +38,8 @@ std::expected<std::string, Refusal> EmbeddedTranscriber::transcribe(Upload uploa
     const auto recording = Recording::fromWav(upload.wav);
     if (!recording)
         return std::unexpected(Refusal::badRequest(recording.error()));
+    if (const auto expected = m_engine.expected(Pace::Seconds(recording->seconds())); expected > longestWait)
+        return std::unexpected(Refusal::busy(expected - longestWait));
     upload.wav = {}; // gives the memory back
     const auto words = m_engine.transcribe(*recording, isUnwanted);
     if (!words)

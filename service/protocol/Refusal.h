@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -21,6 +22,8 @@ struct Refusal
     static Refusal quotaExceeded();
     /// All places are taken; the client may try again by itself.
     static Refusal rateLimited();
+    /// The work that waits would keep the client longer than it waits itself.
+    static Refusal busy(std::chrono::duration<double> tooLong);
     /// The server ends before the work is done.
     static Refusal stopping();
     static Refusal internalError();
