@@ -1,5 +1,6 @@
 #include "service/CommandLine.h"
 #include "service/Service.h"
+#include "service/accounts/Backup.h"
 #include "service/dictation/EmbeddedTranscriber.h"
 #include "service/dictation/RulesCleaner.h"
 #include "service/machine/Certificate.h"
@@ -16,6 +17,7 @@
 #include <memory>
 #include <optional>
 #include <thread>
+#include <utility>
 
 #include <malloc.h>
 #include <sys/stat.h>
@@ -23,13 +25,14 @@
 
 namespace {
 
-/// The signals that end the program. Blocked here, before the first thread, and awaited in `serve`.
-sigset_t endingSignals()
+/// The signals that steer the program. Blocked here, before the first thread, and awaited in `serve`.
+sigset_t awaitedSignals()
 {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGTERM);
     sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGHUP);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     std::signal(SIGPIPE, SIG_IGN);
     return signals;
@@ -45,6 +48,27 @@ size_t decodersFor(const CommandLine &line)
 {
     const unsigned processors = std::max(1u, std::thread::hardware_concurrency());
     return line.decoders > 0 ? static_cast<size_t>(line.decoders) : std::min(processors, 2u);
+}
+
+/// The files of the operator's own certificate, or of ours, made anew where that is due.
+std::pair<std::filesystem::path, std::filesystem::path> certificateFor(const CommandLine &line,
+                                                                       const DataFolder &folder)
+{
+    if (!line.certificate.empty())
+        return {line.certificate, line.privateKey};
+    Certificate::ensure(folder.certificate(), folder.privateKey(), line.host);
+    return {folder.certificate(), folder.privateKey()};
+}
+
+void renewCertificate(const CommandLine &line, const DataFolder &folder, HttpsServer &server)
+{
+    try {
+        const auto [certificate, privateKey] = certificateFor(line, folder);
+        server.use(certificate, privateKey);
+        Log::note("the certificate was read again");
+    } catch (const std::exception &e) {
+        Log::failure(e.what()); // and serve on with the old one
+    }
 }
 
 Upstream upstreamFor(const CommandLine &line)
@@ -75,12 +99,12 @@ std::unique_ptr<Cleaner> cleanerFor(const UpstreamClient &upstream)
 
 void serve(const CommandLine &line, DataFolder &folder)
 {
-    const sigset_t signals = endingSignals();
+    const sigset_t signals = awaitedSignals();
     ::mallopt(M_MMAP_THRESHOLD, 1024 * 1024); // a recording's memory goes back to the system at once
     folder.lockForServing();
-    Certificate::ensure(folder.certificate(), folder.privateKey(), line.host);
+    const auto [certificate, privateKey] = certificateFor(line, folder);
     Accounts accounts(folder.database());
-    HttpsServer server(folder.certificate(), folder.privateKey());
+    HttpsServer server(certificate, privateKey);
     const int port = server.bind(line.host, line.port);
     const UpstreamClient upstream(upstreamFor(line));
     std::optional<SpeechEngine> speech;
@@ -90,11 +114,14 @@ void serve(const CommandLine &line, DataFolder &folder)
     const OpenAiInterface openAi(server, accounts, transcriptions, *cleaner); // before the rest, which takes
     const Service service(server, accounts, transcriptions, *cleaner);        // every other address
     std::thread serving([&server] { server.serve(); });
-    std::cout << "listening on " << addressOf(line.host, port) << " certificate "
-              << folder.certificate().string() << '\n'
+    std::cout << "listening on " << addressOf(line.host, port) << " certificate " << certificate.string()
+              << '\n'
               << std::flush; // whoever waits reads it now
-    int received = 0;
-    sigwait(&signals, &received);
+    for (int received = SIGHUP; received == SIGHUP;) {
+        sigwait(&signals, &received);
+        if (received == SIGHUP)
+            renewCertificate(line, folder, server);
+    }
     Log::note("ending");
     server.end();
     serving.join();
@@ -104,19 +131,22 @@ int run(const CommandLine &line)
 {
     switch (line.action) {
     case CommandLine::Action::help:
-        std::cout << CommandLine::help();
+        std::cout << CommandLine::help(line.topic);
         return EX_OK;
     case CommandLine::Action::version:
         std::cout << "sayvane-service " SAYVANE_VERSION "\n";
         return EX_OK;
     case CommandLine::Action::serve:
     case CommandLine::Action::session:
+    case CommandLine::Action::backup:
         break;
     }
     ::umask(077);
     DataFolder folder(line.data.empty() ? DataFolder::usual() : line.data);
     if (line.action == CommandLine::Action::serve) {
         serve(line, folder);
+    } else if (line.action == CommandLine::Action::backup) {
+        Backup::write(folder.database(), line.copy);
     } else {
         std::cout << Accounts(folder.database()).openSession(line.email, line.device, line.dailyMinutes)
                   << '\n';
@@ -130,7 +160,7 @@ int main(int argc, char *argv[])
 {
     const auto line = CommandLine::parse({argv + 1, argv + std::max(argc, 1)});
     if (!line) {
-        std::cerr << "sayvane-service: " << line.error() << "\n" << CommandLine::help();
+        std::cerr << "sayvane-service: " << line.error() << "\n(sayvane-service --help tells more)\n";
         return EX_USAGE;
     }
     try {

@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QRegularExpression>
 
+#include <csignal>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -23,6 +25,11 @@ bool ServiceProcess::start(const QStringList &options)
     const auto match = ready.match(QString::fromUtf8(line));
     m_port = match.captured(1).toUShort();
     return match.captured(2) == folder() + u"/certificate.pem"_s;
+}
+
+void ServiceProcess::hangUp()
+{
+    ::kill(static_cast<pid_t>(m_process.processId()), SIGHUP);
 }
 
 int ServiceProcess::end()
