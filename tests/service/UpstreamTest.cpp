@@ -196,6 +196,10 @@ void UpstreamTest::refusesBadSettings_data()
     QTest::addColumn<int>("exitCode");
     QTest::newRow("speech in clear to another machine")
         << QStringList{u"--upstream=http://example.com/v1"_s, u"--upstream-model=a"_s} << 64;
+    QTest::newRow("another machine with a misleading name")
+        << QStringList{u"--upstream=http://127.example.com"_s, u"--upstream-model=a"_s} << 64;
+    QTest::newRow("port out of range") << QStringList{u"--upstream=https://[::1]:70000/v1"_s, u"--upstream-model=a"_s}
+                                       << 64;
     QTest::newRow("key in the address") << QStringList{u"--upstream=https://a:b@example.com"_s} << 64;
     QTest::newRow("no model") << QStringList{u"--upstream=https://example.com"_s} << 64;
     QTest::newRow("model alone") << QStringList{u"--upstream-model=a"_s} << 64;
