@@ -23,8 +23,12 @@ SayvaneApp::SayvaneApp(Platform &platform, const QString &serviceAddress)
                 {.installMainMenu = [this] { m_mainMenu.installIfNeeded(); },
                  .cancelShortcutCapture = [this] { m_host.hotkeyRecorder().cancel(); }}),
       m_settings(
-          m_mainMenu, [] {}, [this] { return openSection(QStringLiteral("settings")); },
-          [] { return false; }),
+          m_mainMenu, [] {},
+          [this] {
+              m_windows.openSettingsWindow();
+              return true;
+          },
+          [this] { return openSection(QStringLiteral("settings")); }),
       m_menu({.flow = m_host.flow(),
               .history = m_host.history(),
               .account = m_host.account(),
