@@ -15,7 +15,6 @@ namespace {
 using Reply::allowOnly;
 using Reply::answer;
 using Reply::refuse;
-}
 
 } // namespace
 

@@ -50,11 +50,6 @@ Refusal Refusal::busy(std::chrono::duration<double> tooLong)
             static_cast<int>(std::ceil(std::clamp(tooLong.count(), shortest, longest)))};
 }
 
-Refusal Refusal::stopping()
-{
-    return {503, "stopping", "The service is stopping. Try again.", {}, {}};
-}
-
 Refusal Refusal::internalError()
 {
     return {500, "internal_error", "The service failed. Try again.", {}, {}};
