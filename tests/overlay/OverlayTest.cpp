@@ -2,8 +2,6 @@
 #include "overlay/FlatPanel.h"
 #include "overlay/OverlayDisplay.h"
 #include "overlay/OverlayLayout.h"
-#include "overlay/ToneStyle.h"
-#include "platform/PanelContent.h"
 #include "support/VirtualClock.h"
 
 #include <QDir>
@@ -11,7 +9,6 @@
 #include <QGuiApplication>
 #include <QTest>
 
-#include <cmath>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -94,8 +91,6 @@ private Q_SLOTS:
         QTest::newRow("one word") << u"OK"_s << QRect(0, 0, 1440, 900) << 180 << 1;
         QTest::newRow("300 characters") << longMessage << QRect(1920, 24, 1440, 876) << 520 << 5;
         QTest::newRow("narrow screen") << u"Copied to clipboard."_s << QRect(0, 0, 200, 800) << 180 << 2;
-        QTest::newRow("below the narrowest") << u"Copied to clipboard."_s << QRect(0, 0, 100, 800) << 180 << 2;
-        QTest::newRow("no end") << longMessage.repeated(20) << QRect(0, 0, 1440, 900) << 520 << 20;
         QTest::newRow("lines of its own") << u"a\nb\nc"_s << QRect(0, 0, 1440, 900) << 180 << 3;
     }
 

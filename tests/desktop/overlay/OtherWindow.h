@@ -17,7 +17,6 @@ public:
     /// The window at that place that a click would reach, as a child of the root.
     xcb_window_t windowAt(const QPoint &place);
     QList<uint32_t> managedWindows();
-    X11Connection &connection() { return *m_connection; }
 
 private:
     OtherWindow();
