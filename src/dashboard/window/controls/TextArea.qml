@@ -28,7 +28,7 @@ T.Control {
 
         clip: true
         // The editor scrolls to its cursor while there is no height yet, and so beyond its upper edge.
-        onHeightChanged: returnToBounds()
+        onContentYChanged: if (contentY < 0) contentY = 0
         boundsBehavior: Flickable.StopAtBounds
         T.ScrollBar.vertical: ScrollBar {}
 
