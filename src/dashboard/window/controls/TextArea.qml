@@ -27,6 +27,8 @@ T.Control {
         id: view
 
         clip: true
+        // The editor scrolls to its cursor while there is no height yet, and so beyond its upper edge.
+        onContentYChanged: if (contentY < 0) contentY = 0
         boundsBehavior: Flickable.StopAtBounds
         T.ScrollBar.vertical: ScrollBar {}
 

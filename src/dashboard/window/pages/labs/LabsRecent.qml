@@ -33,7 +33,7 @@ Column {
             Label {
                 width: parent.width
                 text: modelData.prompt
-                font.weight: Font.Medium
+                font.weight: Font.DemiBold
                 maximumLineCount: 3
                 elide: Text.ElideRight
             }

@@ -85,7 +85,9 @@ ScrollPane {
         title: qsTr("Shortcut")
 
         ShortcutChoice {
+            id: shortcut
             model: page.form.shortcut
+            onHeightChanged: if (model.capturing) Qt.callLater(page.reveal, shortcut)
         }
     }
 }
