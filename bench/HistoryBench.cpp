@@ -17,7 +17,7 @@ class BenchClock final : public Clock
 {
 public:
     QDateTime now() const override { return QDateTime(QDate(2026, 3, 1), QTime(9, 0), QTimeZone::utc()); }
-    QTimeZone timeZone() const override { return QTimeZone::utc(); }
+    QTimeZone timeZone() const override { return QTimeZone::systemTimeZone(); } // as the program's clock
     Duration monotonic() const override { return {}; }
     std::unique_ptr<Timer> after(Duration, std::function<void()>) override { return nullptr; }
     std::unique_ptr<Timer> every(Duration, std::function<void()>) override { return nullptr; }
@@ -33,7 +33,7 @@ private:
     QTemporaryDir m_directory;
 };
 
-QList<Dictation> records()
+QList<Dictation> records(int secondsApart = 3600)
 {
     const QString sentence =
         QStringLiteral("The shop opens next week, and we should tell everybody before Friday. ");
@@ -41,7 +41,7 @@ QList<Dictation> records()
     for (int i = 0; i < recordCount; ++i) {
         const QString text = sentence.repeated(1 + i % 5).trimmed();
         all.append({.id = QUuid::createUuid(),
-                    .date = BenchClock().now().addSecs(-3600 * i),
+                    .date = BenchClock().now().addSecs(qint64{-1} * secondsApart * i),
                     .durationSeconds = 4.25 + i % 30,
                     .wordCount = Dictation::wordCountOf(text),
                     .text = text,
@@ -49,17 +49,19 @@ QList<Dictation> records()
                     .transcribeMs = 640 + i % 100,
                     .cleanupMs = 410,
                     .audioBytes = 136044,
-                    .providerRaw = QStringLiteral("sayvane")});
+                    .providerRaw = QStringLiteral("groq"),
+                    .transcriptionModel = QStringLiteral("whisper-large-v3-turbo"),
+                    .chatModel = QStringLiteral("openai/gpt-oss-120b")});
     }
     return all;
 }
 
-void fill(const BenchFolders &folders)
+void fill(const BenchFolders &folders, int secondsApart = 3600)
 {
     QDir().mkpath(folders.applicationSupport() + QStringLiteral("/Sayvane"));
     QFile file(folders.applicationSupport() + QStringLiteral("/Sayvane/history.json"));
     if (file.open(QIODevice::WriteOnly))
-        file.write(HistoryFile::encode(records()));
+        file.write(HistoryFile::encode(records(secondsApart)));
 }
 
 void historyLoad(benchmark::State &state)
@@ -92,8 +94,31 @@ void historyEncode(benchmark::State &state)
         benchmark::DoNotOptimize(HistoryFile::encode(all));
 }
 
+/// One call over a full history, of a dictation an hour or of one a day for five years.
+template <auto Operation>
+void statistics(benchmark::State &state)
+{
+    qputenv("TZ", "Europe/London");
+    BenchFolders folders;
+    BenchClock clock;
+    fill(folders, static_cast<int>(state.range(0)) * 3600);
+    const HistoryStore store(folders, clock);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(Operation(store));
+}
+
+constexpr auto allFigures = [](const HistoryStore &store) { return store.computeStats(); };
+constexpr auto wordsOfTwoWeeks = [](const HistoryStore &store) { return store.wordsPerDay(14); };
+constexpr auto usage = [](const HistoryStore &store) {
+    const QDateTime month(QDate(2026, 3, 1), QTime(0, 0), QTimeZone::systemTimeZone());
+    return store.usage(Provider::groq, month);
+};
+
 } // namespace
 
+BENCHMARK(statistics<allFigures>)->Arg(1)->Arg(24)->Unit(benchmark::kMicrosecond);
+BENCHMARK(statistics<wordsOfTwoWeeks>)->Arg(1)->Arg(24)->Unit(benchmark::kMicrosecond);
+BENCHMARK(statistics<usage>)->Arg(1)->Arg(24)->Unit(benchmark::kMicrosecond);
 BENCHMARK(historyLoad)->Unit(benchmark::kMillisecond);
 BENCHMARK(historyAppendAndSave)->Unit(benchmark::kMillisecond);
 BENCHMARK(historyEncode)->Unit(benchmark::kMillisecond);

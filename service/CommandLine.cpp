@@ -61,6 +61,14 @@ Complaint setServeOption(CommandLine &line, std::string_view name, std::string_v
         line.decoders = decoders.value_or(0);
         return decoders ? Complaint() : "--decoders needs a number from 1 to 64";
     }
+    if (name == "--labs") {
+        line.labs = value;
+        return {};
+    }
+    if (name == "--sign-ups") {
+        line.newAccounts = value == "open";
+        return value == "open" || value == "closed" ? Complaint() : "--sign-ups needs open or closed";
+    }
     return "unknown option " + std::string(name);
 }
 
@@ -128,6 +136,7 @@ const char *CommandLine::help()
 {
     return R"(usage: sayvane-service [serve] [--host HOST] [--port PORT] [--data FOLDER]
                        [--models FOLDER] [--decoders COUNT]
+                       [--sign-ups open|closed] [--labs FILE]
        sayvane-service session --email ADDRESS [--device NAME]
                        [--daily-minutes COUNT] [--data FOLDER]
 
@@ -136,6 +145,9 @@ serve    answers Sayvane's requests over HTTPS until it is told to end
   --port PORT            0 is any free port (8765)
   --models FOLDER        speech models, laid out like the packaged ones
   --decoders COUNT       recordings are decoded by so many threads, 100 MB each
+  --sign-ups open|closed whether new e-mail addresses may sign in (open)
+  --labs FILE            addresses, models and keys of the assistants
+                         (labs.json in the data folder)
 session  makes a session and prints its token, once
   --email ADDRESS        the account; made when it is new
   --device NAME          a name to tell sessions apart

@@ -17,6 +17,8 @@ struct CommandLine
     int port = 8765;              ///< 0: any free one
     std::filesystem::path models; ///< empty: the packaged ones
     int decoders = 0;             ///< 0: one per processor, two at most
+    bool newAccounts = true;      ///< whether addresses without an account may sign in
+    std::filesystem::path labs;   ///< settings of the assistants; empty: those in the data folder, if any
     std::string email;
     std::string device = "unnamed";
     std::optional<int> dailyMinutes;

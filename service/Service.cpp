@@ -1,12 +1,14 @@
 #include "service/Service.h"
 
-#include "service/accounts/SessionToken.h"
 #include "service/cleanup/Capitals.h"
 #include "service/cleanup/Editor.h"
 #include "service/cleanup/FullStops.h"
+#include "service/http/Reply.h"
+#include "service/protocol/Authentication.h"
 #include "service/protocol/CleanupRequest.h"
 #include "service/protocol/Language.h"
 #include "service/protocol/Refusal.h"
+#include "service/protocol/TextBody.h"
 #include "service/protocol/TranscribeForm.h"
 #include "service/text/Vocabulary.h"
 
@@ -17,24 +19,14 @@
 
 namespace {
 
+using Reply::allowOnly;
+using Reply::answer;
+using Reply::refuse;
+
 constexpr int recordingsAtOnce = 6;
 constexpr size_t formLimit = TranscribeForm::maximumRecording + size_t{64} * 1024;
 constexpr auto speechModel = "pocketsphinx-en-us";
 constexpr auto cleanupModel = "sayvane-rules";
-
-void refuse(httplib::Response &response, const Refusal &refusal)
-{
-    response.status = refusal.status;
-    if (refusal.retryAfterSeconds)
-        response.set_header("Retry-After", std::to_string(*refusal.retryAfterSeconds));
-    response.set_content(refusal.body(), "application/json");
-}
-
-void answer(httplib::Response &response, const nlohmann::json &body)
-{
-    response.status = 200;
-    response.set_content(body.dump(), "application/json");
-}
 
 /// Known before anything of the body is read; a body in chunks is counted while it arrives.
 bool announcesMoreThan(const httplib::Request &request, size_t limit)
@@ -46,24 +38,6 @@ bool announcesMoreThan(const httplib::Request &request, size_t limit)
 std::string sentence(const std::string &words, const std::string &prompt)
 {
     return textOf(FullStops::endingText(Capitals::set(Vocabulary(prompt).spelled(wordsOf(words)))));
-}
-
-/// Answers requests for a known address with a method that it does not take.
-void allowOnly(httplib::Server &server, const char *path, const char *method)
-{
-    const auto explain = [method](const httplib::Request &, httplib::Response &response) {
-        response.set_header("Allow", method);
-        refuse(response, Refusal::forStatus(405));
-    };
-    const auto explainUnread = [explain](const httplib::Request &request, httplib::Response &response,
-                                         const httplib::ContentReader &) { explain(request, response); };
-    if (std::string_view(method) != "GET")
-        server.Get(path, explain);
-    if (std::string_view(method) != "POST")
-        server.Post(path, explainUnread);
-    server.Put(path, explainUnread);
-    server.Patch(path, explainUnread);
-    server.Delete(path, explainUnread);
 }
 
 } // namespace
@@ -83,12 +57,11 @@ Service::Service(HttpsServer &server, Accounts &accounts, SpeechEngine &speech)
                 [this](const Request &request, Response &response, const httplib::ContentReader &body) {
                     cleanup(request, response, body);
                 });
-    server.Get("/v1/me", [this](const Request &request, Response &response) { me(request, response); });
     server.Get("/models", [this](const Request &request, Response &response) { models(request, response); });
     server.Get("/health", [](const Request &, Response &response) { answer(response, {{"status", "ok"}}); });
     allowOnly(server, "/v1/transcribe", "POST");
     allowOnly(server, "/v1/cleanup", "POST");
-    for (const char *path : {"/v1/me", "/models", "/health"})
+    for (const char *path : {"/models", "/health"})
         allowOnly(server, path, "GET");
     // Without these the library would read a whole body into memory before it looks for the address.
     const auto unknown = [](const Request &, Response &response, const httplib::ContentReader &) {
@@ -162,37 +135,14 @@ void Service::cleanup(const Request &request, Response &response, const httplib:
 {
     if (!authenticated(request, response))
         return;
-    if (request.is_multipart_form_data())
-        return refuse(response, Refusal::badRequest("The request is not a JSON object in UTF-8."));
-    std::string text;
-    bool tooLarge = announcesMoreThan(request, CleanupRequest::maximumBody);
-    const bool complete = !tooLarge && body([&](const char *bytes, size_t size) {
-        tooLarge = text.size() + size > CleanupRequest::maximumBody;
-        if (!tooLarge)
-            text.append(bytes, size);
-        return !tooLarge;
-    });
-    if (tooLarge)
-        return refuse(response, Refusal::tooLarge("The text is too long."));
-    if (!complete)
-        return refuse(response, Refusal::forStatus(400));
-    const auto wanted = CleanupRequest::fromJson(text);
+    const auto text = TextBody::read(request, body, CleanupRequest::maximumBody);
+    if (!text)
+        return refuse(response, text.error());
+    const auto wanted = CleanupRequest::fromJson(*text);
     if (!wanted)
         return refuse(response, wanted.error());
     const Editor::Result result = Editor::edited(wanted->text, wanted->vocabulary, wanted->language);
     answer(response, {{"text", result.text}, {"model", cleanupModel}, {"skipped", result.skipped}});
-}
-
-void Service::me(const Request &request, Response &response)
-{
-    if (const auto account = authenticated(request, response)) {
-        answer(response, {{"email", account->email},
-                          {"plan", "self-hosted"},
-                          {"status", "active"},
-                          {"dailyMinutes", account->dailySeconds / 60},
-                          {"usedTodaySeconds", account->usedSeconds},
-                          {"remainingSeconds", account->remainingSeconds()}});
-    }
 }
 
 void Service::models(const Request &request, Response &response)
@@ -207,10 +157,9 @@ void Service::models(const Request &request, Response &response)
 
 std::optional<Account> Service::authenticated(const Request &request, Response &response)
 {
-    const std::string header = request.get_header_value("Authorization");
-    const auto token = SessionToken::inHeader(header);
-    auto account = token.empty() ? std::nullopt : m_accounts.find(token);
-    if (!account)
-        refuse(response, Refusal::unauthorized());
-    return account;
+    const auto account = Authentication::accountOf(request, m_accounts);
+    if (account)
+        return *account;
+    refuse(response, account.error());
+    return {};
 }

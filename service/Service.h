@@ -8,7 +8,8 @@
 #include <semaphore>
 #include <string>
 
-/// The protocol's addresses: who may use them, what they do, how they refuse.
+/// The addresses for speech and text: who may use them, what they do, how they refuse. Every address that
+/// it does not know is refused, so other routes are set before it.
 class Service
 {
 public:
@@ -22,7 +23,6 @@ private:
 
     void transcribe(const Request &request, Response &response, const httplib::ContentReader &body);
     void cleanup(const Request &request, Response &response, const httplib::ContentReader &body);
-    void me(const Request &request, Response &response);
     void models(const Request &request, Response &response);
 
     /// The account that the request's session belongs to; refuses otherwise.

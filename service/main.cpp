@@ -1,4 +1,7 @@
+#include "service/AccountRoutes.h"
 #include "service/CommandLine.h"
+#include "service/Console.h"
+#include "service/LabsRoutes.h"
 #include "service/Service.h"
 #include "service/machine/Certificate.h"
 #include "service/machine/DataFolder.h"
@@ -6,6 +9,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <thread>
@@ -40,6 +44,14 @@ size_t decodersFor(const CommandLine &line)
     return line.decoders > 0 ? static_cast<size_t>(line.decoders) : std::min(processors, 2u);
 }
 
+/// The settings of the assistants; empty when there is no file of them.
+std::filesystem::path labsFile(const CommandLine &line, const DataFolder &folder)
+{
+    if (!line.labs.empty())
+        return line.labs;
+    return std::filesystem::exists(folder.labs()) ? folder.labs() : std::filesystem::path();
+}
+
 void serve(const CommandLine &line, DataFolder &folder)
 {
     const sigset_t signals = endingSignals();
@@ -51,6 +63,12 @@ void serve(const CommandLine &line, DataFolder &folder)
     const int port = server.bind(line.host, line.port);
     SpeechEngine speech(SpeechModel::in(line.models.empty() ? SpeechModel::packagedFolder() : line.models),
                         decodersFor(line));
+    SignIns signIns(folder.database(), systemTime);
+    const AccountRoutes accountRoutes(
+        server, accounts, signIns,
+        line.newAccounts ? AccountRoutes::SignUps::open : AccountRoutes::SignUps::closed, Console::show);
+    const Assistants assistants(labsFile(line, folder), [](const char *name) { return std::getenv(name); });
+    const LabsRoutes labsRoutes(server, accounts, assistants);
     const Service service(server, accounts, speech);
     std::thread serving([&server] { server.serve(); });
     std::cout << "listening on " << addressOf(line.host, port) << " certificate "

@@ -39,6 +39,14 @@ bool Statement::step()
     return false;
 }
 
+bool Statement::changesAny()
+{
+    bool any = false;
+    while (step())
+        any = true;
+    return any;
+}
+
 std::string Statement::text(int column) const
 {
     const auto *bytes = static_cast<const char *>(sqlite3_column_blob(m_handle.get(), column));

@@ -19,6 +19,8 @@ public:
 
     /// Whether there is a next row; its columns can then be read.
     bool step();
+    /// Carries a change that returns its rows out to its end; whether there were any.
+    bool changesAny();
     std::int64_t number(int column) const { return sqlite3_column_int64(m_handle.get(), column); }
     std::string text(int column) const;
 

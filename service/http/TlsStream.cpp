@@ -8,6 +8,7 @@
 #include <climits>
 
 #include <fcntl.h>
+#include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
@@ -151,6 +152,13 @@ void TlsStream::get_remote_ip_and_port(std::string &ip, int &port) const
 {
     ip.clear();
     port = 0;
+    sockaddr_storage address{};
+    socklen_t length = sizeof address;
+    char text[NI_MAXHOST];
+    auto *peer = reinterpret_cast<sockaddr *>(&address);
+    if (::getpeername(m_socket, peer, &length) == 0 &&
+        ::getnameinfo(peer, length, text, sizeof text, nullptr, 0, NI_NUMERICHOST) == 0)
+        ip = text;
 }
 
 void TlsStream::get_local_ip_and_port(std::string &ip, int &port) const

@@ -21,6 +21,7 @@ public:
     void lockForServing();
 
     std::filesystem::path database() const { return m_path / "service.sqlite"; }
+    std::filesystem::path labs() const { return m_path / "labs.json"; }
     std::filesystem::path certificate() const { return m_path / "certificate.pem"; }
     std::filesystem::path privateKey() const { return m_path / "key.pem"; }
 

@@ -1,6 +1,8 @@
 #include "service/machine/Log.h"
 
-#include <ctime>
+#include "service/machine/WallClock.h"
+#include "service/text/Timestamp.h"
+
 #include <string>
 
 #include <unistd.h>
@@ -10,12 +12,7 @@ namespace {
 /// One write per line: lines of several threads do not mix.
 void print(std::string line)
 {
-    const std::time_t now = std::time(nullptr);
-    std::tm utc{};
-    gmtime_r(&now, &utc);
-    char stamp[32];
-    const size_t length = std::strftime(stamp, sizeof stamp, "%Y-%m-%dT%H:%M:%SZ ", &utc);
-    line.insert(0, stamp, length);
+    line = Timestamp::of(systemTime()) + ' ' + line;
     line += '\n';
     [[maybe_unused]] const auto written = ::write(STDERR_FILENO, line.data(), line.size());
 }

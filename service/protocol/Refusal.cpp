@@ -27,11 +27,17 @@ Refusal Refusal::quotaExceeded()
 
 Refusal Refusal::rateLimited()
 {
-    return {429,
-            "rate_limited",
-            "Too many recordings are being transcribed just now. Try again in a moment.",
-            3,
-            {}};
+    return tooMany("Too many recordings are being transcribed just now. Try again in a moment.", 3);
+}
+
+Refusal Refusal::stopping()
+{
+    return {503, "stopping", "The service is stopping. Try again.", {}, {}};
+}
+
+Refusal Refusal::tooMany(std::string message, std::int64_t waitSeconds)
+{
+    return {429, "rate_limited", std::move(message), static_cast<int>(waitSeconds), {}};
 }
 
 Refusal Refusal::internalError()

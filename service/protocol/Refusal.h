@@ -11,8 +11,9 @@ struct Refusal
     int status = 400;
     std::string code;
     std::string message;
-    std::optional<int> retryAfterSeconds;
-    std::optional<std::int64_t> remainingSeconds;
+    std::optional<int> retryAfterSeconds = {};
+    std::optional<std::int64_t> remainingSeconds = {};
+    std::string parameter = {}; ///< the part of the request that is at fault, where one is
 
     static Refusal badRequest(std::string message);
     static Refusal tooLarge(std::string message);
@@ -20,6 +21,10 @@ struct Refusal
     static Refusal quotaExceeded();
     /// All places are taken; the client may try again by itself.
     static Refusal rateLimited();
+    /// The server ends before the work is done.
+    static Refusal stopping();
+    /// Something was asked for too often; how long to wait is told in seconds.
+    static Refusal tooMany(std::string message, std::int64_t waitSeconds);
     static Refusal internalError();
     /// The refusal for an answer that was given a status and nothing else.
     static Refusal forStatus(int status);

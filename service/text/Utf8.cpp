@@ -1,5 +1,8 @@
 #include "service/text/Utf8.h"
 
+#include <unigbrk.h>
+
+#include <algorithm>
 #include <cstdint>
 
 namespace {
@@ -45,6 +48,13 @@ bool isOtherLetter(std::uint32_t c)
            (c >= 0x10000 && c < 0x1f000) || (c >= 0x20000 && c < 0xe0000);
 }
 
+bool isControl(std::uint32_t c)
+{
+    const bool turnsDirection = c == 0x61c || c == 0x200e || c == 0x200f || (c >= 0x202a && c <= 0x202e) ||
+                                (c >= 0x2066 && c <= 0x2069);
+    return c < 0x20 || (c >= 0x7f && c < 0xa0) || c == 0x2028 || c == 0x2029 || turnsDirection;
+}
+
 } // namespace
 
 bool Utf8::isValid(std::string_view bytes)
@@ -65,6 +75,36 @@ std::string_view Utf8::trimmed(std::string_view text)
     if (first == std::string_view::npos)
         return {};
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+std::string_view Utf8::prefix(std::string_view text, size_t count)
+{
+    size_t size = 0;
+    while (count-- > 0 && size < text.size()) {
+        const size_t length = firstOf(text.substr(size)).length;
+        size += length ? length : 1;
+    }
+    return text.substr(0, size);
+}
+
+size_t Utf8::characters(std::string_view text)
+{
+    std::string starts(text.size(), '\0');
+    u8_grapheme_breaks(reinterpret_cast<const std::uint8_t *>(text.data()), text.size(), starts.data());
+    return static_cast<size_t>(std::ranges::count(starts, '\1'));
+}
+
+std::string Utf8::withoutControls(std::string_view text)
+{
+    std::string result;
+    while (!text.empty()) {
+        const CodePoint next = firstOf(text);
+        const size_t length = next.length ? next.length : 1;
+        if (!isControl(next.value))
+            result += text.substr(0, length);
+        text.remove_prefix(length);
+    }
+    return result;
 }
 
 bool Utf8::isMostlyNotLatin(std::string_view text)

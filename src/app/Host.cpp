@@ -41,6 +41,7 @@ Host::Host(Platform &platform, const QString &serviceAddress)
       m_hotkeyRecorder(
           platform.localKeys, [this] { return m_flow.hotkey(); },
           [this](const HotkeySpec &spec) { m_flow.updateHotkey(spec); }),
+      m_overlay(m_flow.overlay(), platform.panels, platform.clock),
       m_delegate({.platform = platform,
                   .flow = m_flow,
                   .hotkeyRecorder = m_hotkeyRecorder,
@@ -51,4 +52,10 @@ Host::Host(Platform &platform, const QString &serviceAddress)
     QObject::connect(&m_account, &AccountStatus::sessionRejected, &m_flow, &FlowController::reportSignedOut);
     QObject::connect(&m_flow, &FlowController::hotkeyActiveChanged, &m_hotkeyRecorder,
                      &HotkeyRecorder::suspendRunning);
+}
+
+void Host::launch(std::function<void()> showDashboard)
+{
+    m_delegate.applicationDidFinishLaunching(std::move(showDashboard));
+    m_overlay.prepare();
 }

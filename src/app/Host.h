@@ -12,6 +12,7 @@
 #include "labs/LabsAnswerMode.h"
 #include "labs/LabsClient.h"
 #include "labs/LabsSession.h"
+#include "overlay/OverlayDisplay.h"
 #include "settings/Defaults.h"
 #include "settings/Keychain.h"
 #include "settings/Prefs.h"
@@ -33,10 +34,7 @@ public:
     Host &operator=(const Host &) = delete;
 
     /// Puts the program to work; it asks for the dashboard when the user is to see it.
-    void launch(std::function<void()> showDashboard)
-    {
-        m_delegate.applicationDidFinishLaunching(std::move(showDashboard));
-    }
+    void launch(std::function<void()> showDashboard);
 
     Keychain &keychain() { return m_keychain; }
     Defaults &defaults() { return m_preferences.defaults; }
@@ -78,5 +76,6 @@ private:
     Transcriber m_transcriber;
     FlowController m_flow;
     HotkeyRecorder m_hotkeyRecorder;
+    OverlayDisplay m_overlay;
     AppDelegate m_delegate;
 };

@@ -32,16 +32,28 @@ TextInserter::TextInserter(Pasteboard &pasteboard, KeyPoster &keys, const Access
 QCoro::Task<bool> TextInserter::insert(QString text, std::stop_token stop)
 {
     const bool trusted = m_trust.isTrusted();
+    const bool restores = trusted && m_prefs.isEnabled(PrefsKey::restoreClipboard);
     QList<PasteboardItem> saved;
-    if (trusted && m_prefs.isEnabled(PrefsKey::restoreClipboard))
+    if (restores)
         saved = co_await m_pasteboard.items();
     if (stop.stop_requested())
         co_return false; // the inserter may be gone
     m_pasteboard.setString(text);
-    const qint64 count = m_pasteboard.changeCount();
+    qint64 count = m_pasteboard.changeCount();
     if (!trusted)
         co_return false;
     co_await sleepFor(m_clock, settleDelay, stop);
+    if (m_pasteboard.changeCount() != count && !stop.stop_requested()) {
+        // Somebody took the clipboard just now. What they put there is not what was said, and theirs again
+        // afterwards.
+        if (restores)
+            saved = co_await m_pasteboard.items();
+        if (stop.stop_requested())
+            co_return false;
+        m_pasteboard.setString(text);
+        count = m_pasteboard.changeCount();
+        co_await sleepFor(m_clock, settleDelay, stop);
+    }
     if (stop.stop_requested()) {
         if (!saved.isEmpty() && m_pasteboard.changeCount() == count)
             m_pasteboard.setItems(saved);

@@ -126,24 +126,6 @@ private:
     bool m_isFirst = true;
 };
 
-void appendRecord(QByteArray &json, const Dictation &record)
-{
-    ObjectWriter object(json);
-    object.ascii("id", record.id.toByteArray(QUuid::WithoutBraces).toUpper());
-    object.ascii("date", isoDate(record.date));
-    object.real("durationSeconds", record.durationSeconds);
-    object.integer("wordCount", record.wordCount);
-    object.text("text", record.text);
-    object.text("rawText", record.rawText);
-    object.integer("transcribeMs", record.transcribeMs);
-    object.integer("cleanupMs", record.cleanupMs);
-    object.integer("audioBytes", record.audioBytes);
-    object.text("providerRaw", record.providerRaw);
-    object.text("transcriptionModel", record.transcriptionModel);
-    object.text("chatModel", record.chatModel);
-    object.finish();
-}
-
 /// Whether the text has the shape of ISO 8601 internet date-time, whole seconds and a zone: Qt also reads
 /// fractions, of minutes even, and times without a zone.
 bool isWholeSecondsWithZone(QStringView text)
@@ -253,14 +235,47 @@ std::expected<Dictation, QString> record(const QJsonValue &value)
 
 QByteArray HistoryFile::encode(const QList<Dictation> &records)
 {
+    QList<QByteArray> encoded;
+    encoded.reserve(records.size());
+    for (const Dictation &record : records)
+        encoded.append(encodeRecord(record));
+    return join(encoded);
+}
+
+QByteArray HistoryFile::encodeRecord(const Dictation &record)
+{
     QByteArray json;
-    json.reserve(records.size() * 512 + 8);
+    json.reserve(512);
+    ObjectWriter object(json);
+    object.ascii("id", record.id.toByteArray(QUuid::WithoutBraces).toUpper());
+    object.ascii("date", isoDate(record.date));
+    object.real("durationSeconds", record.durationSeconds);
+    object.integer("wordCount", record.wordCount);
+    object.text("text", record.text);
+    object.text("rawText", record.rawText);
+    object.integer("transcribeMs", record.transcribeMs);
+    object.integer("cleanupMs", record.cleanupMs);
+    object.integer("audioBytes", record.audioBytes);
+    object.text("providerRaw", record.providerRaw);
+    object.text("transcriptionModel", record.transcriptionModel);
+    object.text("chatModel", record.chatModel);
+    object.finish();
+    return json;
+}
+
+QByteArray HistoryFile::join(const QList<QByteArray> &encodedRecords)
+{
+    qsizetype size = 3;
+    for (const QByteArray &record : encodedRecords)
+        size += record.size() + 2;
+    QByteArray json;
+    json.reserve(size);
     json += '[';
     bool isFirst = true;
-    for (const Dictation &dictation : records) {
+    for (const QByteArray &record : encodedRecords) {
         json += isFirst ? "\n" : ",\n";
         isFirst = false;
-        appendRecord(json, dictation);
+        json += record;
     }
     json += "\n]";
     return json;

@@ -14,6 +14,12 @@ namespace HistoryFile {
 
 QByteArray encode(const QList<Dictation> &records);
 
+/// One record as it stands in the file, for callers that keep it: a record never changes, and encoding two
+/// thousand takes far longer than putting them together.
+QByteArray encodeRecord(const Dictation &record);
+/// The file of records already encoded.
+QByteArray join(const QList<QByteArray> &encodedRecords);
+
 /// The records in the file's order; the error says what could not be read. One bad record makes the
 /// whole file unreadable.
 std::expected<QList<Dictation>, QString> decode(const QByteArray &json);

@@ -59,6 +59,7 @@ void HistoryStore::load()
     } else {
         m_records = *std::move(records);
         std::ranges::stable_sort(m_records, std::ranges::greater(), &Dictation::date);
+        m_encoded.resize(m_records.size());
     }
     publish();
 }
@@ -81,22 +82,35 @@ void HistoryStore::save()
 {
     if (m_savingBlocked)
         return;
-    if (const auto saved = AtomicFile::replace(m_filePath, HistoryFile::encode(m_records)); !saved)
+    for (qsizetype i = 0; i < m_records.size(); ++i) {
+        if (m_encoded.at(i).isEmpty())
+            m_encoded[i] = HistoryFile::encodeRecord(m_records.at(i));
+    }
+    if (const auto saved = AtomicFile::replace(m_filePath, HistoryFile::join(m_encoded)); !saved)
         qCCritical(log).noquote() << "Could not write history.json:" << saved.error();
 }
 
 void HistoryStore::append(const Dictation &dictation)
 {
     m_records.prepend(dictation);
-    if (m_records.size() > cap)
+    m_encoded.prepend({});
+    if (m_records.size() > cap) {
         m_records.resize(cap);
+        m_encoded.resize(cap);
+    }
     publish();
     save();
 }
 
 void HistoryStore::remove(const Dictation &dictation)
 {
-    m_records.removeIf([&](const Dictation &record) { return record.id == dictation.id; });
+    const QUuid id = dictation.id; // the record given may be one of ours
+    for (qsizetype i = m_records.size() - 1; i >= 0; --i) {
+        if (m_records.at(i).id == id) {
+            m_records.removeAt(i);
+            m_encoded.removeAt(i);
+        }
+    }
     publish();
     save();
 }
@@ -104,6 +118,7 @@ void HistoryStore::remove(const Dictation &dictation)
 void HistoryStore::clear()
 {
     m_records.clear();
+    m_encoded.clear();
     publish();
     save();
 }

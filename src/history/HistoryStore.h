@@ -6,6 +6,7 @@
 #include "history/UsageSummary.h"
 #include "values/Provider.h"
 
+#include <QByteArray>
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -63,7 +64,8 @@ private:
 
     Clock &m_clock;
     QString m_filePath;
-    QList<Dictation> m_records; // newest first
+    QList<Dictation> m_records;  // newest first
+    QList<QByteArray> m_encoded; // of each record the form in the file; empty until the first save needs it
     FlowStats m_stats;
     bool m_savingBlocked = false;
 };

@@ -6,7 +6,9 @@ class Appearance;
 class Clock;
 class ComputerName;
 class DefaultsStore;
+class FloatingPanels;
 class Folders;
+class Graphics;
 class HttpTransport;
 class KeyPoster;
 class KeyTaps;
@@ -38,4 +40,6 @@ struct Platform
     LocalKeys &localKeys;
     Activation &activation;
     Appearance &appearance;
+    FloatingPanels &panels;
+    Graphics &graphics;
 };

@@ -46,7 +46,12 @@ Transcriber::Transcriber(const Collaborators &with)
       m_sessions(with.sessions),
       m_account(with.account),
       m_http(with.http),
-      m_clock(with.clock)
+      m_clock(with.clock),
+      m_accountClient({.prefs = with.prefs,
+                       .sessions = with.sessions,
+                       .account = with.account,
+                       .http = with.http,
+                       .clock = with.clock})
 {
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "account/AccountClient.h"
 #include "platform/Clock.h"
 #include "platform/HttpTransport.h"
 #include "values/FlowError.h"
@@ -90,5 +91,6 @@ private:
     AccountStatus &m_account;
     HttpTransport &m_http;
     Clock &m_clock;
+    AccountClient m_accountClient;
     std::optional<Clock::Duration> m_lastWarmUp;
 };

@@ -35,11 +35,16 @@ Transcriber::Models idsIn(const QByteArray &json)
 
 QCoro::Task<Transcriber::Models> Transcriber::listModels(Provider provider, std::stop_token stop)
 {
-    const bool isService = provider == Provider::sayvane;
     const auto credential = m_credentials.apiKey(provider);
     if (!credential)
         co_return std::unexpected(credential.error());
-    const auto url = endpoint(isService ? u"/v1/me"_s : u"/models"_s, provider);
+    if (provider == Provider::sayvane) { // it has no list of models; that the session works is what counts
+        const auto account = co_await m_accountClient.me(*credential, stop);
+        if (!account)
+            co_return std::unexpected(FlowError::api(account.error().message));
+        co_return QStringList{u"account"_s};
+    }
+    const auto url = endpoint(u"/models"_s, provider);
     if (!url)
         co_return std::unexpected(url.error());
     const HttpRequest request{.method = "GET",
@@ -50,8 +55,6 @@ QCoro::Task<Transcriber::Models> Transcriber::listModels(Provider provider, std:
     const Answer reply = co_await send(request, provider, true, stop);
     if (!reply)
         co_return std::unexpected(reply.error());
-    if (isService) // it has no list of models; that it knows the account is what counts
-        co_return QStringList{u"account"_s};
     co_return idsIn(reply->body);
 }
 

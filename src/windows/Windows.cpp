@@ -9,10 +9,11 @@ Windows::Windows(Host &host, Platform &platform, Hooks hooks)
       m_forms(host, platform, [this] { openSettings(); }),
       m_dashboard({.activation = platform.activation,
                    .appearance = platform.appearance,
+                   .graphics = platform.graphics,
                    .models = [this] { return models(); },
                    .installMainMenu = std::move(hooks.installMainMenu),
                    .cancelShortcutCapture = std::move(hooks.cancelShortcutCapture)}),
-      m_settings(platform.appearance, m_forms.settings())
+      m_settings(platform.appearance, platform.graphics, m_forms.settings())
 {
 }
 

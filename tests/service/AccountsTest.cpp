@@ -49,10 +49,10 @@ void AccountsTest::aSessionIsFoundByItsTokenAlone()
 
 void AccountsTest::theAllowanceLastsADay()
 {
-    auto today = std::chrono::sys_days{2026y / 2 / 28};
+    std::chrono::sys_seconds now = std::chrono::sys_days{2026y / 2 / 28} + 23h + 59min;
     std::string token;
     {
-        Accounts accounts(path(), [&] { return today; });
+        Accounts accounts(path(), [&] { return now; });
         token = accounts.openSession("a@example.com", "one", 1);
         const Account account = accounts.find(token).value();
         QCOMPARE(accounts.charge(account, 20), std::optional<std::int64_t>(40));
@@ -60,13 +60,13 @@ void AccountsTest::theAllowanceLastsADay()
         accounts.refund(account, 35);
         QCOMPARE(accounts.find(token).value().remainingSeconds(), 40);
     }
-    Accounts accounts(path(), [&] { return today; });
+    Accounts accounts(path(), [&] { return now; });
     const Account account = accounts.find(token).value();
     QCOMPARE(account.remainingSeconds(), 40);
     QCOMPARE(accounts.charge(account, 570), std::optional<std::int64_t>(0));
     QVERIFY(!accounts.charge(account, 1));
     QCOMPARE(accounts.find(token).value().remainingSeconds(), 0);
-    today += std::chrono::days(1);
+    now += 1min; // midnight in Greenwich
     QCOMPARE(accounts.find(token).value().remainingSeconds(), 60);
     QCOMPARE(accounts.charge(account, 90), std::optional<std::int64_t>(0));
     QVERIFY(!accounts.charge(account, 1));

@@ -12,12 +12,17 @@ constexpr int patienceMs = 60'000;
 }
 
 Exchange::Exchange(const ServiceProcess &service, const QString &name)
+    : Exchange(service.port(), service.certificate(), name)
+{
+}
+
+Exchange::Exchange(quint16 port, const QSslCertificate &certificate, const QString &name)
 {
     QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-    configuration.setCaCertificates({service.certificate()});
+    configuration.setCaCertificates({certificate});
     m_socket->setSslConfiguration(configuration);
     m_socket->setPeerVerifyName(name);
-    m_socket->connectToHostEncrypted(u"127.0.0.1"_s, service.port());
+    m_socket->connectToHostEncrypted(u"127.0.0.1"_s, port);
     m_socket->waitForEncrypted(patienceMs);
 }
 

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QJsonObject>
+#include <QSslCertificate>
 #include <QSslSocket>
 
 #include <memory>
@@ -27,6 +28,7 @@ public:
     };
 
     explicit Exchange(const ServiceProcess &service, const QString &name = QStringLiteral("localhost"));
+    Exchange(quint16 port, const QSslCertificate &certificate, const QString &name = QStringLiteral("localhost"));
 
     bool isOpen() const { return m_socket->isEncrypted() && m_socket->state() == QAbstractSocket::ConnectedState; }
     QSslSocket &socket() { return *m_socket; }

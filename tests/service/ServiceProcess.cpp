@@ -13,16 +13,20 @@ constexpr int patienceMs = 30'000;
 bool ServiceProcess::start(const QStringList &options)
 {
     m_process.start(program, QStringList{u"serve"_s, u"--port"_s, u"0"_s, u"--data"_s, folder()} + options);
-    QByteArray line;
-    while (!line.endsWith('\n')) {
-        if (!m_process.waitForReadyRead(patienceMs))
-            return false;
-        line += m_process.readAllStandardOutput();
-    }
+    const QByteArray line = nextLine();
     static const QRegularExpression ready(u"^listening on https://127\\.0\\.0\\.1:(\\d+) certificate (/.+)\n$"_s);
     const auto match = ready.match(QString::fromUtf8(line));
     m_port = match.captured(1).toUShort();
     return match.captured(2) == folder() + u"/certificate.pem"_s;
+}
+
+QByteArray ServiceProcess::nextLine()
+{
+    while (!m_process.canReadLine()) {
+        if (!m_process.waitForReadyRead(patienceMs))
+            return {};
+    }
+    return m_process.readLine();
 }
 
 int ServiceProcess::end()

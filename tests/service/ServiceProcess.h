@@ -14,6 +14,9 @@ public:
     int end();
     ~ServiceProcess();
 
+    /// The next line on standard output, which it waits for; empty when none comes.
+    QByteArray nextLine();
+
     /// Runs the program beside the server: exit code, standard output, standard error.
     struct Output
     {

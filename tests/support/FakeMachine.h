@@ -5,7 +5,9 @@
 #include "platform/Appearance.h"
 #include "platform/ComputerName.h"
 #include "platform/DefaultsStore.h"
+#include "platform/FloatingPanels.h"
 #include "platform/Folders.h"
+#include "platform/Graphics.h"
 #include "platform/KeyPoster.h"
 #include "platform/LocalKeys.h"
 #include "platform/Pasteboard.h"
@@ -160,6 +162,13 @@ public:
     QList<QUrl> opened;
 };
 
+/// A desktop without floating panels, which takes no display.
+class FakeFloatingPanels final : public FloatingPanels
+{
+public:
+    std::unique_ptr<FloatingPanel> create(PanelContent &) override { return nullptr; }
+};
+
 class FakeComputerName final : public ComputerName
 {
 public:
@@ -172,6 +181,12 @@ public:
     void setPolicy(ActivationPolicy wanted) override { policy = wanted; }
 
     ActivationPolicy policy = ActivationPolicy::accessory;
+};
+
+class FakeGraphics final : public Graphics
+{
+public:
+    bool hasProcessor() const override { return false; }
 };
 
 class FakeAppearance final : public Appearance
@@ -213,8 +228,10 @@ public:
     FakeLocalKeys localKeys;
     FakeActivation activation;
     FakeAppearance appearance;
+    FakeFloatingPanels panels;
+    FakeGraphics graphics;
 
-    Platform platform{clock, folders,    volumes, defaults, secrets,   computerName, workspace, http,
-                      trust, microphone, sounds,  keyTaps,  keyPoster, pasteboard,   localKeys, activation,
-                      appearance};
+    Platform platform{clock,     folders,    volumes,    defaults, secrets, computerName, workspace,
+                      http,      trust,      microphone, sounds,   keyTaps, keyPoster,    pasteboard,
+                      localKeys, activation, appearance, panels,   graphics};
 };

@@ -63,7 +63,7 @@ void DashboardWindowController::show()
 
 void DashboardWindowController::make()
 {
-    m_engine = std::make_unique<WindowEngine>(m_needs.appearance);
+    m_engine = std::make_unique<WindowEngine>(m_needs.appearance, m_needs.graphics);
     m_window = m_engine->makeWindow(u"DashboardWindow"_s, m_needs.models());
     // A hidden window keeps nothing of what it drew.
     m_window->setPersistentGraphics(false);

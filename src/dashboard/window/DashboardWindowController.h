@@ -11,6 +11,7 @@
 
 class Activation;
 class Appearance;
+class Graphics;
 class QQuickWindow;
 class QWindow;
 
@@ -22,6 +23,7 @@ public:
     {
         Activation &activation;
         Appearance &appearance;
+        Graphics &graphics;
         /// The models of the screens by the window's property names; asked for when the window is made.
         std::function<QVariantMap()> models;
         /// Gives windows their editing commands.

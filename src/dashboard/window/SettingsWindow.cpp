@@ -6,8 +6,9 @@
 
 using namespace Qt::StringLiterals;
 
-SettingsWindow::SettingsWindow(Appearance &appearance, SettingsForms &forms)
+SettingsWindow::SettingsWindow(Appearance &appearance, const Graphics &graphics, SettingsForms &forms)
     : m_appearance(appearance),
+      m_graphics(graphics),
       m_forms(forms)
 {
 }
@@ -26,7 +27,7 @@ void SettingsWindow::show()
 
 void SettingsWindow::make()
 {
-    m_engine = std::make_unique<WindowEngine>(m_appearance);
+    m_engine = std::make_unique<WindowEngine>(m_appearance, m_graphics);
     m_window = m_engine->makeWindow(u"settings/SettingsWindow"_s, {{u"forms"_s, QVariant::fromValue(&m_forms)}});
     // While it tells that it was closed the window is still in use.
     connect(m_window.get(), &QWindow::visibleChanged, this, &SettingsWindow::dropIfClosed, Qt::QueuedConnection);

@@ -7,6 +7,7 @@
 #include <memory>
 
 class Appearance;
+class Graphics;
 class QQuickWindow;
 class SettingsForms;
 
@@ -15,7 +16,7 @@ class SettingsWindow final : public QObject
 {
     Q_OBJECT
 public:
-    SettingsWindow(Appearance &appearance, SettingsForms &forms);
+    SettingsWindow(Appearance &appearance, const Graphics &graphics, SettingsForms &forms);
     ~SettingsWindow() override;
 
     /// Opens the window, or brings it to the front.
@@ -29,6 +30,7 @@ private:
     void dropIfClosed();
 
     Appearance &m_appearance;
+    const Graphics &m_graphics;
     SettingsForms &m_forms;
     std::unique_ptr<WindowEngine> m_engine;
     std::unique_ptr<QQuickWindow> m_window;

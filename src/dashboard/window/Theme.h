@@ -55,6 +55,8 @@ class Theme final : public QObject
     Q_PROPERTY(int fieldRadius MEMBER s_fieldRadius CONSTANT)
     Q_PROPERTY(int buttonRadius MEMBER s_buttonRadius CONSTANT)
     Q_PROPERTY(int controlHeight MEMBER s_controlHeight CONSTANT)
+    /// About 80 characters of running text.
+    Q_PROPERTY(int textWidth MEMBER s_textWidth CONSTANT)
     Q_PROPERTY(double disabledOpacity MEMBER s_disabledOpacity CONSTANT)
 
 public:
@@ -111,6 +113,7 @@ private:
     static constexpr int s_fieldRadius = 7;
     static constexpr int s_buttonRadius = 6;
     static constexpr int s_controlHeight = 28;
+    static constexpr int s_textWidth = 600;
     static constexpr double s_disabledOpacity = 0.4;
 
     Appearance &m_appearance;

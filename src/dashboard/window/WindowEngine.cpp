@@ -1,5 +1,8 @@
 #include "dashboard/window/WindowEngine.h"
 
+#include "platform/Graphics.h"
+
+#include <QOpenGLContext>
 #include <QQmlComponent>
 #include <QQuickWindow>
 #include <QtQml>
@@ -8,8 +11,22 @@ using namespace Qt::StringLiterals;
 
 extern void qml_register_types_Sayvane();
 
-WindowEngine::WindowEngine(Appearance &appearance) : m_theme(appearance)
+namespace {
+
+bool canUseOpenGL()
 {
+    QOpenGLContext context;
+    return context.create();
+}
+
+} // namespace
+
+WindowEngine::WindowEngine(Appearance &appearance, const Graphics &graphics) : m_theme(appearance)
+{
+    const bool chosenByUser =
+        qEnvironmentVariableIsSet("QT_QUICK_BACKEND") || qEnvironmentVariableIsSet("QSG_RHI_BACKEND");
+    if (!chosenByUser && (!graphics.hasProcessor() || !canUseOpenGL()))
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     // The module is part of the program: naming its registration keeps the linker from dropping it.
     static const auto registration [[maybe_unused]] = &qml_register_types_Sayvane;
     m_engine.addImportPath(u"qrc:/qml"_s);

@@ -8,13 +8,16 @@
 
 #include <memory>
 
+class Graphics;
 class QQuickWindow;
 
 /// The QML engine of the program's windows. It costs memory, so it is made for the first of them.
 class WindowEngine
 {
 public:
-    explicit WindowEngine(Appearance &appearance);
+    /// `graphics` decides, for the first engine of the process, how windows are drawn; Qt's own variables
+    /// (QT_QUICK_BACKEND, QSG_RHI_BACKEND) come before it.
+    WindowEngine(Appearance &appearance, const Graphics &graphics);
     ~WindowEngine();
 
     /// The window of the module's type of that name, hidden, its required properties set. A window that

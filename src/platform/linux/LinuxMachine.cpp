@@ -23,6 +23,8 @@ LinuxMachine::LinuxMachine(const Settings &settings)
                  .pasteboard = m_desktop.pasteboard(),
                  .localKeys = m_windowKeys,
                  .activation = m_activation,
-                 .appearance = m_appearance}
+                 .appearance = m_appearance,
+                 .panels = m_panels,
+                 .graphics = m_graphics}
 {
 }

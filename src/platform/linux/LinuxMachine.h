@@ -1,10 +1,12 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "platform/linux/panel/X11FloatingPanels.h"
 #include "platform/linux/sound/PulseConnection.h"
 #include "platform/linux/sound/PulseMicrophone.h"
 #include "platform/linux/sound/PulseSoundPlayer.h"
 #include "platform/linux/system/DesktopActivation.h"
+#include "platform/linux/system/DeviceGraphics.h"
 #include "platform/linux/system/DesktopWorkspace.h"
 #include "platform/linux/system/HostName.h"
 #include "platform/linux/system/NetworkTransport.h"
@@ -36,6 +38,7 @@ public:
 
 private:
     X11Desktop m_desktop;
+    X11FloatingPanels m_panels{m_desktop.connection()};
     PulseConnection m_pulse; // begins to connect while the rest is made
     SystemClock m_clock;
     XdgFolders m_folders;
@@ -50,5 +53,6 @@ private:
     WindowKeys m_windowKeys;
     DesktopActivation m_activation;
     PortalAppearance m_appearance;
+    DeviceGraphics m_graphics;
     Platform m_platform;
 };

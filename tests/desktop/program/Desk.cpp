@@ -40,13 +40,13 @@ bool Desk::eventually(const std::function<bool()> &condition, int milliseconds)
     return QTest::qWaitFor(condition, milliseconds);
 }
 
-bool Desk::startSayvane()
+bool Desk::startSayvane(const QStringList &arguments)
 {
     m_read = 0;
     m_sayvane = std::make_unique<QProcess>();
     m_sayvane->setProcessChannelMode(QProcess::MergedChannels);
     m_sayvane->setStandardOutputFile(m_logPath);
-    m_sayvane->start(QStringLiteral(RUN_PROFILE), {QStringLiteral(PREFIX)});
+    m_sayvane->start(QStringLiteral(RUN_PROFILE), QStringList{QStringLiteral(PREFIX)} + arguments);
     return logsNext("shortcut active");
 }
 
@@ -114,18 +114,14 @@ QByteArray Desk::run(const QString &program, const QStringList &arguments, const
     process.start(program, arguments);
     process.write(input);
     process.closeWriteChannel();
-    return process.waitForFinished(30000) && process.exitCode() == 0 ? process.readAllStandardOutput()
-                                                                     : QByteArray();
+    return process.waitForFinished(30000) && process.exitCode() == 0 ? process.readAllStandardOutput() : QByteArray();
 }
 
 bool Desk::focusWindow(const QString &title)
 {
     QByteArray window;
     const auto isFocused = [&] {
-        window = run(u"xdotool"_s, {u"search"_s, u"--onlyvisible"_s, u"--name"_s, title})
-                     .trimmed()
-                     .split('\n')
-                     .last();
+        window = run(u"xdotool"_s, {u"search"_s, u"--onlyvisible"_s, u"--name"_s, title}).trimmed().split('\n').last();
         if (window.isEmpty())
             return false;
         run(u"xdotool"_s, {u"windowactivate"_s, QString::fromLatin1(window)});
@@ -144,9 +140,10 @@ void Desk::press(const QString &keys) const
     run(u"xdotool"_s, {u"key"_s, keys});
 }
 
-void Desk::say(const QString &clip) const
+void Desk::say(const QString &clip)
 {
-    run(u"paplay"_s, {u"--device=speaker"_s, speech + clip + u".wav"_s});
+    const QProcess *player = open(u"paplay"_s, {u"--device=speaker"_s, speech + clip + u".wav"_s});
+    eventually([player] { return player->state() == QProcess::NotRunning; }, 30000); // what the test serves goes on
 }
 
 void Desk::copy(const QString &type, const QByteArray &data)

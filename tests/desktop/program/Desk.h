@@ -16,8 +16,9 @@ public:
     Desk();
     ~Desk();
 
-    /// Starts the installed program with a service beside it; false when its shortcut is not ready in time.
-    bool startSayvane();
+    /// Starts the installed program, with a service beside it unless the arguments name another one; false
+    /// when its shortcut is not ready in time.
+    bool startSayvane(const QStringList &arguments = {});
     /// Asks the program to end, and waits.
     void stopSayvane();
     /// What the program has logged since it was started.
@@ -38,7 +39,7 @@ public:
     void pressShortcut() const;
     void press(const QString &keys) const;
     /// Plays the clip into the microphone, to its end.
-    void say(const QString &clip) const;
+    void say(const QString &clip);
     void copy(const QString &type, const QByteArray &data);
     QByteArray clipboard(const QString &type) const;
 

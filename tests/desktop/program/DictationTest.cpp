@@ -109,8 +109,7 @@ void DictationTest::textArrivesWhereTheCursorIs()
         QVERIFY(note.open(QIODevice::WriteOnly));
     }
     QProcess *editor = m_desk->open(program, arguments);
-    QVERIFY2(m_desk->focusWindow(program == "xterm"_L1 ? u"note-terminal"_s : name),
-             editor->readAll().constData());
+    QVERIFY2(m_desk->focusWindow(program == "xterm"_L1 ? u"note-terminal"_s : name), editor->readAll().constData());
     m_desk->copy(clipboardType, clipboardData);
     const qsizetype before = m_desk->history().size();
 
@@ -148,8 +147,7 @@ void DictationTest::escapeCancelsAndIsNotTyped()
 
 void DictationTest::aServiceThatIsGoneIsToldAndNothingIsPasted()
 {
-    const QByteArray listed =
-        m_desk->run(u"pgrep"_s, {u"-f"_s, u"sayvane-service.*"_s + m_desk->profileFolder()});
+    const QByteArray listed = m_desk->run(u"pgrep"_s, {u"-f"_s, u"sayvane-service.*"_s + m_desk->profileFolder()});
     const auto service = static_cast<pid_t>(listed.trimmed().split('\n').first().toInt());
     QVERIFY(service > 1);
     m_desk->copy(u"UTF8_STRING"_s, "untouched");
@@ -176,8 +174,7 @@ void DictationTest::endingWhileRecordingLeavesNothingBehind()
     QVERIFY(m_desk->recordings().isEmpty());
     QVERIFY(!QFileInfo::exists(QDir::homePath() + u"/.config/sayvane"_s));
     QVERIFY(!QFileInfo::exists(QDir::homePath() + u"/.local/share/Sayvane"_s));
-    QVERIFY2(m_desk->run(u"pgrep"_s, {u"-f"_s, m_desk->profileFolder()}).isEmpty(),
-             "a process was left behind");
+    QVERIFY2(m_desk->run(u"pgrep"_s, {u"-f"_s, m_desk->profileFolder()}).isEmpty(), "a process was left behind");
     QVERIFY(m_desk->startSayvane());
 }
 

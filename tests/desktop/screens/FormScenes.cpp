@@ -88,7 +88,7 @@ void offered(Stage &stage)
     stage.machine.http.willAnswer(200, R"({"claude":true,"chatgpt":true})");
 }
 
-void labs(Stage &stage, LabsMode mode, const QString &prompt, const QString &context)
+void compose(Stage &stage, LabsMode mode, const QString &prompt, const QString &context)
 {
     offered(stage);
     LabsSession &session = stage.host().labs();
@@ -101,7 +101,7 @@ void labs(Stage &stage, LabsMode mode, const QString &prompt, const QString &con
 
 void asked(Stage &stage, int status, const QByteArray &answer)
 {
-    labs(stage, LabsMode::answer, u"What is a good word for a person who repairs clocks?"_s, {});
+    compose(stage, LabsMode::answer, u"What is a good word for a person who repairs clocks?"_s, {});
     if (status != 0)
         stage.machine.http.willAnswer(status, answer);
     stage.host().labs().ask(LabsProvider::chatgpt);
@@ -109,7 +109,7 @@ void asked(Stage &stage, int status, const QByteArray &answer)
 
 void answered(Stage &stage)
 {
-    labs(stage, LabsMode::rewrite, u"Make it shorter"_s, u"In the event that it rains, we shall stay."_s);
+    compose(stage, LabsMode::rewrite, u"Make it shorter"_s, u"In the event that it rains, we shall stay."_s);
     stage.machine.http.willAnswer(200, R"({"text":"If it rains, we stay.","model":"claude-sonnet"})");
     stage.host().labs().ask(LabsProvider::claude);
     asked(stage, 200, R"({"text":"A horologist, or plainly a clockmaker.\n\nIf you mean watches alone, say )"
@@ -185,18 +185,18 @@ QList<Scene> formScenes()
         {u"settings-shortcut"_s, settings, {}, lookAt(u"Reset to Fn + Space"_s), smallest},
         {u"settings-capture"_s, settings, {}, click(u"Change"_s)},
         {u"settings-large"_s, settings, devices, {}, QSize(2560, 1440)},
-        {u"labs-notice"_s, DashboardSection::labs, provider(u"groq"_s)},
-        {u"labs-loading"_s, DashboardSection::labs},
-        {u"labs-none"_s, DashboardSection::labs,
+        {u"labs-notice"_s, labs, provider(u"groq"_s)},
+        {u"labs-loading"_s, labs},
+        {u"labs-none"_s, labs,
          [](Stage &stage) { stage.machine.http.willAnswer(200, R"({"claude":false,"chatgpt":false})"); }},
-        {u"labs-answer"_s, DashboardSection::labs, offered},
-        {u"labs-reply"_s, DashboardSection::labs,
-         [=](Stage &stage) { labs(stage, LabsMode::reply, u"Yes, an hour later"_s, letter); }},
-        {u"labs-rewrite"_s, DashboardSection::labs,
-         [=](Stage &stage) { labs(stage, LabsMode::rewrite, {}, letter); }, {}, smallest},
-        {u"labs-busy"_s, DashboardSection::labs, [](Stage &stage) { asked(stage, 0, {}); }},
-        {u"labs-error"_s, DashboardSection::labs,
+        {u"labs-answer"_s, labs, offered},
+        {u"labs-reply"_s, labs,
+         [=](Stage &stage) { compose(stage, LabsMode::reply, u"Yes, an hour later"_s, letter); }},
+        {u"labs-rewrite"_s, labs,
+         [=](Stage &stage) { compose(stage, LabsMode::rewrite, {}, letter); }, {}, smallest},
+        {u"labs-busy"_s, labs, [](Stage &stage) { asked(stage, 0, {}); }},
+        {u"labs-error"_s, labs,
          [](Stage &stage) { asked(stage, 402, R"({"error":{"code":"quota_exceeded"}})"); }},
-        {u"labs-answered"_s, DashboardSection::labs, answered, {}, tall},
+        {u"labs-answered"_s, labs, answered, {}, tall},
     });
 }

@@ -21,7 +21,6 @@ const QStringList sentences{
     u"Let us meet at half past nine in the small room upstairs.\n\nBring the samples."_s,
     u"Donaudampfschifffahrtselektrizitätenhauptbetriebswerkbauunterbeamtengesellschaft is one word."_s,
     u"مرحبا، أرسل لي المسودة قبل يوم الجمعة من فضلك."_s,
-    u"नमस्ते, क्या आप मुझे कल सुबह फ़ोन कर सकते हैं?"_s,
 };
 
 Dictation dictation(int number, const QDateTime &date, const QString &text)

@@ -26,7 +26,8 @@ bool gallery(const QDir &folder, bool dark)
 {
     FakeAppearance appearance;
     appearance.wanted.scheme = dark ? ColorScheme::dark : ColorScheme::light;
-    WindowEngine engine(appearance);
+    const FakeGraphics graphics;
+    WindowEngine engine(appearance, graphics);
     QStringList symbols;
     for (const QString &file : QDir(u":/icons"_s).entryList())
         symbols.append(file.chopped(4));

@@ -1,6 +1,7 @@
 #include "desktop/x11/RecordingWindow.h"
 #include "desktop/x11/Typist.h"
 #include "platform/linux/x11/X11Desktop.h"
+#include "platform/linux/x11/XcbReply.h"
 
 #include <QProcess>
 #include <QRegularExpression>
@@ -84,27 +85,50 @@ private Q_SLOTS:
         QVERIFY(!scene.typist.isAnyKeyDown());
     }
 
-    void everyModifierIsFoundByItsKey_data()
+    void onlyTheExactModifiersFire_data()
     {
-        QTest::addColumn<QString>("layout");
-        QTest::addColumn<int>("key");
-        QTest::addColumn<quint64>("flag");
-        QTest::addRow("AltGr is Command") << QStringLiteral("de") << KEY_RIGHTALT << KeyFlags::command;
-        QTest::addRow("Alt is Option") << QStringLiteral("us") << KEY_LEFTALT << KeyFlags::option;
+        QTest::addColumn<QStringList>("layout");
+        QTest::addRow("US") << QStringList{QStringLiteral("us")};
+        QTest::addRow("German, with AltGr") << QStringList{QStringLiteral("de")};
+        QTest::addRow("Dvorak") << QStringList{QStringLiteral("us"), QStringLiteral("dvorak")};
     }
 
-    void everyModifierIsFoundByItsKey()
+    /// Every set of held modifiers fires its own shortcut and no other, whatever locks are on.
+    void onlyTheExactModifiersFire()
     {
-        QFETCH(const QString, layout);
-        QFETCH(const int, key);
-        QFETCH(const quint64, flag);
-        Typist::setLayout({layout});
-        Scene scene({{96, flag}});
-        scene.typist.press(key);
-        scene.typist.tap(KEY_F5);
-        scene.typist.release(key);
-        QTRY_COMPARE(scene.events.size(), 2);
-        QCOMPARE(scene.events.constFirst().flags, flag);
+        QFETCH(const QStringList, layout);
+        const bool hasAltGr = layout.constFirst() == QStringLiteral("de");
+        const QList<std::pair<int, quint64>> keys{{KEY_LEFTMETA, KeyFlags::fn},
+                                                  {KEY_RIGHTALT, hasAltGr ? KeyFlags::command : KeyFlags::option},
+                                                  {KEY_RIGHTCTRL, KeyFlags::control},
+                                                  {KEY_LEFTSHIFT, KeyFlags::shift}};
+        for (const auto &[watchedKey, watched] : keys) {
+            Typist::setLayout(layout);
+            Scene scene({{96, watched}});
+            for (const int lock : {0, KEY_CAPSLOCK, KEY_NUMLOCK}) {
+                if (lock != 0)
+                    scene.typist.tap(lock);
+                for (unsigned held = 0; held < 16; ++held) {
+                    quint64 flags = 0;
+                    for (unsigned i = 0; i < 4; ++i) {
+                        if (held & (1U << i)) {
+                            scene.typist.press(keys[i].first);
+                            flags |= keys[i].second;
+                        }
+                    }
+                    scene.events.clear();
+                    scene.typist.tap(KEY_F5);
+                    for (const auto &[key, flag] : keys)
+                        scene.typist.release(key);
+                    scene.seen();
+                    QVERIFY2(scene.presses() == (flags == watched ? 1 : 0),
+                             qPrintable(QStringLiteral("%1 held, %2 watched, lock %3")
+                                            .arg(flags, 0, 16)
+                                            .arg(watched, 0, 16)
+                                            .arg(lock)));
+                }
+            }
+        }
     }
 
     void otherKeysArriveUntouched()
@@ -336,6 +360,49 @@ private Q_SLOTS:
         };
         QTRY_VERIFY(fires());
         Typist::setLayout({QStringLiteral("-option"), QString()});
+    }
+
+    /// A menu holds the whole keyboard: its keys are its own, and the shortcut is back when it closes.
+    void anOpenMenuKeepsItsKeys()
+    {
+        Scene scene({fnSpace});
+        const auto chord = [&] {
+            scene.typist.press(KEY_LEFTMETA);
+            scene.typist.tap(KEY_SPACE);
+            scene.typist.release(KEY_LEFTMETA);
+        };
+        X11Connection menu;
+        const auto cookie = xcb_grab_keyboard(menu.xcb(), false, menu.root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
+                                              XCB_GRAB_MODE_ASYNC);
+        const auto reply = adopt(xcb_grab_keyboard_reply(menu.xcb(), cookie, nullptr));
+        QCOMPARE(reply->status, XCB_GRAB_STATUS_SUCCESS);
+        chord();
+        xcb_ungrab_keyboard(menu.xcb(), XCB_CURRENT_TIME);
+        menu.atoms()["the menu is closed"];
+        scene.seen();
+        QCOMPARE(scene.presses(), 0);
+        chord();
+        QTRY_COMPARE(scene.presses(), 1);
+        QTRY_VERIFY(!scene.typist.isAnyKeyDown());
+    }
+
+    void aKeyboardThatComesAndGoesChangesNothing()
+    {
+        Scene scene({fnSpace});
+        const auto xinput = [](const QStringList &arguments) {
+            return QProcess::execute(QStringLiteral("xinput"), arguments) == 0;
+        };
+        for (const QStringList &change :
+             {QStringList{QStringLiteral("create-master"), QStringLiteral("second")},
+              QStringList{QStringLiteral("remove-master"), QStringLiteral("second keyboard")}}) {
+            QVERIFY(xinput(change));
+            scene.events.clear();
+            scene.typist.press(KEY_LEFTMETA);
+            scene.typist.tap(KEY_SPACE);
+            scene.typist.release(KEY_LEFTMETA);
+            QCOMPARE(scene.seen().size(), 2);
+            QCOMPARE(scene.presses(), 1);
+        }
     }
 
     void aSecondLayoutGroupChangesNothing()

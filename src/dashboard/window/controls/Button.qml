@@ -37,6 +37,7 @@ T.Button {
     contentItem: Item {
         implicitWidth: row.implicitWidth
         implicitHeight: row.implicitHeight
+        baselineOffset: row.y + word.y + word.baselineOffset
 
         Row {
             id: row
@@ -52,6 +53,7 @@ T.Button {
                 color: control.ink
             }
             Text {
+                id: word
                 anchors.verticalCenter: parent.verticalCenter
                 visible: control.text !== ""
                 text: control.text

@@ -74,11 +74,11 @@ Window {
                     sourceComponent: DictionaryPage { model: window.dictionary }
                 }
                 Screen {
-                    section: DashboardSection.labs
+                    section: "labs"
                     sourceComponent: LabsPage { model: window.labs }
                 }
                 Screen {
-                    section: DashboardSection.settings
+                    section: "settings"
                     sourceComponent: SettingsScreen { forms: window.settings }
                 }
             }
@@ -92,6 +92,7 @@ Window {
 
         anchors.fill: parent
         visible: current
+        focus: current
         active: window.dashboard.shown && (current || visited)
         onCurrentChanged: visited = visited || current
     }

@@ -8,6 +8,8 @@ FocusScope {
 
     required property DictationListView model
 
+    focus: true
+
     Shortcut {
         sequences: [StandardKey.Find]
         enabled: page.visible

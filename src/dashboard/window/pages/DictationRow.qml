@@ -52,7 +52,7 @@ ListRow {
         id: texts
         x: Theme.screenMargin + 62 + 8
         y: 10
-        width: row.width - x - 8 - 60 - Theme.screenMargin
+        width: Math.min(row.width - x - 8 - 60 - Theme.screenMargin, Theme.textWidth)
         spacing: 3
 
         TextEdit {

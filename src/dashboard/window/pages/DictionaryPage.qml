@@ -8,6 +8,8 @@ FocusScope {
 
     required property DictionaryView model
 
+    focus: true
+
     Column {
         id: header
         x: Theme.screenMargin

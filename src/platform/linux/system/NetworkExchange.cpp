@@ -6,12 +6,16 @@
 #include <algorithm>
 
 NetworkExchange::NetworkExchange(TransferLoop &loop, const HttpRequest &request, const QByteArray &userAgent,
-                                 const Trust &trust)
+                                 const Trust &trust, const std::optional<DesktopProxy::Route> &route)
     : m_loop(loop),
       m_host(request.url.host()),
       m_transfer(curl_easy_init())
 {
     describe(request, userAgent, trust);
+    if (route) {
+        curl_easy_setopt(m_transfer.get(), CURLOPT_PROXY, route->proxy.constData());
+        curl_easy_setopt(m_transfer.get(), CURLOPT_NOPROXY, route->exceptions.constData());
+    }
     for (QTimer *timer : {&m_silence, &m_whole}) {
         timer->setSingleShot(true);
         connect(timer, &QTimer::timeout, this, [this] { end(TransportFailure::timedOut(m_host)); });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/HttpTransport.h"
+#include "platform/linux/system/DesktopProxy.h"
 
 #include <QObject>
 #include <QTimer>
@@ -31,7 +32,7 @@ public:
 
     /// The request must outlive the exchange: its body is sent from where it is.
     NetworkExchange(TransferLoop &loop, const HttpRequest &request, const QByteArray &userAgent,
-                    const Trust &trust);
+                    const Trust &trust, const std::optional<DesktopProxy::Route> &route);
     ~NetworkExchange() override;
 
     void end(TransportError error);

@@ -1,5 +1,6 @@
 #include "platform/linux/system/NetworkTransport.h"
 
+#include "platform/linux/system/DesktopProxy.h"
 #include "platform/linux/system/TransferLoop.h"
 #include "platform/linux/system/TransportFailure.h"
 
@@ -56,10 +57,13 @@ QCoro::Task<std::expected<HttpResponse, TransportError>> NetworkTransport::send(
         co_return std::unexpected(TransportFailure::cancelled());
     if (!isSendable(request))
         co_return std::unexpected(TransportFailure::malformed());
-    if (!m_loop)
+    if (!m_loop) {
         m_loop = std::make_unique<TransferLoop>();
+        m_proxy = std::make_unique<DesktopProxy>();
+    }
 
-    NetworkExchange exchange(*m_loop, request, m_userAgent, m_trust);
+    const auto route = m_proxy->route(request.url);
+    NetworkExchange exchange(*m_loop, request, m_userAgent, m_trust, route);
     m_exchanges.insert(&exchange);
     const auto leave = qScopeGuard([this, &exchange] { m_exchanges.remove(&exchange); });
     const std::stop_callback stopping(stop, [&exchange] { // on whichever thread asks for it

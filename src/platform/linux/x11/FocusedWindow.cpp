@@ -34,15 +34,6 @@ xcb_window_t inputFocus(X11Connection &connection)
     return window;
 }
 
-xcb_window_t activeWindow(X11Connection &connection)
-{
-    const QList<uint32_t> active =
-        WindowProperty::read(connection, connection.root(), connection.atoms()["_NET_ACTIVE_WINDOW"])
-            .values();
-    const bool isKnown = !active.isEmpty() && active.first() != XCB_WINDOW_NONE;
-    return isKnown ? active.first() : inputFocus(connection);
-}
-
 QByteArray commandOf(X11Connection &connection, xcb_window_t window)
 {
     const QList<uint32_t> pid =
@@ -55,9 +46,18 @@ QByteArray commandOf(X11Connection &connection, xcb_window_t window)
 
 } // namespace
 
+xcb_window_t FocusedWindow::find(X11Connection &connection)
+{
+    const QList<uint32_t> active =
+        WindowProperty::read(connection, connection.root(), connection.atoms()["_NET_ACTIVE_WINDOW"])
+            .values();
+    const bool isKnown = !active.isEmpty() && active.first() != XCB_WINDOW_NONE;
+    return isKnown ? active.first() : inputFocus(connection);
+}
+
 FocusedWindow FocusedWindow::read(X11Connection &connection)
 {
-    const xcb_window_t window = activeWindow(connection);
+    const xcb_window_t window = find(connection);
     if (window <= XCB_INPUT_FOCUS_POINTER_ROOT)
         return {};
     const QList<QByteArray> names =

@@ -13,6 +13,8 @@ struct FocusedWindow
     QByteArray className; ///< second part of WM_CLASS
     QByteArray command;   ///< the process name, of which the kernel keeps 15 characters
 
-    /// Asks for the active window of the window manager, or else for the window with the input focus.
+    /// Asks for the active window of the window manager, or else for the window with the input focus; at
+    /// most XCB_INPUT_FOCUS_POINTER_ROOT when there is none.
+    static xcb_window_t find(X11Connection &connection);
     static FocusedWindow read(X11Connection &connection);
 };

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// The e-mail address that names an account.
+namespace EmailAddress {
+
+/// Without blanks at its ends and in lower case, or nothing when it is none: one "@" with something
+/// before it and a dotted domain after it, shorter than 255 characters, printable ASCII alone, so that an
+/// operator who reads one cannot be deceived by look-alike letters.
+std::optional<std::string> normalised(std::string_view text);
+
+} // namespace EmailAddress

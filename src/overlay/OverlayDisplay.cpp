@@ -1,0 +1,122 @@
+#include "overlay/OverlayDisplay.h"
+
+#include "capture/OverlayPanel.h"
+#include "overlay/OverlayLayout.h"
+#include "platform/FloatingPanels.h"
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr Clock::Duration frame = 16ms; // sixty times a second
+
+} // namespace
+
+OverlayDisplay::OverlayDisplay(OverlayPanel &overlay, FloatingPanels &panels, Clock &clock)
+    : m_overlay(overlay),
+      m_panels(panels),
+      m_clock(clock),
+      m_view(overlay.model()),
+      m_size(OverlayLayout::panelSize)
+{
+    // A show tells the model first: the panel that appears has its content already.
+    connect(&overlay.model(), &OverlayModel::presentationChanged, this, [this] {
+        if (m_overlay.isVisible())
+            show();
+    });
+    connect(&overlay, &OverlayPanel::visibleChanged, this, [this] {
+        if (m_overlay.isVisible())
+            show();
+        else
+            hide();
+    });
+    connect(&overlay.model(), &OverlayModel::levelsChanged, this, &OverlayDisplay::follow);
+}
+
+OverlayDisplay::~OverlayDisplay() = default;
+
+void OverlayDisplay::prepare()
+{
+    if (!m_panel)
+        m_panel = m_panels.create(*this);
+}
+
+void OverlayDisplay::show()
+{
+    prepare();
+    if (!m_panel)
+        return;
+    const FlowState state = m_overlay.model().state();
+    m_reducesMotion = m_panel->reducesMotion();
+    m_levels.jumpTo(m_overlay.model().levels());
+    m_spinningSince = m_clock.monotonic();
+    const bool spins = state == FlowState::processing && !m_reducesMotion;
+    m_frames = spins ? m_clock.every(frame, [this] { advance(); }) : nullptr;
+    place();
+    m_panel->announce(spoken());
+}
+
+void OverlayDisplay::hide()
+{
+    m_frames.reset();
+    if (m_panel)
+        m_panel->hide();
+}
+
+void OverlayDisplay::place()
+{
+    const OverlayModel &model = m_overlay.model();
+    const std::optional<QRect> visibleFrame = m_panel->visibleFrame();
+    const auto fittingSize = [&model](std::optional<double> width) {
+        return OverlayView(model, width).fittingSize();
+    };
+    const OverlayLayout::Fit fit =
+        OverlayLayout::resize(model.state(), model.message().has_value(),
+                              OverlayLayout::maximumMessageWidth(visibleFrame), fittingSize);
+    m_view = OverlayView(model, fit.messageWidth);
+    m_size = fit.size;
+    m_panel->show(OverlayLayout::place(fit.size, visibleFrame.value_or(QRect())),
+                  OverlayLayout::cornerRadius(fit.size));
+}
+
+void OverlayDisplay::follow()
+{
+    if (!m_panel || !m_overlay.isVisible() || m_overlay.model().state() != FlowState::recording)
+        return;
+    const Clock::Duration now = m_clock.monotonic();
+    if (m_reducesMotion)
+        m_levels.jumpTo(m_overlay.model().levels());
+    else
+        m_levels.moveTo(m_overlay.model().levels(), now);
+    if (m_reducesMotion)
+        m_panel->update(m_view.movingPart());
+    else if (m_levels.isMoving(now) && !m_frames)
+        m_frames = m_clock.every(frame, [this] { advance(); });
+}
+
+void OverlayDisplay::advance()
+{
+    m_panel->update(m_view.movingPart());
+    // The last picture of a change is the one that stays.
+    if (m_overlay.model().state() == FlowState::recording && !m_levels.isMoving(m_clock.monotonic()))
+        m_frames.reset();
+}
+
+void OverlayDisplay::paint(QPainter &painter)
+{
+    const Clock::Duration now = m_clock.monotonic();
+    m_view.paint(
+        painter, m_size,
+        {.levels = m_levels.levels(now), .spinning = !m_reducesMotion, .spun = now - m_spinningSince});
+}
+
+QString OverlayDisplay::spoken() const
+{
+    const OverlayModel &model = m_overlay.model();
+    if (model.state() == FlowState::recording)
+        return u"Listening"_s;
+    if (model.state() == FlowState::processing)
+        return u"Transcribing"_s;
+    return model.message().value_or(u"Done"_s);
+}

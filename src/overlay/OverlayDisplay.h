@@ -1,0 +1,49 @@
+#pragma once
+
+#include "overlay/LevelMotion.h"
+#include "overlay/OverlayView.h"
+#include "platform/PanelContent.h"
+
+#include <QObject>
+#include <QSize>
+
+#include <memory>
+
+class FloatingPanel;
+class FloatingPanels;
+class OverlayPanel;
+
+/// Puts the overlay on the screen: makes its window when it is first needed, gives it its size and place
+/// at every show, and keeps it moving while there is something to see.
+class OverlayDisplay final : public QObject, private PanelContent
+{
+    Q_OBJECT
+public:
+    OverlayDisplay(OverlayPanel &overlay, FloatingPanels &panels, Clock &clock);
+    ~OverlayDisplay() override;
+
+    /// Makes the window before it is needed; it appears sooner then.
+    void prepare();
+
+private:
+    void paint(QPainter &painter) override;
+    void screensChanged() override { place(); }
+
+    void show();
+    void hide();
+    void place();
+    void follow();
+    void advance();
+    QString spoken() const;
+
+    OverlayPanel &m_overlay;
+    FloatingPanels &m_panels;
+    Clock &m_clock;
+    OverlayView m_view;
+    QSize m_size;
+    LevelMotion m_levels;
+    bool m_reducesMotion = false;
+    Clock::Duration m_spinningSince{};
+    std::unique_ptr<FloatingPanel> m_panel;
+    std::unique_ptr<Timer> m_frames; // while something moves
+};

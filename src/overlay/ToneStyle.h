@@ -1,0 +1,15 @@
+#pragma once
+
+#include "values/OverlayTone.h"
+
+#include <QColor>
+#include <QString>
+
+/// How a tone looks.
+struct ToneStyle
+{
+    QColor colour;
+    QString icon; ///< the name of a symbol
+
+    static ToneStyle of(OverlayTone tone);
+};
