@@ -41,6 +41,39 @@ std::string lowered(std::string_view text)
     return result;
 }
 
+/// A model's name is sent as it is.
+bool isModel(std::string_view text)
+{
+    return !text.empty() && text.size() <= 200 &&
+           std::ranges::all_of(text, [](char c) { return c > ' ' && c < 0x7f; });
+}
+
+Complaint setUpstreamOption(CommandLine &line, std::string_view name, std::string_view value)
+{
+    if (name == "--upstream") {
+        const auto place = Upstream::at(value);
+        if (!place)
+            return place.error();
+        line.upstream.origin = place->origin;
+        line.upstream.path = place->path;
+        return {};
+    }
+    if (name == "--upstream-key-file") {
+        line.upstreamKey = value;
+        return {};
+    }
+    if (name == "--upstream-timeout") {
+        const auto seconds = numberIn(value, 1, 600);
+        line.upstream.patience = std::chrono::seconds(seconds.value_or(0));
+        return seconds ? Complaint() : "--upstream-timeout needs a number from 1 to 600";
+    }
+    if (name == "--upstream-model" || name == "--upstream-chat-model") {
+        (name == "--upstream-model" ? line.upstream.speechModel : line.upstream.chatModel) = value;
+        return isModel(value) ? Complaint() : std::string(name) + " needs the name of a model";
+    }
+    return "unknown option " + std::string(name);
+}
+
 Complaint setServeOption(CommandLine &line, std::string_view name, std::string_view value)
 {
     if (name == "--host") {
@@ -69,6 +102,12 @@ Complaint setServeOption(CommandLine &line, std::string_view name, std::string_v
         line.newAccounts = value == "open";
         return value == "open" || value == "closed" ? Complaint() : "--sign-ups needs open or closed";
     }
+    if (name == "--certificate" || name == "--key") {
+        (name == "--key" ? line.privateKey : line.certificate) = value;
+        return {};
+    }
+    if (name.starts_with("--upstream"))
+        return setUpstreamOption(line, name, value);
     return "unknown option " + std::string(name);
 }
 
@@ -89,6 +128,37 @@ Complaint setSessionOption(CommandLine &line, std::string_view name, std::string
     return "unknown option " + std::string(name);
 }
 
+Complaint setOption(CommandLine &line, std::string_view name, std::string_view value)
+{
+    if (name == "--data") {
+        line.data = value;
+        return {};
+    }
+    if (line.action == CommandLine::Action::serve)
+        return setServeOption(line, name, value);
+    if (line.action == CommandLine::Action::session)
+        return setSessionOption(line, name, value);
+    line.copy = value;
+    return name == "--to" ? Complaint() : "unknown option " + std::string(name);
+}
+
+/// What only the whole line can tell.
+Complaint complaintAbout(const CommandLine &line)
+{
+    const bool hasModel = !line.upstream.speechModel.empty() || !line.upstream.chatModel.empty();
+    if (line.action == CommandLine::Action::session && line.email.empty())
+        return "session needs --email";
+    if (line.action == CommandLine::Action::backup && line.copy.empty())
+        return "backup needs --to";
+    if (line.certificate.empty() != line.privateKey.empty())
+        return "--certificate and --key need each other";
+    if (hasModel && line.upstream.origin.empty())
+        return "the model of an upstream server needs --upstream";
+    if (!hasModel && !line.upstream.origin.empty())
+        return "--upstream needs --upstream-model, --upstream-chat-model or both";
+    return {};
+}
+
 } // namespace
 
 std::expected<CommandLine, std::string> CommandLine::parse(std::span<const char *const> arguments)
@@ -97,9 +167,12 @@ std::expected<CommandLine, std::string> CommandLine::parse(std::span<const char 
     size_t i = 0;
     if (!arguments.empty() && arguments[0][0] != '-') {
         const std::string_view command = arguments[i++];
-        if (command != "serve" && command != "session")
+        if (command != "serve" && command != "session" && command != "backup")
             return std::unexpected("unknown command " + std::string(command));
-        line.action = command == "serve" ? Action::serve : Action::session;
+        line.action = command == "serve"     ? Action::serve
+                      : command == "session" ? Action::session
+                                             : Action::backup;
+        line.topic = line.action;
     }
     for (; i < arguments.size(); ++i) {
         std::string_view name = arguments[i];
@@ -115,45 +188,66 @@ std::expected<CommandLine, std::string> CommandLine::parse(std::span<const char 
         } else if (name.starts_with("--") && i + 1 < arguments.size()) {
             value = arguments[++i];
         }
-        Complaint complaint;
-        if (name == "--data") {
-            line.data = value;
-        } else {
-            complaint = line.action == Action::serve ? setServeOption(line, name, value)
-                                                     : setSessionOption(line, name, value);
-        }
+        Complaint complaint = setOption(line, name, value);
         if (!complaint && value.empty())
             complaint = std::string(name) + " needs a value";
         if (complaint)
             return std::unexpected(*complaint);
     }
-    if (line.action == Action::session && line.email.empty())
-        return std::unexpected("session needs --email");
+    if (const Complaint complaint = complaintAbout(line))
+        return std::unexpected(*complaint);
     return line;
 }
 
-const char *CommandLine::help()
+std::string CommandLine::help(Action topic)
 {
-    return R"(usage: sayvane-service [serve] [--host HOST] [--port PORT] [--data FOLDER]
-                       [--models FOLDER] [--decoders COUNT]
-                       [--sign-ups open|closed] [--labs FILE]
-       sayvane-service session --email ADDRESS [--device NAME]
-                       [--daily-minutes COUNT] [--data FOLDER]
+    const std::string_view serve = R"(usage: sayvane-service [serve] [OPTIONS]
 
-serve    answers Sayvane's requests over HTTPS until it is told to end
+Answers Sayvane's requests, and those of OpenAI-compatible clients, over HTTPS
+until it is told to end. SIGHUP reads the certificate again.
+
   --host HOST            where to listen (127.0.0.1)
   --port PORT            0 is any free port (8765)
+  --data FOLDER          database and certificate ($XDG_DATA_HOME/sayvane-service)
+  --certificate FILE     a certificate chain of your own (PEM), with
+  --key FILE             its private key
   --models FOLDER        speech models, laid out like the packaged ones
   --decoders COUNT       recordings are decoded by so many threads, 100 MB each
+                         (one per processor, two at most)
   --sign-ups open|closed whether new e-mail addresses may sign in (open)
   --labs FILE            addresses, models and keys of the assistants
                          (labs.json in the data folder)
-session  makes a session and prints its token, once
+
+Another OpenAI-compatible server may do the work:
+  --upstream ADDRESS          its base address, such as https://example.com/v1
+  --upstream-model NAME       its model that transcribes; no decoders are loaded
+  --upstream-chat-model NAME  its model that cleans up
+  --upstream-key-file FILE    its key (else the variable SAYVANE_UPSTREAM_KEY)
+  --upstream-timeout SECONDS  for a whole answer (150)
+)";
+    const std::string_view session =
+        R"(usage: sayvane-service session --email ADDRESS [OPTIONS]
+
+Makes a session and prints its token, once. Works beside a server.
+
   --email ADDRESS        the account; made when it is new
   --device NAME          a name to tell sessions apart
   --daily-minutes COUNT  the account's allowance (60 for a new account)
-
-  --data FOLDER          database and certificate ($XDG_DATA_HOME/sayvane-service)
-  --help, --version
+  --data FOLDER          the server's ($XDG_DATA_HOME/sayvane-service)
 )";
+    const std::string_view backup = R"(usage: sayvane-service backup --to FILE [--data FOLDER]
+
+Copies the database whole, also while a server works.
+
+  --to FILE              replaced once the copy is complete
+  --data FOLDER          the server's ($XDG_DATA_HOME/sayvane-service)
+)";
+    if (topic == Action::serve)
+        return std::string(serve);
+    if (topic == Action::session)
+        return std::string(session);
+    if (topic == Action::backup)
+        return std::string(backup);
+    return std::string(serve).append("\n").append(session).append("\n").append(backup).append(
+        "\n  --help, --version      of the program; COMMAND --help tells of one command\n");
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "service/upstream/Upstream.h"
+
 #include <expected>
 #include <filesystem>
 #include <optional>
@@ -9,21 +11,27 @@
 /// What the user asks of the program.
 struct CommandLine
 {
-    enum class Action { serve, session, help, version };
+    enum class Action { serve, session, backup, help, version };
 
     Action action = Action::serve;
-    std::filesystem::path data; ///< empty: the usual folder
+    Action topic = Action::help; ///< of the help: one command, or all of them
+    std::filesystem::path data;  ///< empty: the usual folder
     std::string host = "127.0.0.1";
     int port = 8765;              ///< 0: any free one
     std::filesystem::path models; ///< empty: the packaged ones
     int decoders = 0;             ///< 0: one per processor, two at most
     bool newAccounts = true;      ///< whether addresses without an account may sign in
     std::filesystem::path labs;   ///< settings of the assistants; empty: those in the data folder, if any
+    Upstream upstream;            ///< without its key; without an origin: none
+    std::filesystem::path upstreamKey; ///< empty: from the environment
+    std::filesystem::path certificate; ///< empty, like the key: one of our own making
+    std::filesystem::path privateKey;
+    std::filesystem::path copy; ///< the backup
     std::string email;
     std::string device = "unnamed";
     std::optional<int> dailyMinutes;
 
     /// Expects the arguments without the program's name; the error is a sentence.
     static std::expected<CommandLine, std::string> parse(std::span<const char *const> arguments);
-    static const char *help();
+    static std::string help(Action topic);
 };

@@ -1,21 +1,14 @@
 #include "service/Service.h"
 
-#include "service/cleanup/Capitals.h"
-#include "service/cleanup/Editor.h"
-#include "service/cleanup/FullStops.h"
 #include "service/http/Reply.h"
 #include "service/protocol/Authentication.h"
 #include "service/protocol/CleanupRequest.h"
-#include "service/protocol/Language.h"
+#include "service/protocol/FormParts.h"
 #include "service/protocol/Refusal.h"
 #include "service/protocol/TextBody.h"
 #include "service/protocol/TranscribeForm.h"
-#include "service/text/Vocabulary.h"
 
 #include <nlohmann/json.hpp>
-
-#include <cmath>
-#include <memory>
 
 namespace {
 
@@ -23,32 +16,15 @@ using Reply::allowOnly;
 using Reply::answer;
 using Reply::refuse;
 
-constexpr int recordingsAtOnce = 6;
-constexpr size_t formLimit = TranscribeForm::maximumRecording + size_t{64} * 1024;
-constexpr auto speechModel = "pocketsphinx-en-us";
-constexpr auto cleanupModel = "sayvane-rules";
-
-/// Known before anything of the body is read; a body in chunks is counted while it arrives.
-bool announcesMoreThan(const httplib::Request &request, size_t limit)
-{
-    return request.get_header_value<uint64_t>("Content-Length") > limit;
-}
-
-/// The recogniser's words as a sentence, the user's terms in their own spelling.
-std::string sentence(const std::string &words, const std::string &prompt)
-{
-    return textOf(FullStops::endingText(Capitals::set(Vocabulary(prompt).spelled(wordsOf(words)))));
-}
-
 } // namespace
 
-Service::Service(HttpsServer &server, Accounts &accounts, SpeechEngine &speech)
+Service::Service(HttpsServer &server, Accounts &accounts, Transcriptions &transcriptions, Cleaner &cleaner)
     : m_server(server),
       m_accounts(accounts),
-      m_speech(speech),
-      m_places(recordingsAtOnce)
+      m_transcriptions(transcriptions),
+      m_cleaner(cleaner)
 {
-    server.set_payload_max_length(formLimit);
+    server.set_payload_max_length(FormParts::maximumBody);
     server.Post("/v1/transcribe",
                 [this](const Request &request, Response &response, const httplib::ContentReader &body) {
                     transcribe(request, response, body);
@@ -78,57 +54,20 @@ void Service::transcribe(const Request &request, Response &response, const httpl
     const auto account = authenticated(request, response);
     if (!account)
         return;
-    if (account->remainingSeconds() == 0)
-        return refuse(response, Refusal::quotaExceeded());
-    if (!request.is_multipart_form_data())
-        return refuse(response, Refusal::badRequest("The request is not a multipart form."));
-    if (announcesMoreThan(request, formLimit))
-        return refuse(response, Refusal::tooLarge("The recording is too long. The limit is 25 MB."));
-    if (!m_places.try_acquire())
-        return refuse(response, Refusal::rateLimited());
-    const auto release = [](std::counting_semaphore<> *places) { places->release(); };
-    const std::unique_ptr<std::counting_semaphore<>, decltype(release)> place(&m_places, release);
-
-    auto form = TranscribeForm::read(body);
-    if (!form)
-        return refuse(response, form.error());
-    if (!Language::mayBeEnglish(form->language())) {
-        return refuse(response,
-                      {400,
-                       "unsupported_language",
-                       "This service understands English only. Choose English or automatic as the language.",
-                       {},
-                       {}});
-    }
-    const auto recording = Recording::fromWav(form->recording());
-    if (!recording)
-        return refuse(response, Refusal::badRequest(recording.error()));
-    form->dropRecording();
-    answerRecording(request, response, *account, *recording, form->prompt());
-}
-
-void Service::answerRecording(const Request &request, Response &response, const Account &account,
-                              const Recording &recording, const std::string &prompt)
-{
-    const auto seconds = static_cast<std::int64_t>(std::ceil(recording.seconds()));
-    // Charged beforehand, so that requests at the same time cannot share the last seconds.
-    const auto remaining = m_accounts.charge(account, seconds);
-    if (!remaining)
-        return refuse(response, Refusal::quotaExceeded());
-    try {
-        const auto words = m_speech.transcribe(recording, [&] { return m_server.isAbandoned(request); });
-        if (words) {
-            return answer(response, {{"text", sentence(*words, prompt)},
-                                     {"model", speechModel},
-                                     {"seconds", seconds},
-                                     {"remainingSeconds", *remaining}});
-        }
-    } catch (...) {
-        m_accounts.refund(account, seconds);
-        throw;
-    }
-    m_accounts.refund(account, seconds);
-    refuse(response, {503, "stopping", "The service is stopping. Try again.", {}, {}});
+    const auto place = m_transcriptions.place(*account);
+    if (!place)
+        return refuse(response, place.error());
+    auto upload = TranscribeForm::read(request, body);
+    if (!upload)
+        return refuse(response, upload.error());
+    const auto transcript = m_transcriptions.transcribe(*account, std::move(*upload),
+                                                        [&] { return m_server.isAbandoned(request); });
+    if (!transcript)
+        return refuse(response, transcript.error());
+    answer(response, {{"text", transcript->text},
+                      {"model", m_transcriptions.model()},
+                      {"seconds", transcript->seconds},
+                      {"remainingSeconds", transcript->remainingSeconds}});
 }
 
 void Service::cleanup(const Request &request, Response &response, const httplib::ContentReader &body)
@@ -141,17 +80,19 @@ void Service::cleanup(const Request &request, Response &response, const httplib:
     const auto wanted = CleanupRequest::fromJson(*text);
     if (!wanted)
         return refuse(response, wanted.error());
-    const Editor::Result result = Editor::edited(wanted->text, wanted->vocabulary, wanted->language);
-    answer(response, {{"text", result.text}, {"model", cleanupModel}, {"skipped", result.skipped}});
+    const auto result = m_cleaner.edited(*wanted, [&] { return m_server.isAbandoned(request); });
+    if (!result)
+        return refuse(response, result.error());
+    answer(response, {{"text", result->text}, {"model", m_cleaner.model()}, {"skipped", result->skipped}});
 }
 
 void Service::models(const Request &request, Response &response)
 {
     if (authenticated(request, response)) {
-        answer(response,
-               {{"object", "list"},
-                {"data",
-                 {{{"id", speechModel}, {"object", "model"}}, {{"id", cleanupModel}, {"object", "model"}}}}});
+        answer(response, {{"object", "list"},
+                          {"data",
+                           {{{"id", m_transcriptions.model()}, {"object", "model"}},
+                            {{"id", m_cleaner.model()}, {"object", "model"}}}}});
     }
 }
 

@@ -1,19 +1,18 @@
 #pragma once
 
 #include "service/accounts/Accounts.h"
+#include "service/dictation/Cleaner.h"
+#include "service/dictation/Transcriptions.h"
 #include "service/http/HttpsServer.h"
-#include "service/speech/SpeechEngine.h"
 
 #include <optional>
-#include <semaphore>
-#include <string>
 
 /// The addresses for speech and text: who may use them, what they do, how they refuse. Every address that
 /// it does not know is refused, so other routes are set before it.
 class Service
 {
 public:
-    Service(HttpsServer &server, Accounts &accounts, SpeechEngine &speech);
+    Service(HttpsServer &server, Accounts &accounts, Transcriptions &transcriptions, Cleaner &cleaner);
     Service(const Service &) = delete;
     Service &operator=(const Service &) = delete;
 
@@ -27,11 +26,9 @@ private:
 
     /// The account that the request's session belongs to; refuses otherwise.
     std::optional<Account> authenticated(const Request &request, Response &response);
-    void answerRecording(const Request &request, Response &response, const Account &account,
-                         const Recording &recording, const std::string &prompt);
 
     HttpsServer &m_server;
     Accounts &m_accounts;
-    SpeechEngine &m_speech;
-    std::counting_semaphore<> m_places; // for recordings in memory
+    Transcriptions &m_transcriptions;
+    Cleaner &m_cleaner;
 };

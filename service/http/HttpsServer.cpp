@@ -68,28 +68,42 @@ void explainException(const httplib::Request &, httplib::Response &response,
     response.set_content(Refusal::internalError().body(), "application/json");
 }
 
-} // namespace
-
-HttpsServer::HttpsServer(const std::filesystem::path &certificate, const std::filesystem::path &privateKey)
-    : m_context(SSL_CTX_new(TLS_server_method()), &SSL_CTX_free)
+std::shared_ptr<SSL_CTX> contextWith(const std::filesystem::path &certificate,
+                                     const std::filesystem::path &privateKey)
 {
-    if (!m_context || SSL_CTX_use_certificate_chain_file(m_context.get(), certificate.c_str()) != 1 ||
-        SSL_CTX_use_PrivateKey_file(m_context.get(), privateKey.c_str(), SSL_FILETYPE_PEM) != 1 ||
-        SSL_CTX_check_private_key(m_context.get()) != 1) {
+    std::shared_ptr<SSL_CTX> context(SSL_CTX_new(TLS_server_method()), &SSL_CTX_free);
+    if (!context || SSL_CTX_use_certificate_chain_file(context.get(), certificate.c_str()) != 1 ||
+        SSL_CTX_use_PrivateKey_file(context.get(), privateKey.c_str(), SSL_FILETYPE_PEM) != 1 ||
+        SSL_CTX_check_private_key(context.get()) != 1) {
         ERR_clear_error();
         throw std::runtime_error("cannot use the certificate " + certificate.string() +
                                  " with its private key");
     }
-    SSL_CTX_set_min_proto_version(m_context.get(), TLS1_2_VERSION);
-    SSL_CTX_set_options(m_context.get(), SSL_OP_IGNORE_UNEXPECTED_EOF | SSL_OP_NO_RENEGOTIATION);
-    SSL_CTX_set_mode(m_context.get(), SSL_MODE_ENABLE_PARTIAL_WRITE | SSL_MODE_ACCEPT_MOVING_WRITE_BUFFER |
-                                          SSL_MODE_RELEASE_BUFFERS);
+    SSL_CTX_set_min_proto_version(context.get(), TLS1_2_VERSION);
+    SSL_CTX_set_options(context.get(), SSL_OP_IGNORE_UNEXPECTED_EOF | SSL_OP_NO_RENEGOTIATION);
+    SSL_CTX_set_mode(context.get(), SSL_MODE_ENABLE_PARTIAL_WRITE | SSL_MODE_ACCEPT_MOVING_WRITE_BUFFER |
+                                        SSL_MODE_RELEASE_BUFFERS);
+    return context;
+}
+
+} // namespace
+
+HttpsServer::HttpsServer(const std::filesystem::path &certificate, const std::filesystem::path &privateKey)
+    : m_context(contextWith(certificate, privateKey))
+{
     new_task_queue = [this] { return new ConnectionThreads(m_connections, connectionThreads); };
     set_keep_alive_timeout(idleLimit.count());
     set_keep_alive_max_count(1'000'000); // only announced; nothing here counts
     set_logger(logAnswer);
     set_error_handler(explainRefusal);
     set_exception_handler(explainException);
+}
+
+void HttpsServer::use(const std::filesystem::path &certificate, const std::filesystem::path &privateKey)
+{
+    auto context = contextWith(certificate, privateKey);
+    const std::lock_guard lock(m_contextMutex);
+    m_context.swap(context);
 }
 
 HttpsServer::~HttpsServer() = default;
@@ -129,7 +143,11 @@ bool HttpsServer::isAbandoned(const httplib::Request &request) const
 bool HttpsServer::process_and_close_socket(socket_t socket)
 {
     m_connections.add(socket);
-    TlsStream stream(m_context.get(), socket);
+    const auto context = [this] {
+        const std::lock_guard lock(m_contextMutex);
+        return m_context;
+    }();
+    TlsStream stream(context.get(), socket);
     bool understood = stream.shakeHands();
     if (understood)
         SSL_set_app_data(stream.handle(), &stream);

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <filesystem>
 #include <memory>
+#include <mutex>
 #include <string>
 
 /// An HTTPS/1.1 server whose number of threads and connections is bounded and which keeps idle
@@ -20,6 +21,9 @@ class HttpsServer : public httplib::Server
 public:
     /// PEM files. Throws std::runtime_error when they cannot be used.
     HttpsServer(const std::filesystem::path &certificate, const std::filesystem::path &privateKey);
+    /// New connections see this certificate from now on. Throws like the constructor, and then the old one
+    /// stays. From any thread.
+    void use(const std::filesystem::path &certificate, const std::filesystem::path &privateKey);
     ~HttpsServer() override;
 
     /// Binds and returns the port; 0 asks for any free one. Throws when the address is not to be had.
@@ -35,7 +39,8 @@ public:
 private:
     bool process_and_close_socket(socket_t socket) override;
 
-    std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> m_context;
+    std::mutex m_contextMutex;
+    std::shared_ptr<SSL_CTX> m_context;
     OpenConnections m_connections;
     std::atomic<bool> m_serving = false;
     std::atomic<bool> m_ending = false;

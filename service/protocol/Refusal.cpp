@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 Refusal Refusal::badRequest(std::string message)
@@ -38,6 +40,14 @@ Refusal Refusal::stopping()
 Refusal Refusal::tooMany(std::string message, std::int64_t waitSeconds)
 {
     return {429, "rate_limited", std::move(message), static_cast<int>(waitSeconds), {}};
+}
+
+Refusal Refusal::busy(std::chrono::duration<double> tooLong)
+{
+    constexpr double shortest = 5;
+    constexpr double longest = 60; // beyond, some clients would not wait at all
+    return {503, "busy", "Too much speech waits to be transcribed. Try again in a minute.",
+            static_cast<int>(std::ceil(std::clamp(tooLong.count(), shortest, longest)))};
 }
 
 Refusal Refusal::internalError()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -25,6 +26,8 @@ struct Refusal
     static Refusal stopping();
     /// Something was asked for too often; how long to wait is told in seconds.
     static Refusal tooMany(std::string message, std::int64_t waitSeconds);
+    /// The work that waits would keep the client longer than it waits itself.
+    static Refusal busy(std::chrono::duration<double> tooLong);
     static Refusal internalError();
     /// The refusal for an answer that was given a status and nothing else.
     static Refusal forStatus(int status);

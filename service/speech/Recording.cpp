@@ -38,9 +38,8 @@ Recording decoded(std::string_view data)
     return recording;
 }
 
-} // namespace
-
-std::expected<Recording, std::string> Recording::fromWav(std::string_view bytes)
+/// The bytes of the samples.
+std::expected<std::string_view, std::string> soundIn(std::string_view bytes)
 {
     if (bytes.size() < 12 || bytes.substr(0, 4) != "RIFF" || bytes.substr(8, 4) != "WAVE")
         return std::unexpected("The recording is not a WAV file.");
@@ -56,7 +55,7 @@ std::expected<Recording, std::string> Recording::fromWav(std::string_view bytes)
             const bool open = size == 0 || size == 0xffffffff;
             if (!open && size > left)
                 return std::unexpected("The recording is incomplete.");
-            return decoded(bytes.substr(at, open ? left : size));
+            return bytes.substr(at, open ? left : size);
         }
         if (size > left)
             break;
@@ -68,4 +67,22 @@ std::expected<Recording, std::string> Recording::fromWav(std::string_view bytes)
         at += size + (size & 1); // chunks begin at even offsets
     }
     return std::unexpected("The recording is damaged: it holds no sound.");
+}
+
+} // namespace
+
+std::expected<Recording, std::string> Recording::fromWav(std::string_view bytes)
+{
+    const auto sound = soundIn(bytes);
+    if (!sound)
+        return std::unexpected(sound.error());
+    return decoded(*sound);
+}
+
+std::expected<double, std::string> Recording::secondsOfWav(std::string_view bytes)
+{
+    const auto sound = soundIn(bytes);
+    if (!sound)
+        return std::unexpected(sound.error());
+    return static_cast<double>(sound->size() / 2) / sampleRate;
 }

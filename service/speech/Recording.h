@@ -18,4 +18,6 @@ struct Recording
     /// Reads a RIFF/WAVE file of that format; the error is a sentence for the user. A recorder that was
     /// killed leaves lengths of 0 or 0xFFFFFFFF: such data reaches to the end of the file.
     static std::expected<Recording, std::string> fromWav(std::string_view bytes);
+    /// How long such a file sounds, without reading its samples.
+    static std::expected<double, std::string> secondsOfWav(std::string_view bytes);
 };

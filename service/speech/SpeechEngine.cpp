@@ -8,6 +8,15 @@
 
 using namespace std::chrono_literals;
 
+namespace {
+
+Pace::Seconds secondsOf(size_t samples)
+{
+    return Pace::Seconds(static_cast<double>(samples) / Recording::sampleRate);
+}
+
+} // namespace
+
 /// A recording in work. It lives on the stack of the thread that waits for it.
 struct SpeechEngine::Job
 {
@@ -17,6 +26,14 @@ struct SpeechEngine::Job
     size_t inWork = 0;
     std::exception_ptr failure = nullptr;
 
+    /// The sound that no decoder has taken yet.
+    Pace::Seconds waiting() const
+    {
+        size_t samples = 0;
+        for (size_t i = taken; i < pieces.size(); ++i)
+            samples += pieces[i].size();
+        return secondsOf(samples);
+    }
     bool isDone() const { return taken == pieces.size() && inWork == 0; }
     void dropTheRest() { taken = pieces.size(); }
 };
@@ -77,6 +94,15 @@ std::optional<std::string> SpeechEngine::transcribe(const Recording &recording,
     return joined(job.words);
 }
 
+Pace::Seconds SpeechEngine::expected(Pace::Seconds sound)
+{
+    const std::lock_guard lock(m_mutex);
+    std::vector<Pace::Seconds> waiting;
+    for (const Job *job : m_jobs)
+        waiting.push_back(job->waiting());
+    return waiting.empty() ? Pace::Seconds(0) : m_pace.expected(sound, waiting, m_recognizers.size());
+}
+
 void SpeechEngine::work(Recognizer &recognizer)
 {
     std::unique_lock lock(m_mutex);
@@ -93,13 +119,17 @@ void SpeechEngine::work(Recognizer &recognizer)
         lock.unlock();
         std::string words;
         std::exception_ptr failure;
+        const auto began = std::chrono::steady_clock::now();
+        const bool silent = Pieces::isSilent(job.pieces[index]);
         try {
-            if (!Pieces::isSilent(job.pieces[index]))
+            if (!silent)
                 words = recognizer.wordsIn(job.pieces[index]);
         } catch (...) {
             failure = std::current_exception();
         }
         lock.lock();
+        if (!silent)
+            m_pace.add(secondsOf(job.pieces[index].size()), std::chrono::steady_clock::now() - began);
         job.words[index] = std::move(words);
         --job.inWork;
         if (failure) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/speech/Pace.h"
 #include "service/speech/Recording.h"
 #include "service/speech/SpeechModel.h"
 
@@ -30,6 +31,9 @@ public:
     std::optional<std::string> transcribe(const Recording &recording,
                                           const std::function<bool()> &isUnwanted);
 
+    /// How long a recording would be in work if it came now; zero while none is waiting.
+    Pace::Seconds expected(Pace::Seconds sound);
+
 private:
     struct Job;
 
@@ -38,6 +42,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::list<Job *> m_jobs; // with pieces that no decoder has taken; the front one is next
+    Pace m_pace;
     bool m_stopping = false;
     std::vector<Recognizer> m_recognizers;
     std::vector<std::thread> m_threads;

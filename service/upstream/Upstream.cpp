@@ -3,33 +3,58 @@
 #include "service/text/Utf8.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <fstream>
-#include <regex>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
 constexpr size_t maximumKey = 4096; // bytes
 
-bool isThisMachine(const std::string &host)
+/// The address itself, not a name that begins like one ("127.example.com").
+bool isThisMachine(std::string_view host)
 {
-    return host == "localhost" || host == "[::1]" || host.starts_with("127.");
+    return host == "localhost" || host == "[::1]" ||
+           (host.starts_with("127.") && host.find_first_not_of("0123456789.") == std::string_view::npos);
+}
+
+/// An IPv6 address stands in brackets; the port is empty when there is none.
+std::pair<std::string_view, std::string_view> hostAndPort(std::string_view text)
+{
+    const size_t end = text.starts_with('[') ? text.find(']') + 1 : std::min(text.find(':'), text.size());
+    return {text.substr(0, end), text.substr(end)};
+}
+
+bool isPort(std::string_view text)
+{
+    int port = 0;
+    return text.empty() || (text.starts_with(':') && text.size() <= 6 &&
+                            std::from_chars(text.data() + 1, text.data() + text.size(), port).ptr ==
+                                text.data() + text.size() &&
+                            port > 0 && port < 65536);
 }
 
 } // namespace
 
 std::expected<Upstream, std::string> Upstream::at(std::string_view address)
 {
-    static const std::regex form(R"((https?)://(\[[0-9a-fA-F:]+\]|[A-Za-z0-9.-]+)(:[0-9]{1,5})?(/[!-~]*)?)");
-    std::cmatch parts;
-    if (address.size() > 2000 ||
-        !std::regex_match(address.data(), address.data() + address.size(), parts, form) ||
-        address.find_first_of("?#@") != std::string_view::npos)
-        return std::unexpected("--upstream needs an address such as https://speech.example.com/v1");
-    if (parts[1] == "http" && !isThisMachine(parts[2]))
+    const auto complaint =
+        std::unexpected("--upstream needs an address such as https://speech.example.com/v1");
+    const bool isPlain = address.starts_with("http://");
+    if ((!isPlain && !address.starts_with("https://")) || address.size() > 2000 ||
+        !std::ranges::all_of(address, [](char c) { return c > ' ' && c < 0x7f; }) ||
+        address.find_first_of("?#@\\") != std::string_view::npos)
+        return complaint;
+    const size_t host = isPlain ? 7 : 8;
+    const size_t path = std::min(address.find('/', host), address.size());
+    const auto [name, port] = hostAndPort(address.substr(host, path - host));
+    if (name.empty() || !isPort(port))
+        return complaint;
+    if (isPlain && !isThisMachine(name))
         return std::unexpected("--upstream needs https for another machine");
-    Upstream upstream{parts[1].str() + "://" + parts[2].str() + parts[3].str(), parts[4].str()};
+    Upstream upstream{std::string(address.substr(0, path)), std::string(address.substr(path))};
     while (upstream.path.ends_with('/'))
         upstream.path.pop_back();
     return upstream;

@@ -30,7 +30,8 @@ void DictationRows::show(const QList<DayGroup> &groups, const QTimeZone &zone)
     QList<Row> rows;
     for (const DayGroup &group : groups)
         for (const Dictation &dictation : group.items)
-            rows.append({dictation, group.title, &dictation == &group.items.last()});
+            rows.append({dictation, group.title, &dictation == &group.items.first(),
+                         &dictation == &group.items.last()});
     const bool sameZone = zone == m_zone;
     m_zone = zone;
     if (sameZone && changeTo(rows))
@@ -110,6 +111,8 @@ QVariant DictationRows::data(const QModelIndex &index, int role) const
         return row.dictation.text;
     case timingRole:
         return row.dictation.timingSummary().value_or(QString());
+    case firstOfDayRole:
+        return row.firstOfDay;
     case lastOfDayRole:
         return row.lastOfDay;
     default:
@@ -123,5 +126,6 @@ QHash<int, QByteArray> DictationRows::roleNames() const
             {timeRole, "time"},
             {textRole, "transcript"},
             {timingRole, "timing"},
+            {firstOfDayRole, "firstOfDay"},
             {lastOfDayRole, "lastOfDay"}};
 }

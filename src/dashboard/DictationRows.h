@@ -15,6 +15,7 @@ public:
         timeRole,
         textRole,
         timingRole, ///< empty when it was not timed
+        firstOfDayRole,
         lastOfDayRole,
     };
 
@@ -32,6 +33,7 @@ private:
     {
         Dictation dictation;
         QString day;
+        bool firstOfDay = false;
         bool lastOfDay = false;
 
         bool operator==(const Row &) const = default;

@@ -37,13 +37,11 @@ void AnswerModeTest::anAnswerIsPasted()
         m->machine.defaults.values.insert(u"labsProvider"_s, stored);
         m->machine.defaults.values.insert(u"language"_s, u"en"_s);
         m->dictate(u"um what is the highest mountain"_s, u"What is the highest mountain?"_s);
-        QCOMPARE(m->overlayModel().message(), u"Answering…"_s);
-        QCOMPARE(m->overlayModel().tone(), OverlayTone::warning);
-        QCOMPARE(QJsonDocument::fromJson(m->machine.http.requests.last().body).object(),
-                 (QJsonObject{{u"prompt"_s, u"What is the highest mountain?"_s},
-                              {u"provider"_s, stored == u"chatgpt"_s ? u"chatgpt"_s : u"claude"_s},
-                              {u"mode"_s, u"answer"_s},
-                              {u"language"_s, u"en"_s}}));
+        QVERIFY(m->overlayModel().message() == u"Answering…" && m->overlayModel().tone() == OverlayTone::warning);
+        const QString body =
+            uR"({"language":"en","mode":"answer","prompt":"What is the highest mountain?","provider":"%1"})"_s;
+        QCOMPARE(QString::fromUtf8(m->machine.http.requests.last().body),
+                 body.arg(stored == u"chatgpt"_s ? u"chatgpt"_s : u"claude"_s));
         m->machine.clock.advance(10s);
         QVERIFY(m->overlay().isVisible() && m->flow().state() == FlowState::processing);
         m->answerText(u" Mount Everest.\n"_s);
@@ -138,6 +136,7 @@ void AnswerModeTest::leavingWhileAnswering()
     m->quit();
     QVERIFY(m->machine.folders.recordings().isEmpty() && m->machine.clock.pendingTimers() == 0);
     QVERIFY(m->host().answerMode().enabled()); // the next start goes on
+    QVERIFY(m->host().history().records().isEmpty());
 }
 
 QTEST_GUILESS_MAIN(AnswerModeTest)

@@ -4,7 +4,6 @@
 #include "labs/LabsClient.h"
 #include "labs/LabsSession.h"
 
-#include <QJsonDocument>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -30,7 +29,6 @@ struct Fixture : AccountFixture
         session->setPrompt(prompt);
         session->ask(provider);
     }
-    QJsonObject question() const { return QJsonDocument::fromJson(machine.http.requests.last().body).object(); }
     /// Answer mode is off, and nothing stored.
     bool isOver() const { return !mode->enabled() && !machine.defaults.values.contains(u"labsAnswerModeExpiresAt"_s); }
     /// How many minutes answer mode stays on.
@@ -62,7 +60,6 @@ private Q_SLOTS:
     void sendsTheQuestion();
     void keepsTheLastFiveAnswers();
     void triesAgainOnce();
-    void aRejectedSessionSignsOut();
     void answerModeEndsAfterHalfAnHour();
     void answerModeSurvivesARestart();
     void answerModeSeesAClockThatJumps();
@@ -75,20 +72,16 @@ void LabsTest::offersWhatTheServiceOffers()
 {
     const auto offered = [this](const QByteArray &body) {
         m->load(body);
-        m->ask(u" \n"_s); // never
-        m->ask(u"x"_s);
-        const QString providers = m->session->property("availableProviders").toStringList().join(u',');
-        if (m->session->busy() != !providers.isEmpty())
-            return u"can ask nobody, or asks nobody"_s;
-        if (m->session->busy())
-            m->machine.http.answer(500, {});
-        return providers + m->session->providersError();
+        m->ask(u" \n"_s); // nothing to ask
+        return m->session->property("availableProviders").toStringList().join(u',') + m->session->providersError() +
+               (m->session->busy() ? u" asks"_s : QString());
     };
     QCOMPARE(offered(R"({"chatgpt":true,"claude":true})"), u"claude,chatgpt"_s);
     QCOMPARE(offered(R"({"claude":false,"chatgpt":true})"), u"chatgpt"_s);
-    QCOMPARE(offered(R"({"claude":false,"chatgpt":false})"), u"Labs is not offered on this server right now."_s);
-    m->load();
     QCOMPARE(offered(R"({"claude":true})"), u"Sayvane sent something this app could not read."_s);
+    QCOMPARE(offered(R"({"claude":false,"chatgpt":false})"), u"Labs is not offered on this server right now."_s);
+    m->ask(u"x"_s); // nobody to ask
+    QVERIFY(!m->session->busy());
 }
 
 void LabsTest::sendsTheQuestion()
@@ -96,12 +89,8 @@ void LabsTest::sendsTheQuestion()
     m->load();
     m->session->setContext(u" \n"_s);
     m->ask(u" what? "_s);
-    QCOMPARE(m->question(),
-             (QJsonObject{{u"prompt"_s, u" what? "_s}, {u"provider"_s, u"claude"_s}, {u"mode"_s, u"answer"_s}}));
-    const HttpRequest request = m->machine.http.requests.last();
-    QCOMPARE(request.url.toString(), u"https://service.test/v1/labs/answer"_s);
-    QVERIFY(request.headers.contains(std::pair<QByteArray, QByteArray>("Authorization", "Bearer svs_1")));
-    QCOMPARE(request.timeout, 45s);
+    QCOMPARE(m->sent(), uR"(POST /v1/labs/answer svs_1 {"mode":"answer","prompt":" what? ","provider":"claude"})"_s);
+    QCOMPARE(m->machine.http.requests.last().timeout, 45s);
     m->machine.http.answer(200, R"({"text":" \n"})");
     QCOMPARE(m->session->error(), u"Sayvane sent an empty answer back."_s);
     m->defaults.set(u"language"_s, u" gu "_s);
@@ -109,11 +98,8 @@ void LabsTest::sendsTheQuestion()
     m->session->setProperty("mode", u"sing"_s); // unknown: nothing changes
     m->session->setContext(u" "_s + u"é"_s.repeated(5000));
     m->ask(u"🙂"_s.repeated(9000), LabsProvider::chatgpt);
-    QCOMPARE(m->question(), (QJsonObject{{u"prompt"_s, u"🙂"_s.repeated(8000)},
-                                         {u"provider"_s, u"chatgpt"_s},
-                                         {u"mode"_s, u"rewrite"_s},
-                                         {u"language"_s, u"gu"_s},
-                                         {u"context"_s, u"é"_s.repeated(4000)}}));
+    const QString body = uR"({"context":"%1","language":"gu","mode":"rewrite","prompt":"%2","provider":"chatgpt"})"_s;
+    QVERIFY(m->sent().endsWith(body.arg(u"é"_s.repeated(4000), u"🙂"_s.repeated(8000))));
 }
 
 void LabsTest::keepsTheLastFiveAnswers()
@@ -166,18 +152,6 @@ void LabsTest::triesAgainOnce()
     m->session.reset();
     QVERIFY(m->machine.http.waiting() == 0 && m->machine.clock.pendingTimers() == 0);
     QCOMPARE(m->machine.http.requests.size(), 5);
-}
-
-void LabsTest::aRejectedSessionSignsOut()
-{
-    m->load();
-    m->machine.http.willAnswer(401, {});
-    m->ask(u"q"_s);
-    QCOMPARE(m->session->error(), u"Signed out. Sign in again in Settings."_s);
-    QVERIFY(!m->account.signedIn() && !m->sessions.token());
-    m->ask(u"q"_s);
-    QCOMPARE(m->session->error(), u"Sign in under Settings to start dictating"_s);
-    QCOMPARE(m->machine.http.requests.size(), 2);
 }
 
 void LabsTest::answerModeEndsAfterHalfAnHour()

@@ -36,6 +36,8 @@ private Q_SLOTS:
     void idleConnectionsGiveWayToNewOnes();
     void understandsHumanSpeech();
     void theAllowanceSurvivesARestart();
+    void isBackedUpWhileItServes();
+    void takesANewCertificateWhileItServes();
     void endsInOrderAndAlone();
 
 private:
@@ -302,6 +304,34 @@ void HttpsTest::theAllowanceSurvivesARestart()
     QCOMPARE(refused.body[u"remainingSeconds"_s].toInt(-1), 0);
 }
 
+void HttpsTest::isBackedUpWhileItServes()
+{
+    ServiceProcess restored;
+    const QString copy = restored.folder() + u"/service.sqlite"_s;
+    const QStringList backup{u"backup"_s, u"--data"_s, m_service.folder(), u"--to"_s, copy};
+    QCOMPARE(m_service.run(backup).exitCode, 69); // there is no such folder
+    QVERIFY(QDir().mkpath(restored.folder()));
+    QCOMPARE(m_service.run(backup).exitCode, 0);
+    QCOMPARE(m_service.run(backup).exitCode, 0); // replaces the older one
+    QCOMPARE(QFile::permissions(copy) & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+    QVERIFY(restored.start({u"--decoders=1"_s}));
+    const QByteArray me = Exchange::request("GET /v1/me", m_token);
+    QCOMPARE(Exchange(restored).ask(me).body, Exchange(m_service).ask(me).body);
+}
+
+void HttpsTest::takesANewCertificateWhileItServes()
+{
+    Exchange old(m_service);
+    QCOMPARE(old.ask(Exchange::request("GET /health", {})).status, 200);
+    const QSslCertificate before = m_service.certificate();
+    QVERIFY(QFile::remove(m_service.folder() + u"/certificate.pem"_s));
+    m_service.hangUp();
+    QTRY_VERIFY(!m_service.certificate().isNull());
+    QVERIFY(m_service.certificate() != before);
+    QTRY_VERIFY(Exchange(m_service).isOpen()); // trusts the new one alone
+    QCOMPARE(old.ask(Exchange::request("GET /health", {})).status, 200);
+}
+
 void HttpsTest::endsInOrderAndAlone()
 {
     const auto second = m_service.run({u"--port"_s, u"0"_s, u"--data"_s, m_service.folder()});
@@ -310,7 +340,7 @@ void HttpsTest::endsInOrderAndAlone()
     const auto wrong = m_service.run({u"--loud"_s});
     QCOMPARE(wrong.exitCode, 64);
     QVERIFY(wrong.error.contains("unknown option --loud") && wrong.out.isEmpty());
-    QCOMPARE(m_service.run({u"--help"_s}).exitCode, 0);
+    QVERIFY(m_service.run({u"--help"_s}).out.contains(m_service.run({u"backup"_s, u"-h"_s}).out));
     QVERIFY(m_service.run({u"--version"_s}).out.startsWith("sayvane-service "));
 
     Exchange idle(m_service);

@@ -1,5 +1,6 @@
 #include "WavFile.h"
 
+#include "service/speech/Pace.h"
 #include "service/speech/Pieces.h"
 #include "service/speech/Recording.h"
 
@@ -17,6 +18,7 @@ private Q_SLOTS:
     void readsOrRefuses();
     void anyDamageIsSurvived();
     void cutsWhereItIsQuiet();
+    void expectsWhatThePaceTells();
 };
 
 void RecordingTest::readsOrRefuses_data()
@@ -90,6 +92,23 @@ void RecordingTest::cutsWhereItIsQuiet()
     QVERIFY(!Pieces::isSilent(pieces[0]));
     QVERIFY(Pieces::isSilent(std::span(samples).subspan(11 * second, second / 2)));
     QCOMPARE(Pieces::of({}).size(), size_t{1});
+}
+
+void RecordingTest::expectsWhatThePaceTells()
+{
+    using S = Pace::Seconds;
+    Pace pace;
+    for (int i = 0; i < 100; ++i) {
+        pace.add(S(10), S(5));
+        pace.add(S(0.1), S(90)); // too short to tell
+    }
+    const std::vector<S> waiting{S(600), S(4)};
+    QCOMPARE(qRound(pace.expected(S(100), {}, 1).count()), 50);
+    QCOMPARE(qRound(pace.expected(S(100), waiting, 1).count()), 102); // the long one delays it by its own length
+    QCOMPARE(qRound(pace.expected(S(10), waiting, 2).count()), 6);
+    for (int i = 0; i < 10; ++i)
+        pace.add(S(10), S(50));
+    QVERIFY(pace.expected(S(100), {}, 1) > S(300)); // a machine that becomes slow is noticed
 }
 
 QTEST_APPLESS_MAIN(RecordingTest)

@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QRegularExpression>
 
+#include <csignal>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -27,6 +29,11 @@ QByteArray ServiceProcess::nextLine()
             return {};
     }
     return m_process.readLine();
+}
+
+void ServiceProcess::hangUp()
+{
+    ::kill(static_cast<pid_t>(m_process.processId()), SIGHUP);
 }
 
 int ServiceProcess::end()

@@ -10,6 +10,8 @@ class ServiceProcess
 public:
     /// Starts a server and waits until it says that it listens.
     bool start(const QStringList &options = {});
+    /// Has it read its certificate again.
+    void hangUp();
     /// Asks it to end; its exit code, or -1 when it does not end in time.
     int end();
     ~ServiceProcess();

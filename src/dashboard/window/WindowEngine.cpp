@@ -19,14 +19,19 @@ bool canUseOpenGL()
     return context.create();
 }
 
-} // namespace
-
-WindowEngine::WindowEngine(Appearance &appearance, const Graphics &graphics) : m_theme(appearance)
+void chooseDrawing(const Graphics &graphics)
 {
     const bool chosenByUser =
         qEnvironmentVariableIsSet("QT_QUICK_BACKEND") || qEnvironmentVariableIsSet("QSG_RHI_BACKEND");
     if (!chosenByUser && (!graphics.hasProcessor() || !canUseOpenGL()))
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+}
+
+} // namespace
+
+WindowEngine::WindowEngine(Appearance &appearance, const Graphics &graphics) : m_theme(appearance)
+{
+    [[maybe_unused]] static const bool once = (chooseDrawing(graphics), true);
     // The module is part of the program: naming its registration keeps the linker from dropping it.
     static const auto registration [[maybe_unused]] = &qml_register_types_Sayvane;
     m_engine.addImportPath(u"qrc:/qml"_s);

@@ -14,6 +14,7 @@ T.Dialog {
     parent: T.Overlay.overlay
     anchors.centerIn: parent
     width: Math.min(380, parent ? parent.width - 40 : 380)
+    implicitHeight: implicitContentHeight + 2 * padding
     padding: Theme.screenMargin
     modal: true
     focus: true

@@ -94,11 +94,6 @@ FocusScope {
         Accessible.role: Accessible.List
         Accessible.name: "Dictations"
         T.ScrollBar.vertical: ScrollBar {}
-        section.property: "day"
-        section.labelPositioning: ViewSection.InlineLabels | ViewSection.CurrentLabelAtStart
-        section.delegate: DayHeader {
-            width: list.width
-        }
         delegate: DictationRow {
             width: list.width
             onCopyWanted: page.model.copy(index)

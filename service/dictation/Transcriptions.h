@@ -1,0 +1,40 @@
+#pragma once
+
+#include "service/accounts/Accounts.h"
+#include "service/dictation/Transcriber.h"
+
+#include <memory>
+#include <semaphore>
+
+/// Transcriptions for accounts: how many at once, and what they cost.
+class Transcriptions
+{
+public:
+    struct Transcript
+    {
+        std::string text;
+        double duration = 0;      ///< of the recording, in seconds
+        std::int64_t seconds = 0; ///< charged
+        std::int64_t remainingSeconds = 0;
+    };
+    /// The right to hold one recording in memory; given back when it dies.
+    using Place = std::unique_ptr<std::counting_semaphore<>, void (*)(std::counting_semaphore<> *)>;
+
+    Transcriptions(Accounts &accounts, Transcriber &transcriber);
+
+    /// To be had before anything of a recording is read. Refuses when all are taken, or when nothing is
+    /// left of the account's allowance.
+    std::expected<Place, Refusal> place(const Account &account);
+    /// Charges the account beforehand, so that requests at the same time cannot share the last seconds,
+    /// and refunds it when there is no text in the end.
+    std::expected<Transcript, Refusal> transcribe(const Account &account, Upload upload,
+                                                  const std::function<bool()> &isUnwanted);
+
+    const std::string &model() const { return m_transcriber.model(); }
+    std::string onlyLanguage() const { return m_transcriber.onlyLanguage(); }
+
+private:
+    Accounts &m_accounts;
+    Transcriber &m_transcriber;
+    std::counting_semaphore<> m_places;
+};
