@@ -96,7 +96,7 @@ std::expected<Invocation, QString> CommandLine::parse(const QStringList &words)
     QCommandLineParser parser;
     options.addTo(parser);
     if (!parser.parse(QStringList(u"sayvane"_s) + words))
-        return std::unexpected(parser.errorText() + u'.');
+        return std::unexpected(parser.errorText());
     Invocation asked{.verb = parser.positionalArguments().value(0),
                      .arguments = parser.positionalArguments().mid(1),
                      .profile = parser.value(options.profile),
