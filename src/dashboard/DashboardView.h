@@ -22,7 +22,7 @@ class DashboardView final : public QObject
     Q_PROPERTY(bool hasCredential READ hasCredential NOTIFY changed)
     Q_PROPERTY(QString bannerMessage READ bannerMessage NOTIFY changed)
     /// Whether the window is on the screen; only then does anything tick.
-    Q_PROPERTY(bool shown READ isShown WRITE setShown NOTIFY changed)
+    Q_PROPERTY(bool shown READ isShown NOTIFY changed)
 public:
     struct Needs
     {

@@ -25,6 +25,9 @@ public:
     /// The models by the property names of the window.
     QVariantMap models();
 
+    /// Whether the window is on the screen.
+    void setShown(bool shown) { m_frame.setShown(shown); }
+
 private:
     DashboardNavigation &m_navigation;
     DashboardView m_frame;

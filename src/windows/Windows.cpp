@@ -11,6 +11,7 @@ Windows::Windows(Host &host, Platform &platform, Hooks hooks)
                    .appearance = platform.appearance,
                    .graphics = platform.graphics,
                    .models = [this] { return models(); },
+                   .shownChanged = [this](bool shown) { m_screens->setShown(shown); },
                    .installMainMenu = std::move(hooks.installMainMenu),
                    .cancelShortcutCapture = std::move(hooks.cancelShortcutCapture)}),
       m_settings(platform.appearance, platform.graphics, m_forms.settings())

@@ -50,6 +50,7 @@ void DashboardWindowController::show()
         make();
     m_needs.activation.setPolicy(ActivationPolicy::regular);
     m_needs.installMainMenu();
+    m_needs.shownChanged(true);
     // On another workspace it is mapped but not exposed: mapping it anew brings it to this one.
     if (m_window->isVisible() && !m_window->isExposed())
         m_window->hide();
@@ -75,8 +76,10 @@ void DashboardWindowController::make()
 
 void DashboardWindowController::closing(const QWindow *window)
 {
-    if (window == m_window.get())
+    if (window == m_window.get()) {
         m_needs.cancelShortcutCapture();
+        m_needs.shownChanged(false);
+    }
     if (!hasRegular(window))
         m_needs.activation.setPolicy(ActivationPolicy::accessory);
 }

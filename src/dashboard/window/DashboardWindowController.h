@@ -26,6 +26,8 @@ public:
         Graphics &graphics;
         /// The models of the screens by the window's property names; asked for when the window is made.
         std::function<QVariantMap()> models;
+        /// The window is about to be shown, or closes.
+        std::function<void(bool)> shownChanged;
         /// Gives windows their editing commands.
         std::function<void()> installMainMenu;
         /// The window closes: no shortcut is being chosen any more.

@@ -46,7 +46,7 @@ Window {
                 SecureField { text: "secret" }
                 SearchField { placeholderText: "Search" }
             }
-            TextArea { width: 220; height: 120; text: "Several lines of text that wrap at the edge, and more of them than fit into the room there is, so that the scroll bar has something to do and shows itself. And one more." }
+            TextArea { width: 150; height: 120; text: "Several lines of text that wrap at the edge, and more of them than fit into the room there is, so that the scroll bar has something to do and shows itself. And one more." }
         }
         Row {
             spacing: 20

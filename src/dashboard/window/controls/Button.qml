@@ -30,9 +30,12 @@ T.Button {
     Accessible.role: kind === Button.Link ? Accessible.Link : Accessible.Button
     Accessible.name: text !== "" ? text : help
     Accessible.description: text !== "" ? help : ""
-    Accessible.onPressAction: control.click()
-    Keys.onReturnPressed: control.click()
-    Keys.onEnterPressed: control.click()
+    Keys.onPressed: event => {
+        if (busy || event.key === Qt.Key_Return || event.key === Qt.Key_Enter)
+            event.accepted = true;
+        if (event.accepted && !busy)
+            clicked();
+    }
 
     contentItem: Item {
         implicitWidth: row.implicitWidth
@@ -85,6 +88,10 @@ T.Button {
         FocusRing {
             shown: control.visualFocus
         }
+    }
+    MouseArea {
+        anchors.fill: parent
+        visible: control.busy
     }
     HelpTip {
         visible: control.hovered && control.help !== ""

@@ -55,6 +55,7 @@ T.Dialog {
 
             Button {
                 id: cancel
+                focus: true
                 text: qsTr("Cancel")
                 onClicked: dialog.close()
             }

@@ -30,7 +30,6 @@ Column {
         Accessible.role: Accessible.Button
         Accessible.name: group.label
         Accessible.description: group.expanded ? qsTr("Expanded") : qsTr("Collapsed")
-        Accessible.onPressAction: heading.click()
 
         background: Rectangle {
             anchors.fill: parent

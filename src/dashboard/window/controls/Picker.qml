@@ -81,7 +81,6 @@ T.ComboBox {
         highlighted: control.highlightedIndex === index
         Accessible.role: Accessible.ListItem
         Accessible.name: modelData.text
-        Accessible.onPressAction: entry.click()
 
         background: Rectangle {
             radius: Theme.buttonRadius - 1

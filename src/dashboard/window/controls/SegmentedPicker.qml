@@ -68,7 +68,6 @@ FocusScope {
                 Accessible.name: modelData.text
                 Accessible.checkable: true
                 Accessible.checked: chosen
-                Accessible.onPressAction: segment.click()
 
                 background: Rectangle {
                     anchors.fill: parent

@@ -20,9 +20,10 @@ T.Switch {
     Accessible.description: help
     Accessible.checkable: true
     Accessible.checked: checked
-    Accessible.onPressAction: control.click()
-    Accessible.onToggleAction: control.click()
-    Keys.onReturnPressed: control.click()
+    Keys.onReturnPressed: {
+        toggle();
+        toggled();
+    }
 
     contentItem: Label {
         rightPadding: 38 + control.spacing

@@ -22,8 +22,6 @@ Window {
     minimumWidth: 760
     minimumHeight: 520
     color: Theme.window
-    onVisibleChanged: dashboard.shown = visible
-    Component.onDestruction: dashboard.shown = false
 
     T.SplitView {
         anchors.fill: parent

@@ -27,7 +27,12 @@ Item {
             event.accepted = true;
         }
     }
-    ListView.onReused: body.deselect()
+    // A row that waits to be used again is there for nobody, screen readers included.
+    ListView.onPooled: visible = false
+    ListView.onReused: {
+        visible = true;
+        body.deselect();
+    }
     Accessible.role: Accessible.ListItem
     Accessible.name: time + ", " + transcript
     Accessible.focusable: true

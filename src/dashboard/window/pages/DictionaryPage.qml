@@ -92,6 +92,8 @@ FocusScope {
             required property string display
             required property int index
 
+            ListView.onPooled: visible = false
+            ListView.onReused: visible = true
             width: list.width
             implicitHeight: Math.max(40, term.implicitHeight + 20)
             divided: index < list.count - 1
