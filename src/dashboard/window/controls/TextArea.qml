@@ -35,8 +35,8 @@ T.Control {
         T.TextArea.flickable: T.TextArea {
             id: editor
 
-            padding: 4
-            rightPadding: 10
+            padding: 8
+            rightPadding: 14
             wrapMode: TextEdit.Wrap
             textFormat: TextEdit.PlainText
             color: Theme.text
