@@ -8,6 +8,28 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+struct ModeTexts
+{
+    QString hint;
+    QString prompt;
+    QString context;
+};
+
+ModeTexts textsOf(LabsMode mode)
+{
+    switch (mode) {
+    case LabsMode::answer:
+        return {u"Ask a question and get a plain answer."_s, u"Your question"_s, {}};
+    case LabsMode::reply:
+        return {u"Draft a reply to a message you paste in below."_s, u"How to reply"_s,
+                u"Paste the message you are replying to"_s};
+    case LabsMode::rewrite:
+        return {u"Rewrite text you paste in below, the way you ask."_s, u"How to rewrite it"_s,
+                u"Paste the text to rewrite"_s};
+    }
+    Q_UNREACHABLE();
+}
+
 QString capitalised(const QString &words)
 {
     QStringList all = words.toLower().split(u' ');
@@ -20,41 +42,17 @@ QString capitalised(const QString &words)
 
 QString LabsTexts::hint(LabsMode mode)
 {
-    switch (mode) {
-    case LabsMode::answer:
-        return u"Ask a question and get a plain answer."_s;
-    case LabsMode::reply:
-        return u"Draft a reply to a message you paste in below."_s;
-    case LabsMode::rewrite:
-        return u"Rewrite text you paste in below, the way you ask."_s;
-    }
-    Q_UNREACHABLE();
+    return textsOf(mode).hint;
 }
 
 QString LabsTexts::promptLabel(LabsMode mode)
 {
-    switch (mode) {
-    case LabsMode::answer:
-        return u"Your question"_s;
-    case LabsMode::reply:
-        return u"How to reply"_s;
-    case LabsMode::rewrite:
-        return u"How to rewrite it"_s;
-    }
-    Q_UNREACHABLE();
+    return textsOf(mode).prompt;
 }
 
 QString LabsTexts::contextLabel(LabsMode mode)
 {
-    switch (mode) {
-    case LabsMode::answer:
-        return {};
-    case LabsMode::reply:
-        return u"Paste the message you are replying to"_s;
-    case LabsMode::rewrite:
-        return u"Paste the text to rewrite"_s;
-    }
-    Q_UNREACHABLE();
+    return textsOf(mode).context;
 }
 
 QString LabsTexts::heading(const QString &provider, const QString &model)

@@ -132,7 +132,8 @@ QString LabsView::answerText() const
 
 QString LabsView::answerModeCaption() const
 {
-    return u"While this is on, an ordinary dictation is answered by %1 and the answer is pasted instead of the "
+    return u"While this is on, an ordinary dictation is answered by %1 and the answer is pasted instead of "
+           u"the "
            "transcript. Turns itself off after 30 minutes."_s.arg(
                LabsProviderNames::title(selectedProvider()));
 }

@@ -79,6 +79,7 @@ void DashboardWindowController::closing(const QWindow *window)
     if (window == m_window.get()) {
         m_needs.cancelShortcutCapture();
         m_needs.shownChanged(false);
+        m_engine->tidyLater();
     }
     if (!hasRegular(window))
         m_needs.activation.setPolicy(ActivationPolicy::accessory);

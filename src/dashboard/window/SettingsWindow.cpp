@@ -28,9 +28,11 @@ void SettingsWindow::show()
 void SettingsWindow::make()
 {
     m_engine = std::make_unique<WindowEngine>(m_appearance, m_graphics);
-    m_window = m_engine->makeWindow(u"settings/SettingsWindow"_s, {{u"forms"_s, QVariant::fromValue(&m_forms)}});
+    m_window =
+        m_engine->makeWindow(u"settings/SettingsWindow"_s, {{u"forms"_s, QVariant::fromValue(&m_forms)}});
     // While it tells that it was closed the window is still in use.
-    connect(m_window.get(), &QWindow::visibleChanged, this, &SettingsWindow::dropIfClosed, Qt::QueuedConnection);
+    connect(m_window.get(), &QWindow::visibleChanged, this, &SettingsWindow::dropIfClosed,
+            Qt::QueuedConnection);
 }
 
 void SettingsWindow::dropIfClosed()

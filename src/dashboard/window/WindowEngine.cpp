@@ -10,8 +10,16 @@
 using namespace Qt::StringLiterals;
 
 extern void qml_register_types_Sayvane();
+int qInitResources_qmlcache_sayvane_dashboard_window(); // what Q_INIT_RESOURCE calls
 
 namespace {
+
+/// The module is part of the program: calling into its parts keeps the linker from dropping them.
+void keepModule()
+{
+    qml_register_types_Sayvane();
+    qInitResources_qmlcache_sayvane_dashboard_window();
+}
 
 bool canUseOpenGL()
 {
@@ -32,8 +40,7 @@ void chooseDrawing(const Graphics &graphics)
 WindowEngine::WindowEngine(Appearance &appearance, const Graphics &graphics) : m_theme(appearance)
 {
     [[maybe_unused]] static const bool once = (chooseDrawing(graphics), true);
-    // The module is part of the program: naming its registration keeps the linker from dropping it.
-    static const auto registration [[maybe_unused]] = &qml_register_types_Sayvane;
+    keepModule();
     m_engine.addImportPath(u"qrc:/qml"_s);
     m_engine.setProperty("theme", QVariant::fromValue(&m_theme));
 }
@@ -47,4 +54,14 @@ std::unique_ptr<QQuickWindow> WindowEngine::makeWindow(const QString &typeName, 
     if (!object || !qobject_cast<QQuickWindow *>(object.get()))
         qFatal("The window could not be made: %s", qPrintable(component.errorString()));
     return std::unique_ptr<QQuickWindow>(static_cast<QQuickWindow *>(object.release()));
+}
+
+void WindowEngine::tidyLater()
+{
+    // Objects that are on their way out go first.
+    const auto tidy = [this] {
+        m_engine.collectGarbage();
+        m_engine.trimComponentCache();
+    };
+    QMetaObject::invokeMethod(&m_engine, tidy, Qt::QueuedConnection);
 }

@@ -24,6 +24,9 @@ public:
     /// cannot be made is a fault of the program's own, and ends it.
     std::unique_ptr<QQuickWindow> makeWindow(const QString &typeName, const QVariantMap &properties);
 
+    /// Lets go of what closed windows have left behind, once the program has nothing else to do.
+    void tidyLater();
+
     Theme &theme() { return m_theme; }
 
 private:

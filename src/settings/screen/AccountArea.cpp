@@ -69,8 +69,8 @@ QString AccountArea::lastUsed(const QDateTime &time) const
 void AccountArea::manageAccount()
 {
     const QString page = OwnKey::consoleAddress(Provider::sayvane);
-    m_notice = m_workspace.open(QUrl(page)) ? QString()
-                                            : u"No browser could be opened. The page is %1"_s.arg(page);
+    m_notice =
+        m_workspace.open(QUrl(page)) ? QString() : u"No browser could be opened. The page is %1"_s.arg(page);
     Q_EMIT changed();
 }
 

@@ -13,8 +13,8 @@ class BoundPreferences final : public QObject
     Q_PROPERTY(bool cleanupEnabled READ cleanupEnabled WRITE setCleanupEnabled NOTIFY changed)
     Q_PROPERTY(bool restoreClipboard READ restoreClipboard WRITE setRestoreClipboard NOTIFY changed)
     Q_PROPERTY(bool soundsEnabled READ soundsEnabled WRITE setSoundsEnabled NOTIFY changed)
-    Q_PROPERTY(bool showDashboardOnLaunch READ showDashboardOnLaunch WRITE setShowDashboardOnLaunch NOTIFY
-                   changed)
+    Q_PROPERTY(
+        bool showDashboardOnLaunch READ showDashboardOnLaunch WRITE setShowDashboardOnLaunch NOTIFY changed)
     Q_PROPERTY(bool advancedExpanded READ advancedExpanded WRITE setAdvancedExpanded NOTIFY changed)
     Q_PROPERTY(QString vocabulary READ vocabulary WRITE setVocabulary NOTIFY changed)
     Q_PROPERTY(QString transcriptionModel READ transcriptionModel WRITE setTranscriptionModel NOTIFY changed)

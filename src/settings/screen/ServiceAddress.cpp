@@ -10,15 +10,16 @@ ServiceAddress::ServiceAddress(Defaults &defaults, const Prefs &prefs)
       m_prefs(prefs),
       m_serviceURLDraft(prefs.accountBaseURL())
 {
-    connect(&defaults, &Defaults::changed, this, [this, inUse = m_serviceURLDraft](const QString &key) mutable {
-        if (key != PrefsKey::accountBaseURL)
-            return;
-        // Somebody else changed it: a field in which nothing was typed follows.
-        const bool isUntouched = m_serviceURLDraft == std::exchange(inUse, m_prefs.accountBaseURL());
-        if (isUntouched)
-            show(inUse);
-        Q_EMIT changed();
-    });
+    connect(&defaults, &Defaults::changed, this,
+            [this, inUse = m_serviceURLDraft](const QString &key) mutable {
+                if (key != PrefsKey::accountBaseURL)
+                    return;
+                // Somebody else changed it: a field in which nothing was typed follows.
+                const bool isUntouched = m_serviceURLDraft == std::exchange(inUse, m_prefs.accountBaseURL());
+                if (isUntouched)
+                    show(inUse);
+                Q_EMIT changed();
+            });
 }
 
 void ServiceAddress::setServiceURLDraft(const QString &text)

@@ -4,7 +4,6 @@
 
 #include <QObject>
 
-
 /// Makes the settings forms of the program's windows, each with a state of its own.
 class SettingsForms final : public QObject
 {

@@ -117,14 +117,25 @@ void LabsViewTest::selectsAnAssistantThatIsOffered_data()
     QTest::addColumn<QString>("notice");
     const QByteArray both = R"({"claude":true,"chatgpt":true})";
     const QString none = u"Labs is not offered on this server right now."_s;
-    QTest::newRow("the stored one") << both << "chatgpt" << "chatgpt" << "";
-    QTest::newRow("none stored") << both << "" << "claude" << "";
-    QTest::newRow("unknown stored") << both << "CHATGPT" << "claude" << "";
-    QTest::newRow("stored is not offered")
-        << QByteArray(R"({"claude":true,"chatgpt":false})") << "chatgpt" << "claude" << "";
-    QTest::newRow("only the other") << QByteArray(R"({"claude":false,"chatgpt":true})") << "" << "chatgpt" << "";
-    QTest::newRow("nobody") << QByteArray(R"({"claude":false,"chatgpt":false})") << "chatgpt" << "claude" << none;
-    QTest::newRow("unreadable") << QByteArray("{}") << "" << "claude"
+    QTest::newRow("the stored one") << both << "chatgpt"
+                                    << "chatgpt"
+                                    << "";
+    QTest::newRow("none stored") << both << ""
+                                 << "claude"
+                                 << "";
+    QTest::newRow("unknown stored") << both << "CHATGPT"
+                                    << "claude"
+                                    << "";
+    QTest::newRow("stored is not offered") << QByteArray(R"({"claude":true,"chatgpt":false})") << "chatgpt"
+                                           << "claude"
+                                           << "";
+    QTest::newRow("only the other") << QByteArray(R"({"claude":false,"chatgpt":true})") << ""
+                                    << "chatgpt"
+                                    << "";
+    QTest::newRow("nobody") << QByteArray(R"({"claude":false,"chatgpt":false})") << "chatgpt"
+                            << "claude" << none;
+    QTest::newRow("unreadable") << QByteArray("{}") << ""
+                                << "claude"
                                 << "Sayvane sent something this app could not read.";
 }
 

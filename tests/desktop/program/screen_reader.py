@@ -68,12 +68,12 @@ class ScreenReaderCase(unittest.TestCase):
                     return window
         return None
 
-    def walk(self, item=None):
+    def walk(self, item=None, hidden=False):
         item = item or self.window
         for child in item:
-            if child and child.getState().contains(self.spi.STATE_SHOWING):
+            if child and (hidden or child.getState().contains(self.spi.STATE_SHOWING)):
                 yield child
-                yield from self.walk(child)
+                yield from self.walk(child, hidden)
 
     def named(self, name, role=None):
         def look():

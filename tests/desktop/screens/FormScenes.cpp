@@ -112,8 +112,9 @@ void answered(Stage &stage)
     compose(stage, LabsMode::rewrite, u"Make it shorter"_s, u"In the event that it rains, we shall stay."_s);
     stage.machine.http.willAnswer(200, R"({"text":"If it rains, we stay.","model":"claude-sonnet"})");
     stage.host().labs().ask(LabsProvider::claude);
-    asked(stage, 200, R"({"text":"A horologist, or plainly a clockmaker.\n\nIf you mean watches alone, say )"
-                      R"(watchmaker.","provider":"chatgpt","model":"gpt-4o"})");
+    asked(stage, 200,
+          R"({"text":"A horologist, or plainly a clockmaker.\n\nIf you mean watches alone, say )"
+          R"(watchmaker.","provider":"chatgpt","model":"gpt-4o"})");
     stage.host().answerMode().setEnabled(true);
 }
 
@@ -192,11 +193,9 @@ QList<Scene> formScenes()
         {u"labs-answer"_s, labs, offered},
         {u"labs-reply"_s, labs,
          [=](Stage &stage) { compose(stage, LabsMode::reply, u"Yes, an hour later"_s, letter); }},
-        {u"labs-rewrite"_s, labs,
-         [=](Stage &stage) { compose(stage, LabsMode::rewrite, {}, letter); }, {}, smallest},
+        {u"labs-rewrite"_s, labs, [=](Stage &stage) { compose(stage, LabsMode::rewrite, {}, letter); }, {}, smallest},
         {u"labs-busy"_s, labs, [](Stage &stage) { asked(stage, 0, {}); }},
-        {u"labs-error"_s, labs,
-         [](Stage &stage) { asked(stage, 402, R"({"error":{"code":"quota_exceeded"}})"); }},
+        {u"labs-error"_s, labs, [](Stage &stage) { asked(stage, 402, R"({"error":{"code":"quota_exceeded"}})"); }},
         {u"labs-answered"_s, labs, answered, {}, tall},
     });
 }

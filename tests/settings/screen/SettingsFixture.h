@@ -33,10 +33,7 @@ public:
     void closeForm() { m_form.reset(); }
     void choose(const QString &provider) { form().setProviderSelection(provider); }
     QString stored(const QString &key) const { return machine.defaults.values.value(key).toString(); }
-    QString keyIn(const QString &account) const
-    {
-        return QString::fromUtf8(machine.secrets.items.value(account));
-    }
+    QString keyIn(const QString &account) const { return QString::fromUtf8(machine.secrets.items.value(account)); }
 
     FakeMachine machine;
     Keychain keychain{machine.secrets};

@@ -46,29 +46,58 @@ void SettingsViewTest::savesAKey_data()
     QTest::addColumn<QString>("notice");
     QTest::addColumn<QString>("placeholder");
     const int ok = SecretStatus::success;
-    QTest::newRow("nothing typed, none stored")
-        << "groq" << "" << " \n" << ok << "" << "" << "Type or paste a key first." << "gsk_…";
+    QTest::newRow("nothing typed, none stored") << "groq"
+                                                << ""
+                                                << " \n"
+                                                << ok << ""
+                                                << ""
+                                                << "Type or paste a key first."
+                                                << "gsk_…";
     QTest::newRow("nothing typed, one stored")
-        << "groq" << "gsk_old9" << "" << ok << "gsk_old9" << ""
+        << "groq"
+        << "gsk_old9"
+        << "" << ok << "gsk_old9"
+        << ""
         << "Nothing typed. The saved key is unchanged. Use Remove key to delete it."
         << "Key saved (gsk_…old9). Enter a new key to replace it";
-    QTest::newRow("trimmed") << "groq" << "" << " gsk_abcdef\n" << ok << "gsk_abcdef" << "" << ""
+    QTest::newRow("trimmed") << "groq"
+                             << ""
+                             << " gsk_abcdef\n"
+                             << ok << "gsk_abcdef"
+                             << ""
+                             << ""
                              << "Key saved (gsk_…cdef). Enter a new key to replace it";
-    QTest::newRow("unknown form, shorter than its suffix")
-        << "openai" << "" << "ab" << ok << "ab" << "" << ""
-        << "Key saved (sk-…ab). Enter a new key to replace it";
+    QTest::newRow("unknown form, shorter than its suffix") << "openai"
+                                                           << ""
+                                                           << "ab" << ok << "ab"
+                                                           << ""
+                                                           << ""
+                                                           << "Key saved (sk-…ab). Enter a new key to replace it";
     QTest::newRow("OpenAI key for Groq")
-        << "groq" << "gsk_old9" << " sk-1 " << ok << "gsk_old9"
-        << "This looks like a OpenAI key. Switch Provider to OpenAI or paste a Groq key." << ""
+        << "groq"
+        << "gsk_old9"
+        << " sk-1 " << ok << "gsk_old9"
+        << "This looks like a OpenAI key. Switch Provider to OpenAI or paste a Groq key."
+        << ""
         << "Key saved (gsk_…old9). Enter a new key to replace it";
-    QTest::newRow("Groq key for OpenAI")
-        << "openai" << "" << "gsk_1" << ok << ""
-        << "This looks like a Groq key. Switch Provider to Groq or paste a OpenAI key." << "" << "sk-…";
-    QTest::newRow("prefix in capitals") << "groq" << "" << "SK-1" << ok << "SK-1" << "" << ""
+    QTest::newRow("Groq key for OpenAI") << "openai"
+                                         << ""
+                                         << "gsk_1" << ok << ""
+                                         << "This looks like a Groq key. Switch Provider to Groq or paste a OpenAI key."
+                                         << ""
+                                         << "sk-…";
+    QTest::newRow("prefix in capitals") << "groq"
+                                        << ""
+                                        << "SK-1" << ok << "SK-1"
+                                        << ""
+                                        << ""
                                         << "Key saved (gsk_…SK-1). Enter a new key to replace it";
-    QTest::newRow("keyring locked")
-        << "groq" << "" << "gsk_1" << int(SecretStatus::interactionNotAllowed) << ""
-        << "Couldn't save to Keychain: The keyring is locked." << "" << "gsk_…";
+    QTest::newRow("keyring locked") << "groq"
+                                    << ""
+                                    << "gsk_1" << int(SecretStatus::interactionNotAllowed) << ""
+                                    << "Couldn't save to Keychain: The keyring is locked."
+                                    << ""
+                                    << "gsk_…";
 }
 
 void SettingsViewTest::savesAKey()
@@ -201,11 +230,22 @@ void SettingsViewTest::switchingTheProviderAdoptsItsModels_data()
     const QString groq = u"whisper-large-v3-turbo|openai/gpt-oss-120b"_s;
     const QString openai = u"gpt-4o-mini-transcribe|gpt-4o-mini"_s;
     QTest::newRow("defaults") << "groq" << groq << "openai" << openai;
-    QTest::newRow("padded default, empty") << "openai" << " gpt-4o-mini-transcribe |" << "groq" << groq;
-    QTest::newRow("typed models stay") << "groq" << "mine|yours" << "openai" << "mine|yours";
+    QTest::newRow("padded default, empty") << "openai"
+                                           << " gpt-4o-mini-transcribe |"
+                                           << "groq" << groq;
+    QTest::newRow("typed models stay") << "groq"
+                                       << "mine|yours"
+                                       << "openai"
+                                       << "mine|yours";
     QTest::newRow("to the service") << "groq" << groq << "sayvane" << groq;
-    QTest::newRow("from the service") << "sayvane" << "|mine" << "groq" << "whisper-large-v3-turbo|mine";
-    QTest::newRow("unknown is the service") << "nobody" << "x|y" << "sayvane" << "x|y";
+    QTest::newRow("from the service") << "sayvane"
+                                      << "|mine"
+                                      << "groq"
+                                      << "whisper-large-v3-turbo|mine";
+    QTest::newRow("unknown is the service") << "nobody"
+                                            << "x|y"
+                                            << "sayvane"
+                                            << "x|y";
 }
 
 void SettingsViewTest::switchingTheProviderAdoptsItsModels()
@@ -278,11 +318,16 @@ void SettingsViewTest::takesAServiceAddress_data()
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("inUse");
     QTest::addColumn<bool>("refused");
-    QTest::newRow("normalised") << " https://B.test// " << "https://B.test" << false;
-    QTest::newRow("without encryption") << "http://b.test" << "https://a.test" << true;
-    QTest::newRow("with a query") << "https://b.test?q" << "https://a.test" << true;
-    QTest::newRow("no host") << "https://" << "https://a.test" << true;
-    QTest::newRow("empty is the default") << " " << "https://service.test" << false;
+    QTest::newRow("normalised") << " https://B.test// "
+                                << "https://B.test" << false;
+    QTest::newRow("without encryption") << "http://b.test"
+                                        << "https://a.test" << true;
+    QTest::newRow("with a query") << "https://b.test?q"
+                                  << "https://a.test" << true;
+    QTest::newRow("no host") << "https://"
+                             << "https://a.test" << true;
+    QTest::newRow("empty is the default") << " "
+                                          << "https://service.test" << false;
 }
 
 void SettingsViewTest::takesAServiceAddress()

@@ -7,6 +7,7 @@ T.TextField {
     id: control
 
     property string label: placeholderText
+    property string shownPlaceholder: placeholderText
     property bool failed: false
 
     implicitWidth: 200
@@ -35,7 +36,7 @@ T.TextField {
         width: control.availableWidth
         height: control.height
         visible: control.length === 0 && control.preeditText === ""
-        text: control.placeholderText
+        text: control.shownPlaceholder
         textFormat: Text.PlainText
         elide: Text.ElideRight
         verticalAlignment: Text.AlignVCenter

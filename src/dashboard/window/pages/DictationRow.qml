@@ -40,7 +40,6 @@ Item {
     DayHeader {
         id: header
         width: item.width
-        height: item.firstOfDay ? implicitHeight : 0
         visible: item.firstOfDay
         text: item.day
     }
@@ -49,7 +48,7 @@ Item {
 
         readonly property bool active: hovered || item.chosen || buttons.focused
 
-        y: header.height
+        y: item.firstOfDay ? header.height : 0
         width: item.width
         height: texts.height + 20
         divided: !item.lastOfDay

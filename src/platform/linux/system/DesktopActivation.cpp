@@ -1,10 +1,16 @@
 #include "platform/linux/system/DesktopActivation.h"
 
+#include <QCoreApplication>
+#include <QTimer>
+
 #include <malloc.h>
 #include <utility>
 
+using namespace std::chrono_literals;
+
 void DesktopActivation::setPolicy(ActivationPolicy policy)
 {
+    // The windows are still closing.
     if (std::exchange(m_policy, policy) == ActivationPolicy::regular && policy == ActivationPolicy::accessory)
-        malloc_trim(0);
+        QTimer::singleShot(1s, qApp, [] { malloc_trim(0); });
 }

@@ -7,7 +7,7 @@
 class DesktopActivation final : public Activation
 {
 public:
-    /// Back at `accessory`, memory that the windows have freed goes back to the system.
+    /// Back at `accessory`, memory that the windows have freed goes back to the system a moment later.
     void setPolicy(ActivationPolicy policy) override;
 
 private:

@@ -49,9 +49,12 @@ void PortalAppearance::follow(std::function<void()> changed)
     m_changed = std::move(changed);
     if (!m_changed || m_subscribed)
         return;
-    m_subscribed =
-        QDBusConnection::sessionBus().connect(service, path, interface, u"SettingChanged"_s, this,
-                                              SLOT(settingChanged(QString, QString, QDBusVariant)));
+    // Qt D-Bus looks the slot's parameters up by name, and does not connect while it knows none of it.
+    qRegisterMetaType<QDBusVariant>();
+    // From whoever sends it: the portal may start, or start again, at any time, and by the time that its
+    // new owner is known the first change would be lost. Nothing but looks depends on it.
+    m_subscribed = QDBusConnection::sessionBus().connect(
+        {}, path, interface, u"SettingChanged"_s, this, SLOT(settingChanged(QString, QString, QDBusVariant)));
     ask();
 }
 

@@ -25,7 +25,7 @@ Column {
             id: field
             width: parent.width - reveal.width - paste.width - 2 * parent.spacing
             label: title.text
-            placeholderText: rows.key.keyPlaceholder
+            shownPlaceholder: rows.key.keyPlaceholder
             text: rows.key.apiKey
             revealed: rows.key.showKey
             failed: rows.key.keyError !== ""
