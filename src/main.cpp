@@ -101,6 +101,7 @@ int main(int argc, char **argv)
     }
     if (const QString objection = X11Display::objection(); !objection.isEmpty())
         return Terminal::complain(objection, ExitCode::noDisplay);
+    QuitSignals::hold();
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QuitSignals quitSignals;

@@ -208,6 +208,7 @@ void FlowController::finishRecording(bool limitReached)
     endRecording();
     const auto path = m_recorder.stop();
     if (!path || duration <= minimumDuration) {
+        m_pendingCapture = nullptr;
         setState(FlowState::idle);
         m_overlay.hide(0s);
         if (path)

@@ -27,12 +27,12 @@ constexpr qint64 minimumCleanupWords = 4;
 // After each wait the controller may be gone, and then a stop was requested.
 QCoro::Task<> FlowController::transcribeAndDeliver(QString filePath, double duration, qint64 fileSize)
 {
-    const TemporaryFile recording(filePath);
+    TemporaryFile recording(filePath);
     const std::stop_token stop = m_stop.get_token();
     const Clock::Duration began = m_clock.monotonic();
     const Transcriber::Text transcript = co_await m_transcriber.transcribe(filePath, stop);
     if (stop.stop_requested())
-        co_return;
+        co_return recording.keep(); // the program ends before the words are safe; its next start finds them
     if (!transcript)
         co_return fail(transcript.error().description);
 
@@ -45,14 +45,14 @@ QCoro::Task<> FlowController::transcribeAndDeliver(QString filePath, double dura
     if (m_prefs.isEnabled(PrefsKey::cleanupEnabled)) {
         draft = co_await cleanedUp(draft, stop);
         if (stop.stop_requested())
-            co_return;
+            co_return recording.keep();
     }
     if (m_pendingCapture)
         co_return deliverCapture(draft);
     if (m_prefs.provider() == Provider::sayvane && m_answerMode.enabled()) {
         draft = co_await answered(draft, stop);
         if (stop.stop_requested())
-            co_return;
+            co_return recording.keep();
     }
 
     setLastTranscript(draft.text);

@@ -3,14 +3,20 @@
 #include <QFile>
 #include <QString>
 
-/// A file that is deleted with this object; that it cannot be deleted is nobody's error.
+/// A file that is deleted with this object unless it is kept; that it cannot be deleted is nobody's error.
 class TemporaryFile
 {
 public:
     explicit TemporaryFile(const QString &path) : m_path(path) {}
     TemporaryFile(const TemporaryFile &) = delete;
     TemporaryFile &operator=(const TemporaryFile &) = delete;
-    ~TemporaryFile() { QFile::remove(m_path); }
+    ~TemporaryFile()
+    {
+        if (!m_path.isEmpty())
+            QFile::remove(m_path);
+    }
+
+    void keep() { m_path.clear(); }
 
 private:
     QString m_path;

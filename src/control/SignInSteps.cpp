@@ -28,6 +28,8 @@ SignInSteps::SignInSteps(AccountSignIn &signIn, const AccountStatus &account, Cl
 
 QCoro::Task<QString> SignInSteps::sendCode(QString email)
 {
+    if (m_signIn.needsKeychainRetry())
+        co_return u"Signed in, but the session could not be saved to the Keychain."_s;
     m_signIn.reset();
     m_signIn.setEmail(email);
     m_signIn.sendCode();

@@ -40,8 +40,11 @@ bool perform(Command command)
 {
     switch (command) {
     case Command::hide:
-        for (QWindow *window : QGuiApplication::topLevelWindows())
-            window->close();
+        for (QWindow *window : QGuiApplication::topLevelWindows()) {
+            // The overlay is no window of the user's.
+            if (window->isVisible() && !window->flags().testFlag(Qt::WindowTransparentForInput))
+                window->showMinimized();
+        }
         return true;
     case Command::quit:
         QCoreApplication::quit();

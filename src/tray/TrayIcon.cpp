@@ -42,6 +42,11 @@ void TrayIcon::choose()
         return;
     m_fallback = std::make_unique<Fallback>();
     m_fallback->icon.setContextMenu(&m_fallback->menu.menu());
+    connect(&m_fallback->icon, &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason reason) {
+                if (reason == QSystemTrayIcon::Trigger)
+                    m_activate();
+            });
     updateMenu();
     showState();
     m_fallback->icon.show();

@@ -18,11 +18,16 @@ sigset_t quitSignals()
 
 } // namespace
 
+void QuitSignals::hold()
+{
+    const sigset_t set = quitSignals();
+    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+}
+
 QuitSignals::QuitSignals()
 {
     const sigset_t set = quitSignals();
-    // Threads inherit the mask, so that the descriptor alone receives the signals.
-    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+    hold();
     m_descriptor = signalfd(-1, &set, SFD_NONBLOCK | SFD_CLOEXEC);
     if (m_descriptor < 0) {
         pthread_sigmask(SIG_UNBLOCK, &set, nullptr);

@@ -11,7 +11,11 @@ class QuitSignals final : public QObject
 {
     Q_OBJECT
 public:
-    /// To be made after the application object and before any thread.
+    /// Keeps the signals waiting. To be called before any thread starts, the application object's own among
+    /// them: threads inherit it, and one that does not would end the process.
+    static void hold();
+
+    /// To be made after the application object.
     QuitSignals();
     ~QuitSignals() override;
     Q_DISABLE_COPY_MOVE(QuitSignals)

@@ -59,6 +59,7 @@ QString LanguageChoice::code() const
 
 void LanguageChoice::setCode(const QString &text)
 {
+    m_wantsOtherLanguage = showsOther(); // the field stays while it is typed in, also when it is emptied
     m_defaults.set(PrefsKey::language, text.trimmed().toLower());
     Q_EMIT changed(); // also when only what is typed differs from what is stored
 }

@@ -20,7 +20,6 @@ Item {
     signal deleteWanted
 
     implicitHeight: row.y + row.height
-    Keys.onDeletePressed: deleteWanted()
     Keys.onPressed: event => {
         if (event.matches(StandardKey.Copy)) {
             copyWanted();

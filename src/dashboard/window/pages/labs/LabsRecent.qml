@@ -30,12 +30,10 @@ Column {
                 text: modelData.provider + " · " + modelData.mode
                 color: Theme.tertiary
             }
-            Label {
+            SelectableText {
                 width: parent.width
                 text: modelData.prompt
                 font.weight: Font.DemiBold
-                maximumLineCount: 3
-                elide: Text.ElideRight
             }
             SelectableText {
                 width: parent.width

@@ -65,7 +65,6 @@ Column {
         Button {
             kind: Button.Destructive
             text: qsTr("Remove key")
-            enabled: rows.key.keyStored
             onClicked: removal.open()
         }
         Button {
