@@ -7,7 +7,7 @@
 #include "dashboard/Figure.h"
 #include "dashboard/InsightsView.h"
 
-#include <QtQmlIntegration/qqmlintegration.h>
+#include <qqml.h>
 
 // The models' types as QML knows them. The models stand in rooms without QML, so they are named here; QML
 // makes none of them.

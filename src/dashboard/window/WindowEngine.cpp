@@ -5,7 +5,6 @@
 #include <QOpenGLContext>
 #include <QQmlComponent>
 #include <QQuickWindow>
-#include <QtQml>
 
 using namespace Qt::StringLiterals;
 
