@@ -25,6 +25,8 @@ function(sayvane_check_headers name)
         add_library(sayvane_${name}_headers OBJECT EXCLUDE_FROM_ALL ${checks})
         set_target_properties(sayvane_${name}_headers PROPERTIES AUTOMOC OFF)
         target_link_libraries(sayvane_${name}_headers PRIVATE sayvane_${name} sayvane::options)
+        # They are read, never run.
+        target_compile_options(sayvane_${name}_headers PRIVATE -O0 -g0 -fno-sanitize=all)
         if(NOT TARGET headers)
             add_custom_target(headers)
         endif()

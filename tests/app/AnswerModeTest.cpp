@@ -134,7 +134,7 @@ void AnswerModeTest::leavingWhileAnswering()
     m->answerText(u"hello"_s);
     m->machine.http.answer(429, R"({"error":{"code":"rate_limited"}})"); // and waits to try again
     m->quit();
-    QVERIFY(m->machine.folders.recordings().isEmpty() && m->machine.clock.pendingTimers() == 0);
+    QVERIFY(m->machine.folders.recordings().size() == 1 && m->machine.clock.pendingTimers() == 0);
     QVERIFY(m->host().answerMode().enabled()); // the next start goes on
     QVERIFY(m->host().history().records().isEmpty());
 }
