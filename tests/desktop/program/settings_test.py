@@ -22,12 +22,6 @@ class SettingsTest(ScreenReaderCase):
         return subprocess.run(["secret-tool", "lookup", "service", "com.sayvane.app", "account", "groq_api_key"],
                               capture_output=True, check=False).stdout.decode()
 
-    def focus(self, name, role):
-        """Gives the control the keyboard, which brings it into view."""
-        item = self.named(name, role)
-        item.queryComponent().grabFocus()
-        eventually(lambda: item.getState().contains(self.spi.STATE_FOCUSED), f"the keyboard at {name}")
-
     def type_key(self, key):
         self.click("Groq API key", "password text")
         xdotool("key", "ctrl+a")
