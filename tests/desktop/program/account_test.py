@@ -65,7 +65,7 @@ class AccountTest(ScreenReaderCase):
                               capture_output=True, check=False, text=True).stdout
 
     def status(self):
-        return json.loads(subprocess.run([PROGRAM, "--profile", "test", "status", "--json"], capture_output=True,
+        return json.loads(subprocess.run([PROGRAM, "--profile", "test", "status", "--json"], stdout=subprocess.PIPE,
                                          check=True).stdout)
 
     def press(self, name, role=None):
