@@ -36,6 +36,7 @@ def stored(path):
 
 class ScreenReaderCase(unittest.TestCase):
     environment = {}
+    arguments = []
 
     @classmethod
     def prepare(cls):
@@ -48,10 +49,14 @@ class ScreenReaderCase(unittest.TestCase):
         eventually(lambda: subprocess.run(
             ["gdbus", "call", "--session", "-d", "org.a11y.Bus", "-o", "/org/a11y/bus", "-m", "org.a11y.Bus.GetAddress"],
             capture_output=True, check=False).returncode == 0, "accessibility bus")
-        cls.program = subprocess.Popen([PROGRAM, "--profile", "test"],
-                                       env={**os.environ, **cls.environment, "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"})
         import pyatspi  # connects when it is imported
         cls.spi = pyatspi
+        cls.start()
+
+    @classmethod
+    def start(cls):
+        cls.program = subprocess.Popen([PROGRAM, "--profile", "test", *cls.arguments],
+                                       env={**os.environ, **cls.environment, "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"})
         cls.window = eventually(cls.find_window, "window")
 
     @classmethod
@@ -89,6 +94,14 @@ class ScreenReaderCase(unittest.TestCase):
     def click(self, name, role=None):
         self.point(name, role)
         xdotool("click", 1)
+
+    def focus(self, name, role=None):
+        """Gives the control the keyboard, which brings it into view."""
+        item = eventually(lambda: [each for each in self.walk(hidden=True)
+                                   if each.name == name and (not role or each.getRoleName() == role)],
+                          f"{role or 'something'} called {name!r}")[-1]
+        item.queryComponent().grabFocus()
+        eventually(lambda: item.getState().contains(self.spi.STATE_FOCUSED), f"the keyboard at {name}")
 
     def nameless(self):
         speaking = {"push button", "entry", "text", "list item", "check box", "radio button", "link", "combo box"}

@@ -22,12 +22,6 @@ class SettingsTest(ScreenReaderCase):
         return subprocess.run(["secret-tool", "lookup", "service", "com.sayvane.app", "account", "groq_api_key"],
                               capture_output=True, check=False).stdout.decode()
 
-    def focus(self, name, role):
-        """Gives the control the keyboard, which brings it into view."""
-        item = next(each for each in self.walk(hidden=True) if (each.name, each.getRoleName()) == (name, role))
-        item.queryComponent().grabFocus()
-        eventually(lambda: item.getState().contains(self.spi.STATE_FOCUSED), f"the keyboard at {name}")
-
     def type_key(self, key):
         field = eventually(lambda: [each for each in self.walk() if each.getRoleName() == "password text"], "a field")[0]
         self.assertIn("Groq API key, ", field.description)

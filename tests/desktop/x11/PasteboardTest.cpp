@@ -186,7 +186,7 @@ private Q_SLOTS:
     void changesOfEverybodyCountOnce()
     {
         X11Desktop desktop;
-        X11Pasteboard &pasteboard = desktop.pasteboard();
+        Pasteboard &pasteboard = desktop.pasteboard();
         const qint64 start = pasteboard.changeCount();
         pasteboard.setString(QStringLiteral("one"));
         const qint64 own = pasteboard.changeCount();

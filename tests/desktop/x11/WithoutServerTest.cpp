@@ -23,7 +23,7 @@ class WithoutServerTest : public QObject
 
     static void theClipboardIsKept(X11Desktop &desktop)
     {
-        X11Pasteboard &pasteboard = desktop.pasteboard();
+        Pasteboard &pasteboard = desktop.pasteboard();
         const qint64 count = pasteboard.changeCount();
         pasteboard.setString(QStringLiteral("kept"));
         QVERIFY(pasteboard.changeCount() > count);

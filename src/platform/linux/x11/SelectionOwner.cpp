@@ -57,7 +57,8 @@ void SelectionOwner::own(SelectionContents contents)
                                 m_selection, XCB_CURRENT_TIME);
     m_lastTake = cookie.sequence;
     m_isTakeUnconfirmed = true;
-    m_connection.flush();
+    // The keys that make others ask for it travel on another connection: the server is to know before them.
+    adopt(xcb_get_input_focus_reply(m_connection.xcb(), xcb_get_input_focus(m_connection.xcb()), nullptr));
 }
 
 void SelectionOwner::handle(const xcb_generic_event_t &event)

@@ -4,7 +4,7 @@ X11Desktop::X11Desktop(const QByteArray &display)
     : m_connection(display),
       m_keyboard(m_connection),
       m_trust(m_connection, m_keyboard),
-      m_pasteboard(m_connection),
+      m_pasteboard(display),
       m_keyTaps(m_connection, m_keyboard, m_trust),
       m_keyPoster(m_connection, m_keyboard, m_pasteboard, m_trust)
 {

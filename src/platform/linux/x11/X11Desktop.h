@@ -5,7 +5,7 @@
 #include "platform/linux/x11/X11KeyPoster.h"
 #include "platform/linux/x11/X11KeyTaps.h"
 #include "platform/linux/x11/X11Keyboard.h"
-#include "platform/linux/x11/X11Pasteboard.h"
+#include "platform/linux/x11/X11PasteboardThread.h"
 
 /// What an X11 session gives: keys, keystrokes and the clipboard. Needs an event loop, not a window.
 ///
@@ -18,7 +18,7 @@ public:
 
     X11Connection &connection() { return m_connection; }
     X11AccessibilityTrust &trust() { return m_trust; }
-    X11Pasteboard &pasteboard() { return m_pasteboard; }
+    X11PasteboardThread &pasteboard() { return m_pasteboard; }
     X11KeyTaps &keyTaps() { return m_keyTaps; }
     X11KeyPoster &keyPoster() { return m_keyPoster; }
 
@@ -26,7 +26,7 @@ private:
     X11Connection m_connection;
     X11Keyboard m_keyboard;
     X11AccessibilityTrust m_trust;
-    X11Pasteboard m_pasteboard;
+    X11PasteboardThread m_pasteboard;
     X11KeyTaps m_keyTaps;
     X11KeyPoster m_keyPoster;
 };

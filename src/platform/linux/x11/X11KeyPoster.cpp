@@ -6,7 +6,7 @@
 #include "platform/linux/x11/TerminalPaste.h"
 #include "platform/linux/x11/X11Connection.h"
 #include "platform/linux/x11/X11Keyboard.h"
-#include "platform/linux/x11/X11Pasteboard.h"
+#include "platform/linux/x11/X11PasteboardThread.h"
 
 #include <QCoroTimer>
 #include <QDeadlineTimer>
@@ -29,8 +29,8 @@ constexpr KeyChord commandV{.keyCode = 9, .flags = KeyFlags::command};
 
 } // namespace
 
-X11KeyPoster::X11KeyPoster(X11Connection &connection, const X11Keyboard &keyboard, X11Pasteboard &pasteboard,
-                           const AccessibilityTrust &trust)
+X11KeyPoster::X11KeyPoster(X11Connection &connection, const X11Keyboard &keyboard,
+                           X11PasteboardThread &pasteboard, const AccessibilityTrust &trust)
     : m_connection(connection),
       m_keyboard(keyboard),
       m_pasteboard(pasteboard),

@@ -11,7 +11,7 @@
 class AccessibilityTrust;
 class X11Connection;
 class X11Keyboard;
-class X11Pasteboard;
+class X11PasteboardThread;
 
 /// Types through the server's XTEST extension.
 ///
@@ -22,7 +22,7 @@ class X11KeyPoster final : public QObject, public KeyPoster
 {
     Q_OBJECT
 public:
-    X11KeyPoster(X11Connection &connection, const X11Keyboard &keyboard, X11Pasteboard &pasteboard,
+    X11KeyPoster(X11Connection &connection, const X11Keyboard &keyboard, X11PasteboardThread &pasteboard,
                  const AccessibilityTrust &trust);
 
     /// A pending call is never resumed when the poster goes away.
@@ -39,6 +39,6 @@ private:
 
     X11Connection &m_connection;
     const X11Keyboard &m_keyboard;
-    X11Pasteboard &m_pasteboard;
+    X11PasteboardThread &m_pasteboard;
     const AccessibilityTrust &m_trust;
 };

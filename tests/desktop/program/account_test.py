@@ -1,0 +1,262 @@
+"""Usage: account_test.py PROGRAM, inside a session of its own.
+
+An account's life with the program and the service as they are installed: from the sign-in in the settings form
+to the sign-out, with dictations and an assistant's answers in between.
+"""
+
+import json
+import os
+import pathlib
+import re
+import ssl
+import subprocess
+import sys
+import unittest
+import urllib.error
+import urllib.request
+
+from assistant import Assistant
+from screen_reader import HOME, PREFERENCES, PROGRAM, ScreenReaderCase, eventually, stored, xdotool
+
+SERVICE = str(pathlib.Path(PROGRAM).with_name("sayvane-service"))
+DATA = HOME / "service"
+HISTORY = HOME / ".local/share/sayvane-test/Sayvane/history.json"
+CLIP = "/usr/share/pocketsphinx/test/data/librivox/sense_and_sensibility_01_austen_64kb-0880.wav"
+SIGN_IN = "Sign in under Settings to start dictating"
+
+
+class AccountTest(ScreenReaderCase):
+    @classmethod
+    def prepare(cls):
+        cls.assistant = Assistant()
+        cls.console = HOME / "console"
+        cls.base = cls.serve("0", {})
+        cls.environment = {"SSL_CERT_FILE": str(DATA / "certificate.pem")}
+        cls.arguments = ["--service", cls.base]
+        PREFERENCES.parent.mkdir(parents=True)
+        PREFERENCES.write_text('{"provider": "sayvane", "showDashboardOnLaunch": true}')
+
+    @classmethod
+    def serve(cls, port, settings):
+        with cls.console.open("w") as console:
+            cls.service = subprocess.Popen([SERVICE, "--port", port, "--data", DATA, "--upstream", cls.assistant.address,
+                                            "--upstream-model", "ears"], stdout=console, env={**os.environ, **settings})
+        return eventually(lambda: re.search(r"listening on (\S+)", cls.console.read_text()), "service")[1]
+
+    @classmethod
+    def tearDownClass(cls):
+        super().tearDownClass()
+        cls.service.terminate()
+        cls.service.wait(10)
+        cls.assistant.shutdown()
+
+    def get(self, path, token):
+        """The service's answer, or the status of its refusal."""
+        request = urllib.request.Request(self.base + path, headers={"Authorization": f"Bearer {token}"})
+        try:
+            trust = ssl.create_default_context(cafile=DATA / "certificate.pem")
+            with urllib.request.urlopen(request, timeout=10, context=trust) as answer:
+                return json.load(answer)
+        except urllib.error.HTTPError as refusal:
+            return refusal.code
+
+    def token(self):
+        return subprocess.run(["secret-tool", "lookup", "service", "com.sayvane.app", "account", "sayvane_session"],
+                              capture_output=True, check=False, text=True).stdout
+
+    def status(self):
+        return json.loads(subprocess.run([PROGRAM, "--profile", "test", "status", "--json"], stdout=subprocess.PIPE,
+                                         check=True).stdout)
+
+    def press(self, name, role=None):
+        self.focus(name, role)
+        self.click(name, role)
+
+    def absent(self, name):
+        eventually(lambda: not [each for each in self.walk() if each.name == name], f"no {name!r}")
+
+    def write(self, name, text):
+        self.press(name)
+        xdotool("key", "ctrl+a")
+        xdotool("type", "--delay", 5, text)
+
+    def text_of(self, name):
+        content = self.named(name).queryText()
+        return content.getText(0, content.characterCount)
+
+    def activate(self, title):
+        def active():
+            found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title], capture_output=True,
+                                   check=False, text=True).stdout.split()
+            if not found:
+                return False
+            xdotool("windowactivate", found[-1])
+            return subprocess.run(["xdotool", "getactivewindow"], capture_output=True, check=False,
+                                  text=True).stdout.split() == found[-1:]
+        eventually(active, f"the window {title}")
+
+    def speak(self):
+        eventually(lambda: self.status()["state"] == "recording", "recording")
+        subprocess.run(["paplay", "--device=speaker", CLIP], check=True, timeout=30)
+
+    def dictate(self, spoken, window):
+        self.assistant.spoken = spoken
+        self.activate(window)
+        for step in (self.speak, lambda: eventually(lambda: self.status()["state"] == "idle", "the end")):
+            xdotool("keydown", "super", "key", "space", "keyup", "super")
+            step()
+
+    def wait_for_line(self, text):
+        """The text is in the terminal's last line; ends that line."""
+        self.activate("note")
+        xdotool("key", "Return")
+        eventually(lambda: self.note.read_text().splitlines()[-1:] == [text], f"{text!r} in the terminal")
+
+    def question(self):
+        authorization, body = self.assistant.questions[-1]
+        self.assertEqual((authorization, body["model"]), ("Bearer letmein", "big-model"))
+        return body["messages"][-1]["content"]
+
+    def test_an_account_from_sign_in_to_sign_out(self):
+        self.note = HOME / "note.txt"
+        terminal = subprocess.Popen(["xterm", "-geometry", "60x8-0-0", "-T", "note", "-e", f"cat > {self.note}"])
+        self.addCleanup(terminal.wait, 10)
+        self.addCleanup(terminal.terminate)
+        self.activate("^Sayvane$")
+
+        with self.subTest("signed out"):
+            self.dictate("nobody", "note")
+            self.assertEqual(self.status()["lastError"], SIGN_IN)
+            self.activate("^Sayvane$")
+            self.named(SIGN_IN)
+
+        with self.subTest("sign-in"):
+            self.click("Settings", "list item")
+            self.write("Email address", " Ada@Example.com")
+            self.press("Send code", "push button")
+            self.named("We sent a code to ada@example.com")
+            code = eventually(lambda: re.search(r"^sign-in code (\d{6}) for ada@example.com ", self.console.read_text(),
+                                                re.M), "code")[1]
+            xdotool("type", f"{(int(code) + 1) % 1000000:06}")
+            self.named("That code is not right. Check it and try again.")
+            self.assertEqual((self.text_of("Six digit code"), self.token()), ("", ""))
+            xdotool("type", code)
+            for text in ("Signed in", "ada@example.com", "60 minutes a day", "60 minutes", "This Mac"):
+                self.named(text)
+            self.absent(SIGN_IN)
+            self.assertEqual(self.nameless(), [])
+            token = self.token()
+            self.assertEqual(self.get("/v1/me", token)["email"], "ada@example.com")
+
+        with self.subTest("another device"):
+            other = subprocess.run([SERVICE, "session", "--data", DATA, "--email", "ada@example.com", "--device",
+                                    "Kitchen"], capture_output=True, check=True, text=True).stdout.split()[-1]
+            self.press("Refresh", "push button")
+            self.named("Kitchen")
+            self.press("Sign out", "push button")
+            self.named("Sign out “Kitchen”?")
+            self.click("Sign out", "push button")
+            self.absent("Kitchen")
+            self.named("This Mac")
+            self.assertEqual(self.get("/v1/me", other), 401)
+
+        with self.subTest("a dictation with a term"):
+            self.click("Dictionary", "list item")
+            self.write("Add a term", "Marchbanks")
+            xdotool("key", "Return")
+            self.named("Marchbanks", "list item")
+            self.dictate("um send the marchbanks letter tomorrow", "note")
+            self.wait_for_line("Send the Marchbanks letter tomorrow.")
+            self.assertRegex(self.assistant.recordings[-1], rb'name="prompt"[^-]*Marchbanks')
+            self.activate("^Sayvane$")
+            self.click("Dictation", "list item")
+            eventually(lambda: [each for each in self.walk()
+                                if each.name.endswith("Send the Marchbanks letter tomorrow.")], "the dictation")
+
+        with self.subTest("no assistant"):
+            self.click("Labs", "list item")
+            self.named("Labs is not offered on this server right now.")
+            self.write("Your question", "Is anybody there?")
+            for name in ("Get answer", "Answer mode"):
+                self.assertFalse(self.named(name).getState().contains(self.spi.STATE_ENABLED), name)
+            self.service.terminate()
+            self.assertEqual(self.service.wait(20), 0)
+            self.serve(self.base.rsplit(":")[-1], {
+                "SAYVANE_LABS_CLAUDE_ADDRESS": f"{self.assistant.address}/chat/completions",
+                "SAYVANE_LABS_CLAUDE_MODEL": "big-model", "SAYVANE_LABS_CLAUDE_KEY": "letmein"})
+            self.press("Try again")
+            self.named("Claude", "radio button")
+
+        with self.subTest("the three modes"):
+            for mode, prompt, label, material in (
+                    ("Answer", "Your question", None, None),
+                    ("Reply", "How to reply", "Paste the message you are replying to", "<message>"),
+                    ("Rewrite", "How to rewrite it", "Paste the text to rewrite", "<text>")):
+                self.press(mode, "radio button")
+                if label:
+                    self.write(label, f"Old {mode}")
+                self.write(prompt, f"Please {mode}")
+                self.assistant.answer = f"  Said in {mode}.\n"
+                self.press("Get answer", "push button")
+                eventually(lambda: self.text_of("Answer") == f"Said in {mode}.", f"the answer in {mode}")
+                self.named("Claude · big-model-2")
+                self.named(f"Claude · {mode}")
+                sent = self.question()
+                self.assertTrue(sent.endswith(f"Please {mode}"), sent)
+                self.assertEqual(f"{material}\nOld {mode}\n" in sent, material is not None, sent)
+            self.assertEqual(self.get("/v1/me", token)["usedTodaySeconds"] >= 90, True)
+            self.assertEqual(self.nameless(), [])
+
+        with self.subTest("paste into last app"):
+            paste = self.named("Paste into last app", "push button")
+            self.activate("note")
+            paste.queryAction().doAction(0)
+            self.wait_for_line("Said in Rewrite.")
+            self.activate("^Sayvane$")
+
+        with self.subTest("a spoken question, and an assistant that fails"):
+            self.press("Answer", "radio button")
+            self.assistant.spoken = "why is the sky blue"
+            self.press("Dictate prompt", "push button")
+            self.speak()
+            self.press("Stop dictating", "push button")
+            eventually(lambda: self.text_of("Your question") == "Why is the sky blue?", "the prompt")
+            self.assistant.status = 500
+            self.press("Get answer", "push button")
+            self.named("Claude could not answer. Try again.")
+            self.assistant.status = 200
+            self.assertEqual(len(stored(HISTORY)), 1)
+
+        with self.subTest("answer mode"):
+            self.press("Answer mode")
+            eventually(lambda: self.status()["answerMode"], "answer mode")
+            self.assistant.answer = "Forty-two."
+            self.dictate("what is six times seven", "note")
+            self.wait_for_line("Forty-two.")
+            record = stored(HISTORY)[0]
+            self.assertEqual((record["text"], record["rawText"], record["wordCount"]),
+                             ("Forty-two.", "what is six times seven", 1))
+            self.program.terminate()
+            self.assertEqual(self.program.wait(20), 0)
+            self.start()
+            self.assertTrue(self.status()["answerMode"])
+            self.dictate("and once more please", "note")
+            self.wait_for_line("Forty-two.")
+            self.assertIn("once more", self.question())
+
+        with self.subTest("sign-out"):
+            self.activate("^Sayvane$")
+            self.click("Settings", "list item")
+            self.press("Sign out on this Mac", "push button")
+            self.named("Sign out on this Mac?")
+            self.click("Sign out", "push button")
+            self.named("Email address")
+            self.assertEqual(self.token(), "")
+            eventually(lambda: self.get("/v1/me", token) == 401, "the end of the session")
+            heard = len(self.assistant.recordings)
+            self.dictate("nobody", "note")
+            self.assertEqual((self.status()["lastError"], len(self.assistant.recordings)), (SIGN_IN, heard))
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1], failfast=True)
