@@ -72,6 +72,10 @@ class AccountTest(ScreenReaderCase):
         self.focus(name, role)
         self.click(name, role)
 
+    def wheel(self, direction):
+        """To the end of the page; what lies beyond its edges is there for no screen reader."""
+        xdotool("mousemove", "--sync", 500, 400, "click", "--repeat", 40, "--delay", 5, 5 if direction == "down" else 4)
+
     def absent(self, name):
         eventually(lambda: not [each for each in self.walk() if each.name == name], f"no {name!r}")
 
@@ -122,7 +126,9 @@ class AccountTest(ScreenReaderCase):
         terminal = subprocess.Popen(["xterm", "-geometry", "60x8-0-0", "-T", "note", "-e", f"cat > {self.note}"])
         self.addCleanup(terminal.wait, 10)
         self.addCleanup(terminal.terminate)
+        self.activate("note")
         self.activate("^Sayvane$")
+        xdotool("getactivewindow", "windowmove", 10, 25, "windowsize", 960, 760)
 
         with self.subTest("signed out"):
             self.dictate("nobody", "note")
@@ -178,21 +184,25 @@ class AccountTest(ScreenReaderCase):
             self.named("Labs is not offered on this server right now.")
             self.write("Your question", "Is anybody there?")
             for name in ("Get answer", "Answer mode"):
-                self.assertFalse(self.named(name).getState().contains(self.spi.STATE_ENABLED), name)
+                self.click(name)
+            self.assertFalse(self.status()["answerMode"])
             self.service.terminate()
             self.assertEqual(self.service.wait(20), 0)
             self.serve(self.base.rsplit(":")[-1], {
                 "SAYVANE_LABS_CLAUDE_ADDRESS": f"{self.assistant.address}/chat/completions",
                 "SAYVANE_LABS_CLAUDE_MODEL": "big-model", "SAYVANE_LABS_CLAUDE_KEY": "letmein"})
             self.press("Try again")
-            self.named("Claude", "radio button")
+            self.named("Claude", "push button")
+            self.assertEqual((self.assistant.questions, self.named("Answer mode").getState().contains(
+                self.spi.STATE_CHECKED)), ([], False))
 
         with self.subTest("the three modes"):
             for mode, prompt, label, material in (
                     ("Answer", "Your question", None, None),
                     ("Reply", "How to reply", "Paste the message you are replying to", "<message>"),
                     ("Rewrite", "How to rewrite it", "Paste the text to rewrite", "<text>")):
-                self.press(mode, "radio button")
+                self.wheel("up")
+                self.press(mode, "push button")
                 if label:
                     self.write(label, f"Old {mode}")
                 self.write(prompt, f"Please {mode}")
@@ -200,12 +210,14 @@ class AccountTest(ScreenReaderCase):
                 self.press("Get answer", "push button")
                 eventually(lambda: self.text_of("Answer") == f"Said in {mode}.", f"the answer in {mode}")
                 self.named("Claude · big-model-2")
-                self.named(f"Claude · {mode}")
                 sent = self.question()
                 self.assertTrue(sent.endswith(f"Please {mode}"), sent)
                 self.assertEqual(f"{material}\nOld {mode}\n" in sent, material is not None, sent)
-            self.assertEqual(self.get("/v1/me", token)["usedTodaySeconds"] >= 90, True)
+            self.assertGreaterEqual(self.get("/v1/me", token)["usedTodaySeconds"], 90)
             self.assertEqual(self.nameless(), [])
+            self.wheel("down")
+            for mode in ("Rewrite", "Reply", "Answer"):
+                self.named(f"Claude · {mode}")
 
         with self.subTest("paste into last app"):
             paste = self.named("Paste into last app", "push button")
@@ -215,7 +227,8 @@ class AccountTest(ScreenReaderCase):
             self.activate("^Sayvane$")
 
         with self.subTest("a spoken question, and an assistant that fails"):
-            self.press("Answer", "radio button")
+            self.wheel("up")
+            self.press("Answer", "push button")
             self.assistant.spoken = "why is the sky blue"
             self.press("Dictate prompt", "push button")
             self.speak()
@@ -228,6 +241,7 @@ class AccountTest(ScreenReaderCase):
             self.assertEqual(len(stored(HISTORY)), 1)
 
         with self.subTest("answer mode"):
+            self.wheel("down")
             self.press("Answer mode")
             eventually(lambda: self.status()["answerMode"], "answer mode")
             self.assistant.answer = "Forty-two."

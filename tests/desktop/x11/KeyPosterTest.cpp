@@ -1,6 +1,8 @@
 #include "desktop/x11/RecordingWindow.h"
 #include "desktop/x11/Typist.h"
 #include "platform/linux/x11/FocusedWindow.h"
+#include "platform/linux/x11/SelectionOwner.h"
+#include "platform/linux/x11/SelectionSender.h"
 #include "platform/linux/x11/X11Desktop.h"
 
 #include <QCoroTask>

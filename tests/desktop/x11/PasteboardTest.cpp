@@ -1,6 +1,8 @@
 #include "desktop/x11/ClipboardKeeper.h"
 #include "desktop/x11/UnrulyOwner.h"
+#include "platform/linux/x11/SelectionOwner.h"
 #include "platform/linux/x11/SelectionRead.h"
+#include "platform/linux/x11/SelectionSender.h"
 #include "platform/linux/x11/WindowProperty.h"
 #include "platform/linux/x11/X11Desktop.h"
 
