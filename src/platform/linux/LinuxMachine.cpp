@@ -20,11 +20,19 @@ LinuxMachine::LinuxMachine(const Settings &settings)
                  .sounds = m_sounds,
                  .keyTaps = m_desktop.keyTaps(),
                  .keyPoster = m_desktop.keyPoster(),
-                 .pasteboard = m_desktop.pasteboard(),
+                 .pasteboard = pasteboard(),
                  .localKeys = m_windowKeys,
                  .activation = m_activation,
                  .appearance = m_appearance,
                  .panels = m_panels,
                  .graphics = m_graphics}
 {
+}
+
+// GNOME's compositor offers no such clipboard, but shares the one of its X11 server.
+Pasteboard &LinuxMachine::pasteboard()
+{
+    if (m_waylandPasteboard.isUsable())
+        return m_waylandPasteboard;
+    return m_desktop.pasteboard();
 }

@@ -6,8 +6,8 @@
 #include "platform/linux/sound/PulseMicrophone.h"
 #include "platform/linux/sound/PulseSoundPlayer.h"
 #include "platform/linux/system/DesktopActivation.h"
-#include "platform/linux/system/DeviceGraphics.h"
 #include "platform/linux/system/DesktopWorkspace.h"
+#include "platform/linux/system/DeviceGraphics.h"
 #include "platform/linux/system/HostName.h"
 #include "platform/linux/system/NetworkTransport.h"
 #include "platform/linux/system/PortalAppearance.h"
@@ -16,6 +16,8 @@
 #include "platform/linux/system/StatVolumes.h"
 #include "platform/linux/system/SystemClock.h"
 #include "platform/linux/system/XdgFolders.h"
+#include "platform/linux/wayland/WaylandConnection.h"
+#include "platform/linux/wayland/WaylandPasteboard.h"
 #include "platform/linux/windows/WindowKeys.h"
 #include "platform/linux/x11/X11Desktop.h"
 
@@ -37,7 +39,11 @@ public:
     X11Desktop &desktop() { return m_desktop; }
 
 private:
+    Pasteboard &pasteboard();
+
     X11Desktop m_desktop;
+    WaylandConnection m_wayland;
+    WaylandPasteboard m_waylandPasteboard{m_wayland};
     X11FloatingPanels m_panels{m_desktop.connection()};
     PulseConnection m_pulse; // begins to connect while the rest is made
     SystemClock m_clock;
