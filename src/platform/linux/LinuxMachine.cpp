@@ -7,6 +7,7 @@ LinuxMachine::LinuxMachine(const Settings &settings)
       m_http(settings.userAgent),
       m_microphone(m_pulse),
       m_sounds(m_pulse, settings.soundsFolder),
+      m_autostart(m_folders.userConfiguration(), settings.profile),
       m_platform{.clock = m_clock,
                  .folders = m_folders,
                  .volumes = m_volumes,
@@ -25,7 +26,8 @@ LinuxMachine::LinuxMachine(const Settings &settings)
                  .activation = m_activation,
                  .appearance = m_appearance,
                  .panels = m_panels,
-                 .graphics = m_graphics}
+                 .graphics = m_graphics,
+                 .autostart = m_autostart}
 {
 }
 

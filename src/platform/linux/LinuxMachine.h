@@ -15,6 +15,7 @@
 #include "platform/linux/system/SecretServiceStore.h"
 #include "platform/linux/system/StatVolumes.h"
 #include "platform/linux/system/SystemClock.h"
+#include "platform/linux/system/XdgAutostart.h"
 #include "platform/linux/system/XdgFolders.h"
 #include "platform/linux/wayland/WaylandConnection.h"
 #include "platform/linux/wayland/WaylandPasteboard.h"
@@ -60,5 +61,6 @@ private:
     DesktopActivation m_activation;
     PortalAppearance m_appearance;
     DeviceGraphics m_graphics;
+    XdgAutostart m_autostart;
     Platform m_platform;
 };
