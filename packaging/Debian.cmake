@@ -31,18 +31,18 @@ set(CPACK_DEBIAN_SAYVANE_PACKAGE_DEPENDS "${run_packages}")
 set(CPACK_DEBIAN_SAYVANE_PACKAGE_RECOMMENDS "${recommended_packages}")
 set(CPACK_DEBIAN_SAYVANE_PACKAGE_SUGGESTS sayvane-service)
 set(CPACK_COMPONENT_SAYVANE_DESCRIPTION "dictation in any application
- Tap a global shortcut, speak, and tap again: the recording is transcribed and
- cleaned up, and the text lands where the cursor is, in any application.
- .
- Sayvane lives in the tray, shows a small level meter while it listens, keeps
- a searchable history, and can be driven from the command line and over D-Bus.")
+Tap a global shortcut, speak, and tap again: the recording is transcribed and
+cleaned up, and the text lands where the cursor is, in any application.
+
+Sayvane lives in the tray, shows a small level meter while it listens, keeps
+a searchable history, and can be driven from the command line and over D-Bus.")
 set(CPACK_DEBIAN_SAYVANE-SERVICE_PACKAGE_NAME sayvane-service)
 set(CPACK_DEBIAN_SAYVANE-SERVICE_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_SAYVANE-SERVICE_PACKAGE_DEPENDS "${service_packages}")
 set(CPACK_COMPONENT_SAYVANE-SERVICE_DESCRIPTION "self-hosted dictation service
- Serves the accounts, the daily allowance, transcription and cleanup that the
- Sayvane dictation program uses, with an embedded recogniser or in front of
- any OpenAI-compatible speech server.")
+Serves the accounts, the daily allowance, transcription and cleanup that the
+Sayvane dictation program uses, with an embedded recogniser or in front of
+any OpenAI-compatible speech server.")
 
 # The two files that every Debian package carries.
 find_program(GZIP gzip REQUIRED)
@@ -61,4 +61,6 @@ foreach(package sayvane sayvane-service)
     install(FILES ${changelog} RENAME changelog.gz
         DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package} COMPONENT ${package})
 endforeach()
+# Debian keeps manual pages compressed.
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/CompressManuals.cmake)
 include(CPack)

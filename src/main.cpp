@@ -4,10 +4,10 @@
 #include "commands/Commands.h"
 #include "commands/ExitCode.h"
 #include "commands/Terminal.h"
+#include "platform/linux/DesktopDisplay.h"
 #include "platform/linux/LinuxMachine.h"
 #include "platform/linux/QuitSignals.h"
 #include "platform/linux/system/LogFormat.h"
-#include "platform/linux/x11/X11Display.h"
 #include "program/SayvaneApp.h"
 
 #include <QApplication>
@@ -76,8 +76,10 @@ int runProgram(const Invocation &asked, QuitSignals &quitSignals)
     }
     SayvaneApp app(machine->platform(), asked.service);
     QObject::connect(&quitSignals, &QuitSignals::received, qApp, &QCoreApplication::quit);
-    // The desktop session is over.
-    QObject::connect(&machine->desktop().connection(), &X11Connection::lost, qApp, &QCoreApplication::quit);
+    // The desktop session is over. An X11 server that is Wayland's guest comes and goes.
+    if (QGuiApplication::platformName() == "xcb"_L1)
+        QObject::connect(&machine->desktop().connection(), &X11Connection::lost, qApp,
+                         &QCoreApplication::quit);
     app.launch(asked.profile);
     return QCoreApplication::exec();
 }
@@ -99,7 +101,7 @@ int main(int argc, char **argv)
         const QCoreApplication application(argc, argv);
         return runCommand(*asked);
     }
-    if (const QString objection = X11Display::objection(); !objection.isEmpty())
+    if (const QString objection = DesktopDisplay::objection(); !objection.isEmpty())
         return Terminal::complain(objection, ExitCode::noDisplay);
     QuitSignals::hold();
     const QApplication application(argc, argv);

@@ -18,8 +18,9 @@ _sayvane()
     --store-secret) words="groq_api_key openai_api_key sayvane_session" ;;
     *)
         case $verb in
-        "") words+=" toggle start stop cancel status open last transcribe history recover sign-in sign-out quit" ;;
+        "") words+=" toggle start stop cancel status open last transcribe history recover autostart sign-in sign-out quit" ;;
         status) words=--json ;;
+        autostart) words="on off" ;;
         history) words="--json --csv" ;;
         open) words="dictation insights dictionary labs settings" ;;
         recover)

@@ -34,6 +34,7 @@ constexpr std::array verbTable{
     Verb{"history"_L1, "[--json|--csv]"_L1, 0, 0, "json csv"_L1, "Print all dictations, newest first"_L1},
     Verb{"recover"_L1, "[ACTION]"_L1, 0, 2, "all"_L1,
          "What a crash left behind: list, transcribe ID, delete ID, delete --all"_L1},
+    Verb{"autostart"_L1, "[on|off]"_L1, 0, 1, ""_L1, "Tell or choose whether Sayvane starts at log-in"_L1},
     Verb{"sign-in"_L1, ""_L1, 0, 0, ""_L1, "Sign in to the hosted service"_L1},
     Verb{"sign-out"_L1, ""_L1, 0, 0, ""_L1, "Sign out of the hosted service"_L1},
     Verb{"quit"_L1, ""_L1, 0, 0, ""_L1, "End Sayvane"_L1},
@@ -85,6 +86,9 @@ QString objection(const Invocation &asked, const QCommandLineParser &parser)
         return u"'%1' takes %2."_s.arg(verb->name, verb->usage);
     if (asked.arguments.size() > verb->most)
         return u"Unexpected argument '%1'."_s.arg(asked.arguments[verb->most]);
+    if (verb->name == "autostart"_L1 &&
+        !QStringList{QString(), u"on"_s, u"off"_s}.contains(asked.arguments.value(0)))
+        return u"'autostart' takes on or off."_s;
     return {};
 }
 

@@ -1,5 +1,6 @@
 #include "commands/Commands.h"
 
+#include "commands/AutostartCommand.h"
 #include "commands/CommandContext.h"
 #include "commands/CommandLine.h"
 #include "commands/ExitCode.h"
@@ -33,9 +34,13 @@ int Commands::run(const CommandContext &context)
     if (!asked.secret.isEmpty())
         return SecretCommand::run(context.machine().secrets, asked.secret);
     static const QHash<QString, int (*)(const CommandContext &)> others{
-        {u"history"_s, HistoryCommand::run},  {u"open"_s, OpenCommand::run},
-        {u"recover"_s, RecoverCommand::run},  {u"sign-in"_s, SignInCommand::run},
-        {u"sign-out"_s, SignOutCommand::run}, {u"transcribe"_s, TranscribeCommand::run},
+        {u"autostart"_s, AutostartCommand::run},
+        {u"history"_s, HistoryCommand::run},
+        {u"open"_s, OpenCommand::run},
+        {u"recover"_s, RecoverCommand::run},
+        {u"sign-in"_s, SignInCommand::run},
+        {u"sign-out"_s, SignOutCommand::run},
+        {u"transcribe"_s, TranscribeCommand::run},
     };
     return others.value(asked.verb, RemoteCommand::run)(context);
 }

@@ -3,6 +3,7 @@
 class AccessibilityTrust;
 class Activation;
 class Appearance;
+class Autostart;
 class Clock;
 class ComputerName;
 class DefaultsStore;
@@ -42,4 +43,5 @@ struct Platform
     Appearance &appearance;
     FloatingPanels &panels;
     Graphics &graphics;
+    Autostart &autostart;
 };

@@ -4,6 +4,7 @@
 #include "app/MenuView.h"
 #include "tray/StateIcon.h"
 
+#include <QGuiApplication>
 #include <QPixmap>
 
 #include <utility>
@@ -38,7 +39,8 @@ void TrayIcon::choose()
         return;
     }
     m_item.reset();
-    if (m_fallback)
+    // Wayland knows no older protocol.
+    if (m_fallback || QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
         return;
     m_fallback = std::make_unique<Fallback>();
     m_fallback->icon.setContextMenu(&m_fallback->menu.menu());

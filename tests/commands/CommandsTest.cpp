@@ -16,7 +16,7 @@ class CommandsTest final : public QObject
 private Q_SLOTS:
     void wrongWordsAreToldApart_data();
     void wrongWordsAreToldApart();
-    void everyShellKnowsEveryCommand();
+    void everyShellAndTheManualKnowEveryCommand();
     void tablesKeepEveryCharacter();
     void profilesNeverShareABusName();
 };
@@ -38,6 +38,8 @@ void CommandsTest::wrongWordsAreToldApart_data()
     row("toggle twice", u"Unexpected argument 'twice'."_s);
     row("transcribe", u"'transcribe' takes FILE.wav."_s);
     row("toggle --json", u"--json means nothing here."_s);
+    row("autostart maybe", u"'autostart' takes on or off."_s);
+    row("autostart off", {});
     row("--all", u"--all means nothing here."_s);
     row("history --json --csv", u"--json and --csv exclude each other."_s);
     row("toggle --store-secret groq_api_key", u"--store-secret stands alone."_s);
@@ -51,14 +53,15 @@ void CommandsTest::wrongWordsAreToldApart()
     QTEST(asked ? QString() : asked.error(), "complaint");
 }
 
-void CommandsTest::everyShellKnowsEveryCommand()
+void CommandsTest::everyShellAndTheManualKnowEveryCommand()
 {
-    for (const QString &shell : {u"sayvane.bash"_s, u"_sayvane"_s, u"sayvane.fish"_s}) {
+    for (const QString &shell : {u"sayvane.bash"_s, u"_sayvane"_s, u"sayvane.fish"_s,
+                                 u"../../docs/man/sayvane.1"_s}) {
         QFile file(QStringLiteral(COMPLETIONS "/") + shell);
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QString text = QString::fromUtf8(file.readAll());
         for (const QString &verb : CommandLine::verbs())
-            QVERIFY2(text.contains(QRegularExpression(u"[ ']%1[ :\"]"_s.arg(verb))), qPrintable(shell + u' ' + verb));
+            QVERIFY2(text.contains(QRegularExpression(u"[ ']%1[ :\"\n]"_s.arg(verb))), qPrintable(shell + u' ' + verb));
     }
 }
 

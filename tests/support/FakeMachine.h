@@ -3,6 +3,7 @@
 #include "platform/AccessibilityTrust.h"
 #include "platform/Activation.h"
 #include "platform/Appearance.h"
+#include "platform/Autostart.h"
 #include "platform/ComputerName.h"
 #include "platform/DefaultsStore.h"
 #include "platform/FloatingPanels.h"
@@ -129,6 +130,19 @@ public:
     QStringList played;
 };
 
+class FakeAutostart final : public Autostart
+{
+public:
+    bool isOn() const override { return on; }
+    std::expected<void, QString> set(bool isOn) override
+    {
+        on = isOn;
+        return {};
+    }
+
+    bool on = false;
+};
+
 class FakeVolumes final : public Volumes
 {
 public:
@@ -230,8 +244,9 @@ public:
     FakeAppearance appearance;
     FakeFloatingPanels panels;
     FakeGraphics graphics;
+    FakeAutostart autostart;
 
-    Platform platform{clock,     folders,    volumes,    defaults, secrets, computerName, workspace,
-                      http,      trust,      microphone, sounds,   keyTaps, keyPoster,    pasteboard,
-                      localKeys, activation, appearance, panels,   graphics};
+    Platform platform{clock,     folders,    volumes,    defaults, secrets,  computerName, workspace,
+                      http,      trust,      microphone, sounds,   keyTaps,  keyPoster,    pasteboard,
+                      localKeys, activation, appearance, panels,   graphics, autostart};
 };

@@ -7,6 +7,7 @@ LinuxMachine::LinuxMachine(const Settings &settings)
       m_http(settings.userAgent),
       m_microphone(m_pulse),
       m_sounds(m_pulse, settings.soundsFolder),
+      m_autostart(m_folders.userConfiguration(), settings.profile),
       m_platform{.clock = m_clock,
                  .folders = m_folders,
                  .volumes = m_volumes,
@@ -20,11 +21,20 @@ LinuxMachine::LinuxMachine(const Settings &settings)
                  .sounds = m_sounds,
                  .keyTaps = m_desktop.keyTaps(),
                  .keyPoster = m_desktop.keyPoster(),
-                 .pasteboard = m_desktop.pasteboard(),
+                 .pasteboard = pasteboard(),
                  .localKeys = m_windowKeys,
                  .activation = m_activation,
                  .appearance = m_appearance,
                  .panels = m_panels,
-                 .graphics = m_graphics}
+                 .graphics = m_graphics,
+                 .autostart = m_autostart}
 {
+}
+
+// GNOME's compositor offers no such clipboard, but shares the one of its X11 server.
+Pasteboard &LinuxMachine::pasteboard()
+{
+    if (m_waylandPasteboard.isUsable())
+        return m_waylandPasteboard;
+    return m_desktop.pasteboard();
 }

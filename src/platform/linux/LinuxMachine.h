@@ -15,7 +15,10 @@
 #include "platform/linux/system/SecretServiceStore.h"
 #include "platform/linux/system/StatVolumes.h"
 #include "platform/linux/system/SystemClock.h"
+#include "platform/linux/system/XdgAutostart.h"
 #include "platform/linux/system/XdgFolders.h"
+#include "platform/linux/wayland/WaylandConnection.h"
+#include "platform/linux/wayland/WaylandPasteboard.h"
 #include "platform/linux/windows/WindowKeys.h"
 #include "platform/linux/x11/X11Desktop.h"
 
@@ -37,7 +40,11 @@ public:
     X11Desktop &desktop() { return m_desktop; }
 
 private:
+    Pasteboard &pasteboard();
+
     X11Desktop m_desktop;
+    WaylandConnection m_wayland;
+    WaylandPasteboard m_waylandPasteboard{m_wayland};
     X11FloatingPanels m_panels{m_desktop.connection()};
     PulseConnection m_pulse; // begins to connect while the rest is made
     SystemClock m_clock;
@@ -54,5 +61,6 @@ private:
     DesktopActivation m_activation;
     PortalAppearance m_appearance;
     DeviceGraphics m_graphics;
+    XdgAutostart m_autostart;
     Platform m_platform;
 };

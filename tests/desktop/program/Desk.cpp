@@ -40,14 +40,14 @@ bool Desk::eventually(const std::function<bool()> &condition, int milliseconds)
     return QTest::qWaitFor(condition, milliseconds);
 }
 
-bool Desk::startSayvane(const QStringList &arguments)
+bool Desk::startSayvane(const QStringList &arguments, const QByteArray &ready)
 {
     m_read = 0;
     m_sayvane = std::make_unique<QProcess>();
     m_sayvane->setProcessChannelMode(QProcess::MergedChannels);
     m_sayvane->setStandardOutputFile(m_logPath);
     m_sayvane->start(QStringLiteral(RUN_PROFILE), QStringList{QStringLiteral(PREFIX)} + arguments);
-    return logsNext("shortcut active");
+    return logsNext(ready);
 }
 
 void Desk::stopSayvane()

@@ -17,8 +17,8 @@ public:
     ~Desk();
 
     /// Starts the installed program, with a service beside it unless the arguments name another one; false
-    /// when its shortcut is not ready in time.
-    bool startSayvane(const QStringList &arguments = {});
+    /// when it does not say in time that it is ready.
+    bool startSayvane(const QStringList &arguments = {}, const QByteArray &ready = "shortcut active");
     /// Asks the program to end, and waits.
     void stopSayvane();
     /// What the program has logged since it was started.

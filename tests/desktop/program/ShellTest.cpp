@@ -118,6 +118,11 @@ void ShellTest::theRunningProgramAnswers_data()
                                      << QString();
     QTest::newRow("history as CSV") << QStringList{u"history"_s, u"--csv"_s} << QByteArray() << 0 << u"last"_s
                                     << QString();
+    for (const auto &[asked, told] : {std::pair{u""_s, u"off\n"_s}, {u"on"_s, u"on\n"_s}, {u""_s, u"on\n"_s},
+                                      {u"off"_s, u"off\n"_s}, {u""_s, u"off\n"_s}})
+        QTest::addRow("autostart %s, %s", qPrintable(asked), qPrintable(told.trimmed()))
+            << (asked.isEmpty() ? QStringList{u"autostart"_s} : QStringList{u"autostart"_s, asked}) << QByteArray()
+            << 0 << told << QString();
     QTest::newRow("transcribe") << QStringList{u"transcribe"_s, clipPath} << QByteArray() << 0 << u"last"_s
                                 << QString();
     QTest::newRow("no recording") << QStringList{u"transcribe"_s, u"/none.wav"_s} << QByteArray() << 66 << QString()

@@ -1,6 +1,7 @@
 #include "platform/linux/panel/X11FloatingPanels.h"
 
 #include "platform/linux/panel/AccessiblePanel.h"
+#include "platform/linux/panel/NotificationPanel.h"
 #include "platform/linux/panel/X11FloatingPanel.h"
 #include "platform/linux/x11/X11Connection.h"
 
@@ -8,6 +9,8 @@
 
 std::unique_ptr<FloatingPanel> X11FloatingPanels::create(PanelContent &content)
 {
+    if (QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+        return std::make_unique<NotificationPanel>();
     if (!m_connection.isOpen() || QGuiApplication::platformName() != QLatin1String("xcb"))
         return nullptr;
     AccessiblePanel::install();

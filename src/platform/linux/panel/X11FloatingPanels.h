@@ -6,8 +6,8 @@ class X11Connection;
 
 /// The floating panels of an X11 desktop.
 ///
-/// Elsewhere there are none: a Wayland desktop gives an ordinary program only windows that take the
-/// keyboard and stand where the desktop likes.
+/// A Wayland desktop gives an ordinary program only windows that take the keyboard and stand where the
+/// desktop likes; there notifications say what a panel would show.
 class X11FloatingPanels final : public FloatingPanels
 {
 public:

@@ -43,7 +43,12 @@ QString XdgFolders::base(const QString &variable, const QString &below) const
 
 QString XdgFolders::configuration() const
 {
-    return base(u"XDG_CONFIG_HOME"_s, u".config"_s) + u'/' + Profile::systemName(m_profile);
+    return userConfiguration() + u'/' + Profile::systemName(m_profile);
+}
+
+QString XdgFolders::userConfiguration() const
+{
+    return base(u"XDG_CONFIG_HOME"_s, u".config"_s);
 }
 
 QString XdgFolders::applicationSupport() const

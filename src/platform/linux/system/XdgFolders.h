@@ -22,6 +22,8 @@ public:
 
     /// Where the preferences are kept.
     QString configuration() const;
+    /// Where all programs of the user keep theirs.
+    QString userConfiguration() const;
 
 private:
     QString base(const QString &variable, const QString &below) const;

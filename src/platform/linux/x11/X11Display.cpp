@@ -10,7 +10,7 @@ QString X11Display::objection()
 {
     const QByteArray name = qgetenv("DISPLAY");
     if (name.isEmpty())
-        return u"There is no display to run on: DISPLAY is not set."_s;
+        return u"There is no display to run on: neither DISPLAY nor WAYLAND_DISPLAY is set."_s;
     xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
     const bool answers = xcb_connection_has_error(connection) == 0;
     xcb_disconnect(connection);
