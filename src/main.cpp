@@ -101,8 +101,9 @@ int main(int argc, char **argv)
     }
     if (const QString objection = X11Display::objection(); !objection.isEmpty())
         return Terminal::complain(objection, ExitCode::noDisplay);
+    QuitSignals quitSignals;
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    QuitSignals quitSignals;
+    quitSignals.listen();
     return runProgram(*asked, quitSignals);
 }

@@ -28,6 +28,12 @@ QuitSignals::QuitSignals()
         pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
         return;
     }
+}
+
+void QuitSignals::listen()
+{
+    if (m_descriptor < 0)
+        return;
     m_notifier = std::make_unique<QSocketNotifier>(m_descriptor, QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] {
         signalfd_siginfo information;

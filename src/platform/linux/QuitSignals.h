@@ -11,10 +11,13 @@ class QuitSignals final : public QObject
 {
     Q_OBJECT
 public:
-    /// To be made after the application object and before any thread.
+    /// To be made before any thread, and so before the application object, which starts some.
     QuitSignals();
     ~QuitSignals() override;
     Q_DISABLE_COPY_MOVE(QuitSignals)
+
+    /// Announces them from now on, also those that came before. The application object is there.
+    void listen();
 
 Q_SIGNALS:
     void received();
