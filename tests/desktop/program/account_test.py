@@ -241,7 +241,7 @@ class AccountTest(ScreenReaderCase):
             self.press("Dictate prompt", "push button")
             self.speak()
             self.press("Stop dictating", "push button")
-            eventually(lambda: self.text_of("Your question") == "Why is the sky blue?", "the prompt")
+            eventually(lambda: self.text_of("Your question") == "Why is the sky blue.", "the prompt")
             self.assistant.status = 500
             self.press("Get answer", "push button")
             self.named("Claude could not answer. Try again.")
