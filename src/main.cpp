@@ -103,9 +103,9 @@ int main(int argc, char **argv)
     }
     if (const QString objection = DesktopDisplay::objection(); !objection.isEmpty())
         return Terminal::complain(objection, ExitCode::noDisplay);
-    QuitSignals::hold();
+    QuitSignals quitSignals;
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    QuitSignals quitSignals;
+    quitSignals.listen();
     return runProgram(*asked, quitSignals);
 }

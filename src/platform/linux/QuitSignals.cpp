@@ -18,21 +18,22 @@ sigset_t quitSignals()
 
 } // namespace
 
-void QuitSignals::hold()
-{
-    const sigset_t set = quitSignals();
-    pthread_sigmask(SIG_BLOCK, &set, nullptr);
-}
-
 QuitSignals::QuitSignals()
 {
     const sigset_t set = quitSignals();
-    hold();
+    // Threads inherit the mask, so that the descriptor alone receives the signals.
+    pthread_sigmask(SIG_BLOCK, &set, nullptr);
     m_descriptor = signalfd(-1, &set, SFD_NONBLOCK | SFD_CLOEXEC);
     if (m_descriptor < 0) {
         pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
         return;
     }
+}
+
+void QuitSignals::listen()
+{
+    if (m_descriptor < 0)
+        return;
     m_notifier = std::make_unique<QSocketNotifier>(m_descriptor, QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] {
         signalfd_siginfo information;

@@ -11,14 +11,13 @@ class QuitSignals final : public QObject
 {
     Q_OBJECT
 public:
-    /// Keeps the signals waiting. To be called before any thread starts, the application object's own among
-    /// them: threads inherit it, and one that does not would end the process.
-    static void hold();
-
-    /// To be made after the application object.
+    /// To be made before any thread, and so before the application object, which starts some.
     QuitSignals();
     ~QuitSignals() override;
     Q_DISABLE_COPY_MOVE(QuitSignals)
+
+    /// Announces them from now on, also those that came before. The application object is there.
+    void listen();
 
 Q_SIGNALS:
     void received();

@@ -111,10 +111,13 @@ class AccountTest(ScreenReaderCase):
             step()
 
     def wait_for_line(self, text):
-        """The text is in the terminal's last line; ends that line."""
+        """The text is what was last pasted into the terminal."""
         self.activate("note")
-        xdotool("key", "Return")
-        eventually(lambda: self.note.read_text().splitlines()[-1:] == [text], f"{text!r} in the terminal")
+
+        def lines():
+            xdotool("key", "Return")
+            return self.note.read_text().split("\n")
+        eventually(lambda: [line for line in lines() if line][-1:] == [text], f"{text!r} in the terminal")
 
     def question(self):
         authorization, body = self.assistant.questions[-1]
@@ -220,10 +223,15 @@ class AccountTest(ScreenReaderCase):
                 self.named(f"Claude · {mode}")
 
         with self.subTest("paste into last app"):
-            paste = self.named("Paste into last app", "push button")
-            self.activate("note")
-            paste.queryAction().doAction(0)
-            self.wait_for_line("Said in Rewrite.")
+            self.wheel("down")
+            self.press("Paste into last app", "push button")
+            eventually(lambda: subprocess.run(["xclip", "-o", "-selection", "clipboard"], capture_output=True, check=False,
+                                              text=True).stdout == "Said in Rewrite.", "the copied answer")
+            # What the program owns can be pasted into its own windows, too.
+            self.wheel("up")
+            self.press("How to rewrite it")
+            xdotool("key", "ctrl+a", "ctrl+v")
+            eventually(lambda: self.text_of("How to rewrite it") == "Said in Rewrite.", "the pasted answer")
             self.activate("^Sayvane$")
 
         with self.subTest("a spoken question, and an assistant that fails"):
@@ -233,7 +241,7 @@ class AccountTest(ScreenReaderCase):
             self.press("Dictate prompt", "push button")
             self.speak()
             self.press("Stop dictating", "push button")
-            eventually(lambda: self.text_of("Your question") == "Why is the sky blue?", "the prompt")
+            eventually(lambda: self.text_of("Your question") == "Why is the sky blue.", "the prompt")
             self.assistant.status = 500
             self.press("Get answer", "push button")
             self.named("Claude could not answer. Try again.")
@@ -254,8 +262,9 @@ class AccountTest(ScreenReaderCase):
             self.assertEqual(self.program.wait(20), 0)
             self.start()
             self.assertTrue(self.status()["answerMode"])
+            self.assistant.answer = "Still forty-two."
             self.dictate("and once more please", "note")
-            self.wait_for_line("Forty-two.")
+            self.wait_for_line("Still forty-two.")
             self.assertIn("once more", self.question())
 
         with self.subTest("sign-out"):
