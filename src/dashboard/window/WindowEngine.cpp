@@ -32,8 +32,9 @@ void chooseDrawing(const Graphics &graphics)
 WindowEngine::WindowEngine(Appearance &appearance, const Graphics &graphics) : m_theme(appearance)
 {
     [[maybe_unused]] static const bool once = (chooseDrawing(graphics), true);
-    // The module is part of the program: naming its registration keeps the linker from dropping it.
-    static const auto registration [[maybe_unused]] = &qml_register_types_Sayvane;
+    // The module is part of the program: naming its registration keeps the linker from dropping it, and the
+    // optimiser must not see that nobody reads the name.
+    [[maybe_unused]] const volatile auto registration = &qml_register_types_Sayvane;
     m_engine.addImportPath(u"qrc:/qml"_s);
     m_engine.setProperty("theme", QVariant::fromValue(&m_theme));
 }
@@ -43,7 +44,8 @@ WindowEngine::~WindowEngine() = default;
 std::unique_ptr<QQuickWindow> WindowEngine::makeWindow(const QString &typeName, const QVariantMap &properties)
 {
     QQmlComponent component(&m_engine, QUrl(u"qrc:/qml/Sayvane/pages/%1.qml"_s.arg(typeName)));
-    std::unique_ptr<QObject> object(component.createWithInitialProperties(properties));
+    std::unique_ptr<QObject> object(component.isReady() ? component.createWithInitialProperties(properties)
+                                                        : nullptr);
     if (!object || !qobject_cast<QQuickWindow *>(object.get()))
         qFatal("The window could not be made: %s", qPrintable(component.errorString()));
     return std::unique_ptr<QQuickWindow>(static_cast<QQuickWindow *>(object.release()));
