@@ -44,7 +44,7 @@ QColor readableAccent(const QColor &wanted, const ThemeColors &colors)
 
 double ThemeColors::contrast(const QColor &one, const QColor &other)
 {
-    const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
+    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)}); // by value
     return (lighter + 0.05) / (darker + 0.05);
 }
 
