@@ -71,8 +71,13 @@ QList<PanelStandIn::Entry> PanelStandIn::entries() const
         const auto parts = child.variant().value<QDBusArgument>();
         parts.beginStructure();
         parts >> id >> properties;
+        parts.beginArray();
+        parts.endArray();
+        parts.endStructure();
         found.append({id, properties});
     }
+    root.endArray();
+    root.endStructure();
     return found;
 }
 
