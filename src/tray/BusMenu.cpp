@@ -55,6 +55,8 @@ QList<QDBusVariant> layoutOf(const QList<MenuEntry> &entries, int firstId, int d
 
 BusMenu::BusMenu(std::function<QList<MenuEntry>()> entries) : m_entries(std::move(entries))
 {
+    qDBusRegisterMetaType<MenuEvent>();
+    qDBusRegisterMetaType<QList<MenuEvent>>();
     qDBusRegisterMetaType<MenuLayout>();
     qDBusRegisterMetaType<MenuProperties>();
     qDBusRegisterMetaType<QList<MenuProperties>>();
@@ -75,6 +77,15 @@ MenuEntry BusMenu::shown(int id) const
     if (id < submenuFactor)
         return m_shown.value(id - 1);
     return m_shown.value(id / submenuFactor - 1).submenu.value(id % submenuFactor - 1);
+}
+
+bool BusMenu::exists(int id) const
+{
+    const qsizetype entry = id < submenuFactor ? id : id / submenuFactor;
+    if (entry < 0 || entry > m_shown.size())
+        return false;
+    return id < submenuFactor ||
+           (id % submenuFactor > 0 && id % submenuFactor <= m_shown[entry - 1].submenu.size());
 }
 
 uint BusMenu::GetLayout(int parentId, int depth, const QStringList &, MenuLayout &layout)
@@ -117,7 +128,31 @@ void BusMenu::Event(int id, const QString &type, const QDBusVariant &, uint)
     QMetaObject::invokeMethod(this, entry.action, Qt::QueuedConnection);
 }
 
+QList<int> BusMenu::EventGroup(const QList<MenuEvent> &events)
+{
+    QList<int> missing;
+    for (const MenuEvent &event : events) {
+        if (exists(event.id))
+            Event(event.id, event.type, event.data, event.time);
+        else
+            missing.append(event.id);
+    }
+    return missing;
+}
+
 bool BusMenu::AboutToShow(int)
 {
     return m_isStale;
+}
+
+QList<int> BusMenu::AboutToShowGroup(const QList<int> &ids, QList<int> &missing)
+{
+    QList<int> stale;
+    for (const int id : ids) {
+        if (!exists(id))
+            missing.append(id);
+        else if (AboutToShow(id))
+            stale.append(id);
+    }
+    return stale;
 }

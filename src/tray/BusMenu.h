@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/MenuEntry.h"
+#include "tray/MenuEvent.h"
 #include "tray/MenuLayout.h"
 #include "tray/MenuProperties.h"
 
@@ -32,7 +33,11 @@ public Q_SLOTS:
     Q_SCRIPTABLE QList<MenuProperties> GetGroupProperties(const QList<int> &ids, const QStringList &names);
     Q_SCRIPTABLE QDBusVariant GetProperty(int id, const QString &name);
     Q_SCRIPTABLE void Event(int id, const QString &type, const QDBusVariant &data, uint time);
+    /// As `Event` for each; gives the ids that there is no entry of.
+    Q_SCRIPTABLE QList<int> EventGroup(const QList<MenuEvent> &events);
     Q_SCRIPTABLE bool AboutToShow(int id);
+    /// Gives the ids whose layout has to be asked for again, and those that there is no entry of.
+    Q_SCRIPTABLE QList<int> AboutToShowGroup(const QList<int> &ids, QList<int> &missing);
 
 Q_SIGNALS:
     Q_SCRIPTABLE void LayoutUpdated(uint revision, int parent);
@@ -43,6 +48,7 @@ private:
     static QString textDirection() { return QStringLiteral("ltr"); }
 
     MenuEntry shown(int id) const;
+    bool exists(int id) const;
 
     std::function<QList<MenuEntry>()> m_entries;
     QList<MenuEntry> m_shown;

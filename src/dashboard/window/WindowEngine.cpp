@@ -49,7 +49,8 @@ WindowEngine::~WindowEngine() = default;
 std::unique_ptr<QQuickWindow> WindowEngine::makeWindow(const QString &typeName, const QVariantMap &properties)
 {
     QQmlComponent component(&m_engine, QUrl(u"qrc:/qml/Sayvane/pages/%1.qml"_s.arg(typeName)));
-    std::unique_ptr<QObject> object(component.createWithInitialProperties(properties));
+    std::unique_ptr<QObject> object(component.isReady() ? component.createWithInitialProperties(properties)
+                                                        : nullptr);
     if (!object || !qobject_cast<QQuickWindow *>(object.get()))
         qFatal("The window could not be made: %s", qPrintable(component.errorString()));
     return std::unique_ptr<QQuickWindow>(static_cast<QQuickWindow *>(object.release()));

@@ -1,8 +1,11 @@
 #include "desktop/program/PanelStandIn.h"
 
+#include "tray/MenuEvent.h"
+
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusMetaType>
 #include <QDBusVariant>
 #include <QDateTime>
 
@@ -33,6 +36,8 @@ QVariant propertyOf(const QString &item, const QString &property)
 
 PanelStandIn::PanelStandIn()
 {
+    qDBusRegisterMetaType<MenuEvent>();
+    qDBusRegisterMetaType<QList<MenuEvent>>();
     QDBusConnection bus = QDBusConnection::sessionBus();
     bus.registerObject(path, this, QDBusConnection::ExportScriptableContents | QDBusConnection::ExportAllProperties);
     bus.registerService(name);
@@ -71,8 +76,13 @@ QList<PanelStandIn::Entry> PanelStandIn::entries() const
         const auto parts = child.variant().value<QDBusArgument>();
         parts.beginStructure();
         parts >> id >> properties;
+        parts.beginArray();
+        parts.endArray();
+        parts.endStructure();
         found.append({id, properties});
     }
+    root.endArray();
+    root.endStructure();
     return found;
 }
 
@@ -95,8 +105,9 @@ void PanelStandIn::click(const QString &label) const
     const QString menuPath = propertyOf(m_item, u"Menu"_s).value<QDBusObjectPath>().path();
     for (const Entry &entry : entries()) {
         if (entry.properties.value(u"label"_s) == label)
-            ask(m_item, menuPath, menuInterface, u"Event"_s,
-                {entry.id, u"clicked"_s, QVariant::fromValue(QDBusVariant(0)), 0U});
+            // As panels with libdbusmenu do.
+            ask(m_item, menuPath, menuInterface, u"EventGroup"_s,
+                {QVariant::fromValue(QList<MenuEvent>{{entry.id, u"clicked"_s, QDBusVariant(0), 0U}})});
     }
 }
 
