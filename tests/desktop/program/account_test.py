@@ -49,6 +49,7 @@ class AccountTest(ScreenReaderCase):
         cls.service.terminate()
         cls.service.wait(10)
         cls.assistant.shutdown()
+        cls.assistant.server_close()
 
     def get(self, path, token):
         """The service's answer, or the status of its refusal."""
@@ -70,7 +71,7 @@ class AccountTest(ScreenReaderCase):
 
     def press(self, name, role=None):
         self.focus(name, role)
-        self.click(name, role)
+        xdotool("key", "space")
 
     def wheel(self, direction):
         """To the end of the page; what lies beyond its edges is there for no screen reader."""
@@ -80,7 +81,7 @@ class AccountTest(ScreenReaderCase):
         eventually(lambda: not [each for each in self.walk() if each.name == name], f"no {name!r}")
 
     def write(self, name, text):
-        self.press(name)
+        self.focus(name)
         xdotool("key", "ctrl+a")
         xdotool("type", "--delay", 5, text)
 
@@ -229,7 +230,7 @@ class AccountTest(ScreenReaderCase):
                                               text=True).stdout == "Said in Rewrite.", "the copied answer")
             # What the program owns can be pasted into its own windows, too.
             self.wheel("up")
-            self.press("How to rewrite it")
+            self.focus("How to rewrite it")
             xdotool("key", "ctrl+a", "ctrl+v")
             eventually(lambda: self.text_of("How to rewrite it") == "Said in Rewrite.", "the pasted answer")
             self.activate("^Sayvane$")
