@@ -97,9 +97,14 @@ class ScreenReaderCase(unittest.TestCase):
 
     def focus(self, name, role=None):
         """Gives the control the keyboard, which brings it into view."""
-        item = eventually(lambda: [each for each in self.walk(hidden=True)
-                                   if each.name == name and (not role or each.getRoleName() == role)],
-                          f"{role or 'something'} called {name!r}")[-1]
+        def look():
+            for hidden in (False, True):
+                found = [each for each in self.walk(hidden=hidden)
+                         if each.name == name and (not role or each.getRoleName() == role)]
+                if found:
+                    return found
+            return None
+        item = eventually(look, f"{role or 'something'} called {name!r}")[-1]
         item.queryComponent().grabFocus()
         eventually(lambda: item.getState().contains(self.spi.STATE_FOCUSED), f"the keyboard at {name}")
 
