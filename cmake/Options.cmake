@@ -2,7 +2,7 @@
 add_library(sayvane_options INTERFACE)
 add_library(sayvane::options ALIAS sayvane_options)
 target_compile_options(sayvane_options INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual
+    -pthread -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual
     -Wimplicit-fallthrough -Wno-missing-field-initializers -Werror)
 target_compile_definitions(sayvane_options INTERFACE
     QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH

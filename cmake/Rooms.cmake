@@ -9,11 +9,17 @@ function(sayvane_room name)
     sayvane_check_headers(${name} ${ROOM_SOURCES})
 endfunction()
 
-# Every header of a room compiles alone.
+# Every header of a room compiles alone. A source file that includes its own header first has shown that.
 function(sayvane_check_headers name)
     set(checks)
     foreach(source IN LISTS ARGN)
-        if(source MATCHES "\\.h$")
+        string(REGEX REPLACE "\\.h$" ".cpp" own ${source})
+        set(first)
+        if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${own})
+            file(STRINGS ${CMAKE_CURRENT_SOURCE_DIR}/${own} first LIMIT_COUNT 1 REGEX "^#include")
+        endif()
+        get_filename_component(header ${source} NAME)
+        if(source MATCHES "\\.h$" AND NOT first MATCHES "[/\"]${header}\"$")
             string(REPLACE "/" "_" flat ${source})
             set(check ${CMAKE_CURRENT_BINARY_DIR}/headers/${flat}.cpp)
             file(GENERATE OUTPUT ${check}
