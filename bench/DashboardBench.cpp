@@ -81,7 +81,7 @@ int main(int argc, char **argv)
     QElapsedTimer timer;
     timer.start();
     stage.windows().openDashboard();
-    QQuickWindow &window = *stage.windows().dashboard().window();
+    QQuickWindow &window = Stage::quick(*stage.windows().dashboard().window());
     drawn(window);
     std::printf("%-52s %7.1f\n", "first opening to first frame, ms", milliseconds(timer));
     QTest::qWait(1000);

@@ -4,9 +4,11 @@
 #include "commands/Commands.h"
 #include "commands/ExitCode.h"
 #include "commands/Terminal.h"
+#include "dashboard/window/ScreensLibrary.h"
 #include "platform/linux/DesktopDisplay.h"
 #include "platform/linux/LinuxMachine.h"
 #include "platform/linux/QuitSignals.h"
+#include "platform/linux/system/HeldLibrary.h"
 #include "platform/linux/system/LogFormat.h"
 #include "program/SayvaneApp.h"
 
@@ -74,7 +76,12 @@ int runProgram(const Invocation &asked, QuitSignals &quitSignals)
     case Turn::ours:
         break;
     }
-    SayvaneApp app(machine->platform(), asked.service);
+    HeldLibrary screens(QCoreApplication::applicationDirPath() + u"/" SAYVANE_SCREENS_FROM_BIN ""_s);
+    SayvaneApp app(machine->platform(), asked.service, [&](Appearance &appearance, const Graphics &graphics) {
+        const auto make =
+            reinterpret_cast<decltype(&sayvaneMakeWindowEngine)>(screens.symbol("sayvaneMakeWindowEngine"));
+        return std::unique_ptr<WindowEngine>(make(appearance, graphics));
+    });
     QObject::connect(&quitSignals, &QuitSignals::received, qApp, &QCoreApplication::quit);
     // The desktop session is over. An X11 server that is Wayland's guest comes and goes.
     if (QGuiApplication::platformName() == "xcb"_L1)

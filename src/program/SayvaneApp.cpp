@@ -17,11 +17,12 @@ Q_LOGGING_CATEGORY(log, "com.sayvane.app")
 
 } // namespace
 
-SayvaneApp::SayvaneApp(Platform &platform, const QString &serviceAddress)
+SayvaneApp::SayvaneApp(Platform &platform, const QString &serviceAddress,
+                       const WindowEngine::Maker &makeWindowEngine)
     : m_leftRecordings(platform.folders, platform.clock),
       m_host(platform, serviceAddress),
       m_mainMenuKeys(m_mainMenu),
-      m_windows(m_host, platform,
+      m_windows(m_host, platform, makeWindowEngine,
                 {.installMainMenu = [this] { m_mainMenu.installIfNeeded(); },
                  .cancelShortcutCapture = [this] { m_host.hotkeyRecorder().cancel(); }}),
       m_settings(

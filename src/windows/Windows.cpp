@@ -3,18 +3,19 @@
 #include "app/Host.h"
 #include "platform/Platform.h"
 
-Windows::Windows(Host &host, Platform &platform, Hooks hooks)
+Windows::Windows(Host &host, Platform &platform, const WindowEngine::Maker &makeEngine, Hooks hooks)
     : m_host(host),
       m_platform(platform),
       m_forms(host, platform, [this] { openSettings(); }),
       m_dashboard({.activation = platform.activation,
                    .appearance = platform.appearance,
                    .graphics = platform.graphics,
+                   .makeEngine = makeEngine,
                    .models = [this] { return models(); },
                    .shownChanged = [this](bool shown) { m_screens->setShown(shown); },
                    .installMainMenu = std::move(hooks.installMainMenu),
                    .cancelShortcutCapture = std::move(hooks.cancelShortcutCapture)}),
-      m_settings(platform.appearance, platform.graphics, m_forms.settings())
+      m_settings(platform.appearance, platform.graphics, makeEngine, m_forms.settings())
 {
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "dashboard/DashboardNavigation.h"
-#include "dashboard/window/DashboardWindowController.h"
-#include "dashboard/window/SettingsWindow.h"
 #include "windows/DashboardScreens.h"
+#include "windows/DashboardWindowController.h"
 #include "windows/FormScreens.h"
+#include "windows/SettingsWindow.h"
 
 #include <functional>
 #include <optional>
@@ -23,7 +23,7 @@ public:
         /// No shortcut is being chosen any more.
         std::function<void()> cancelShortcutCapture = [] {};
     };
-    Windows(Host &host, Platform &platform, Hooks hooks);
+    Windows(Host &host, Platform &platform, const WindowEngine::Maker &makeEngine, Hooks hooks);
 
     /// Opens the dashboard where the user left it, or brings it to the front.
     void openDashboard() { m_dashboard.show(); }

@@ -20,11 +20,11 @@ private Q_SLOTS:
         int cancelled = 0;
         int menus = 0;
         Host host(machine.platform, u"https://service.test"_s);
-        Windows windows(host, machine.platform,
+        Windows windows(host, machine.platform, &Stage::makeEngine,
                         {.installMainMenu = [&] { ++menus; }, .cancelShortcutCapture = [&] { ++cancelled; }});
         QVERIFY(!windows.dashboard().window());
         windows.openDashboard();
-        QQuickWindow &window = *windows.dashboard().window();
+        QWindow &window = *windows.dashboard().window();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
         QCOMPARE(window.title(), u"Sayvane"_s);
         QCOMPARE(window.size(), QSize(960, 640));

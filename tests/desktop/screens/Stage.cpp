@@ -1,5 +1,6 @@
 #include "desktop/screens/Stage.h"
 
+#include "dashboard/window/QuickWindowEngine.h"
 #include "history/HistoryFile.h"
 #include "support/AtomicFile.h"
 
@@ -42,6 +43,16 @@ Dictation dictation(int number, const QDateTime &date, const QString &text)
 
 } // namespace
 
+std::unique_ptr<WindowEngine> Stage::makeEngine(Appearance &appearance, const Graphics &graphics)
+{
+    return std::make_unique<QuickWindowEngine>(appearance, graphics);
+}
+
+QQuickWindow &Stage::quick(QWindow &window)
+{
+    return *qobject_cast<QQuickWindow *>(&window);
+}
+
 Stage::Stage()
 {
     machine.secrets.items.insert(u"sayvane_session"_s, "svs_token");
@@ -79,7 +90,7 @@ Host &Stage::host()
 Windows &Stage::windows()
 {
     if (!m_windows)
-        m_windows = std::make_unique<Windows>(host(), machine.platform, Windows::Hooks{});
+        m_windows = std::make_unique<Windows>(host(), machine.platform, &makeEngine, Windows::Hooks{});
     return *m_windows;
 }
 
@@ -87,7 +98,7 @@ QQuickWindow &Stage::open(DashboardSection section, const QSize &size)
 {
     windows().navigation().setSection(section);
     windows().openDashboard();
-    QQuickWindow &window = *windows().dashboard().window();
+    QQuickWindow &window = quick(*windows().dashboard().window());
     window.resize(size);
     if (!QTest::qWaitForWindowExposed(&window))
         qFatal("The window did not appear.");

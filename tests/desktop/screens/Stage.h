@@ -8,6 +8,8 @@
 
 #include <memory>
 
+class QQuickWindow;
+
 /// A whole program with its windows over a fake machine. Set the scene, then open.
 class Stage
 {
@@ -24,6 +26,9 @@ public:
     Windows &windows();
     /// The dashboard with a section in front, exposed.
     QQuickWindow &open(DashboardSection section, const QSize &size = QSize(960, 640));
+
+    static std::unique_ptr<WindowEngine> makeEngine(Appearance &appearance, const Graphics &graphics);
+    static QQuickWindow &quick(QWindow &window);
 
     FakeMachine machine;
 

@@ -1,4 +1,4 @@
-#include "dashboard/window/WindowEngine.h"
+#include "dashboard/window/QuickWindowEngine.h"
 #include "desktop/screens/Scene.h"
 
 #include <QDir>
@@ -27,7 +27,7 @@ bool gallery(const QDir &folder, bool dark)
     FakeAppearance appearance;
     appearance.wanted.scheme = dark ? ColorScheme::dark : ColorScheme::light;
     const FakeGraphics graphics;
-    WindowEngine engine(appearance, graphics);
+    QuickWindowEngine engine(appearance, graphics);
     QStringList symbols;
     for (const QString &file : QDir(u":/icons"_s).entryList())
         symbols.append(file.chopped(4));
@@ -35,7 +35,7 @@ bool gallery(const QDir &folder, bool dark)
     window->resize(1000, 980);
     window->show();
     return QTest::qWaitForWindowExposed(window.get()) &&
-           picture(*window, folder.filePath(dark ? u"gallery-dark.png"_s : u"gallery.png"_s));
+           picture(Stage::quick(*window), folder.filePath(dark ? u"gallery-dark.png"_s : u"gallery.png"_s));
 }
 
 bool show(const Scene &scene, const QDir &folder)

@@ -1,14 +1,16 @@
-#include "dashboard/window/SettingsWindow.h"
+#include "windows/SettingsWindow.h"
 
 #include "settings/screen/SettingsForms.h"
 
-#include <QQuickWindow>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
-SettingsWindow::SettingsWindow(Appearance &appearance, const Graphics &graphics, SettingsForms &forms)
+SettingsWindow::SettingsWindow(Appearance &appearance, const Graphics &graphics,
+                               WindowEngine::Maker makeEngine, SettingsForms &forms)
     : m_appearance(appearance),
       m_graphics(graphics),
+      m_makeEngine(std::move(makeEngine)),
       m_forms(forms)
 {
 }
@@ -27,7 +29,7 @@ void SettingsWindow::show()
 
 void SettingsWindow::make()
 {
-    m_engine = std::make_unique<WindowEngine>(m_appearance, m_graphics);
+    m_engine = m_makeEngine(m_appearance, m_graphics);
     m_window =
         m_engine->makeWindow(u"settings/SettingsWindow"_s, {{u"forms"_s, QVariant::fromValue(&m_forms)}});
     // While it tells that it was closed the window is still in use.

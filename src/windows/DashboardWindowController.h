@@ -1,7 +1,7 @@
 #pragma once
 
-#include "dashboard/window/WindowCloseObserver.h"
-#include "dashboard/window/WindowEngine.h"
+#include "windows/WindowCloseObserver.h"
+#include "windows/WindowEngine.h"
 
 #include <QVariantMap>
 
@@ -12,8 +12,6 @@
 class Activation;
 class Appearance;
 class Graphics;
-class QQuickWindow;
-class QWindow;
 
 /// The program's one ordinary window: made when it is first shown, hidden when it is closed.
 class DashboardWindowController
@@ -24,6 +22,7 @@ public:
         Activation &activation;
         Appearance &appearance;
         Graphics &graphics;
+        WindowEngine::Maker makeEngine;
         /// The models of the screens by the window's property names; asked for when the window is made.
         std::function<QVariantMap()> models;
         /// The window is about to be shown, or closes.
@@ -40,7 +39,7 @@ public:
     void show();
 
     /// None before it is first shown.
-    QQuickWindow *window() const { return m_window.get(); }
+    QWindow *window() const { return m_window.get(); }
 
     /// Whether another ordinary window than this is showing: one with a title that can become the main
     /// one. Panels, menus and the like are none.
@@ -52,6 +51,6 @@ private:
 
     Needs m_needs;
     std::unique_ptr<WindowEngine> m_engine;
-    std::unique_ptr<QQuickWindow> m_window;
+    std::unique_ptr<QWindow> m_window;
     std::optional<WindowCloseObserver> m_closeObserver;
 };

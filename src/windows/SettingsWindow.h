@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dashboard/window/WindowEngine.h"
+#include "windows/WindowEngine.h"
 
 #include <QObject>
 
@@ -8,7 +8,6 @@
 
 class Appearance;
 class Graphics;
-class QQuickWindow;
 class SettingsForms;
 
 /// The settings in a window of their own. Nothing of it is kept while it is closed.
@@ -16,14 +15,15 @@ class SettingsWindow final : public QObject
 {
     Q_OBJECT
 public:
-    SettingsWindow(Appearance &appearance, const Graphics &graphics, SettingsForms &forms);
+    SettingsWindow(Appearance &appearance, const Graphics &graphics, WindowEngine::Maker makeEngine,
+                   SettingsForms &forms);
     ~SettingsWindow() override;
 
     /// Opens the window, or brings it to the front.
     void show();
 
     /// None while it is closed.
-    QQuickWindow *window() const { return m_window.get(); }
+    QWindow *window() const { return m_window.get(); }
 
 private:
     void make();
@@ -31,7 +31,8 @@ private:
 
     Appearance &m_appearance;
     const Graphics &m_graphics;
+    WindowEngine::Maker m_makeEngine;
     SettingsForms &m_forms;
     std::unique_ptr<WindowEngine> m_engine;
-    std::unique_ptr<QQuickWindow> m_window;
+    std::unique_ptr<QWindow> m_window;
 };

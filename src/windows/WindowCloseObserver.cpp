@@ -1,4 +1,4 @@
-#include "dashboard/window/WindowCloseObserver.h"
+#include "windows/WindowCloseObserver.h"
 
 #include <QEvent>
 #include <QGuiApplication>

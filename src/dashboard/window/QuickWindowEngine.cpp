@@ -1,4 +1,4 @@
-#include "dashboard/window/WindowEngine.h"
+#include "dashboard/window/QuickWindowEngine.h"
 
 #include "platform/Graphics.h"
 
@@ -36,7 +36,7 @@ void chooseDrawing(const Graphics &graphics)
 
 } // namespace
 
-WindowEngine::WindowEngine(Appearance &appearance, const Graphics &graphics) : m_theme(appearance)
+QuickWindowEngine::QuickWindowEngine(Appearance &appearance, const Graphics &graphics) : m_theme(appearance)
 {
     [[maybe_unused]] static const bool once = (chooseDrawing(graphics), true);
     keepModule();
@@ -44,19 +44,24 @@ WindowEngine::WindowEngine(Appearance &appearance, const Graphics &graphics) : m
     m_engine.setProperty("theme", QVariant::fromValue(&m_theme));
 }
 
-WindowEngine::~WindowEngine() = default;
+QuickWindowEngine::~QuickWindowEngine() = default;
 
-std::unique_ptr<QQuickWindow> WindowEngine::makeWindow(const QString &typeName, const QVariantMap &properties)
+std::unique_ptr<QWindow> QuickWindowEngine::makeWindow(const QString &typeName, const QVariantMap &properties)
 {
     QQmlComponent component(&m_engine, QUrl(u"qrc:/qml/Sayvane/pages/%1.qml"_s.arg(typeName)));
     std::unique_ptr<QObject> object(component.isReady() ? component.createWithInitialProperties(properties)
                                                         : nullptr);
-    if (!object || !qobject_cast<QQuickWindow *>(object.get()))
+    auto *const window = qobject_cast<QQuickWindow *>(object.get());
+    if (!window)
         qFatal("The window could not be made: %s", qPrintable(component.errorString()));
-    return std::unique_ptr<QQuickWindow>(static_cast<QQuickWindow *>(object.release()));
+    // A hidden window keeps nothing of what it drew.
+    window->setPersistentGraphics(false);
+    window->setPersistentSceneGraph(false);
+    object.release();
+    return std::unique_ptr<QWindow>(window);
 }
 
-void WindowEngine::tidyLater()
+void QuickWindowEngine::tidyLater()
 {
     // Objects that are on their way out go first.
     const auto tidy = [this] {

@@ -1,9 +1,8 @@
-#include "dashboard/window/DashboardWindowController.h"
+#include "windows/DashboardWindowController.h"
 
 #include "platform/Activation.h"
 
 #include <QGuiApplication>
-#include <QQuickWindow>
 #include <QScreen>
 
 #include <algorithm>
@@ -64,11 +63,8 @@ void DashboardWindowController::show()
 
 void DashboardWindowController::make()
 {
-    m_engine = std::make_unique<WindowEngine>(m_needs.appearance, m_needs.graphics);
+    m_engine = m_needs.makeEngine(m_needs.appearance, m_needs.graphics);
     m_window = m_engine->makeWindow(u"DashboardWindow"_s, m_needs.models());
-    // A hidden window keeps nothing of what it drew.
-    m_window->setPersistentGraphics(false);
-    m_window->setPersistentSceneGraph(false);
     centre(*m_window);
     if (!m_closeObserver)
         m_closeObserver.emplace([this](QWindow *window) { closing(window); });
