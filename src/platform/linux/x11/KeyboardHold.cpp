@@ -40,11 +40,16 @@ void KeyboardHold::pass()
         take();
 }
 
-void KeyboardHold::swallowRest(xcb_keycode_t key)
+void KeyboardHold::swallowRest(const X11Keyboard::Keys &keys)
 {
-    if (key == 0 || m_swallowed[key] || !m_keyboard.keysDown()[key])
+    const X11Keyboard::Keys fresh = keys & ~m_swallowed;
+    if (fresh.none())
         return;
-    swallowPress(key);
+    const X11Keyboard::Keys held = fresh & m_keyboard.keysDown();
+    for (size_t key = 0; key < held.size(); ++key) {
+        if (held[key])
+            swallowPress(static_cast<xcb_keycode_t>(key));
+    }
 }
 
 void KeyboardHold::take()

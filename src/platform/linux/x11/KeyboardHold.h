@@ -22,8 +22,8 @@ public:
     void swallowRelease(xcb_keycode_t key);
     void pass();
 
-    /// Swallows the rest of a press that happened before the key was watched, if the key is still down.
-    void swallowRest(xcb_keycode_t key);
+    /// Swallows the rest of presses that happened before the keys were watched, of those still down.
+    void swallowRest(const X11Keyboard::Keys &keys);
 
 private:
     void take();

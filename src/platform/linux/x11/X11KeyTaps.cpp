@@ -78,10 +78,13 @@ bool X11KeyTaps::regrab(const QList<KeyChord> &chords)
     }
     m_refused = refused;
     // A key that is down already, as when it was just chosen for a shortcut, has not been pressed for us.
+    X11Keyboard::Keys fresh;
     for (const KeyChord &chord : std::as_const(wanted)) {
-        if (!m_watched.contains(chord) && !refused.contains(chord))
-            m_hold.swallowRest(KeyPositions::xKeycode(chord.keyCode));
+        const xcb_keycode_t key = KeyPositions::xKeycode(chord.keyCode);
+        if (key != 0 && !m_watched.contains(chord) && !refused.contains(chord))
+            fresh.set(key);
     }
+    m_hold.swallowRest(fresh);
     m_watched = wanted;
     return std::ranges::none_of(chords, [&](const KeyChord &chord) { return refused.contains(chord); });
 }
