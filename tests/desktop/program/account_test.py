@@ -80,7 +80,7 @@ class AccountTest(ScreenReaderCase):
 
     def wheel(self, direction):
         """To the end of the page; what lies beyond its edges is there for no screen reader."""
-        xdotool("mousemove", "--sync", 500, 400, "click", "--repeat", 40, "--delay", 5, 5 if direction == "down" else 4)
+        xdotool("mousemove", 500, 400, "click", "--repeat", 40, "--delay", 5, 5 if direction == "down" else 4)
 
     def absent(self, name):
         eventually(lambda: not [each for each in self.walk() if each.name == name], f"no {name!r}")

@@ -89,7 +89,7 @@ class ScreenReaderCase(unittest.TestCase):
         item = self.named(name, role)
         box = eventually(lambda: (lambda e: e if e.width > 0 else None)(
             item.queryComponent().getExtents(self.spi.DESKTOP_COORDS)), f"place of {name}")
-        xdotool("mousemove", "--sync", box.x + box.width // 2, box.y + box.height // 2)
+        xdotool("mousemove", box.x + box.width // 2, box.y + box.height // 2)
 
     def click(self, name, role=None):
         self.point(name, role)
