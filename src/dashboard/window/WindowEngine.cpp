@@ -1,5 +1,6 @@
 #include "dashboard/window/WindowEngine.h"
 
+#include "dashboard/window/AccessibleItem.h"
 #include "platform/Graphics.h"
 
 #include <QOpenGLContext>
@@ -40,6 +41,7 @@ WindowEngine::WindowEngine(Appearance &appearance, const Graphics &graphics) : m
 {
     [[maybe_unused]] static const bool once = (chooseDrawing(graphics), true);
     keepModule();
+    AccessibleItem::install();
     m_engine.addImportPath(u"qrc:/qml"_s);
     m_engine.setProperty("theme", QVariant::fromValue(&m_theme));
 }

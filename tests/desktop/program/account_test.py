@@ -73,11 +73,6 @@ class AccountTest(ScreenReaderCase):
         self.focus(name, role)
         xdotool("key", "space")
 
-    def segment(self, name):
-        """The role that a choice of a few has: Qt tells them as radio buttons or as push buttons."""
-        return eventually(lambda: [each.getRoleName() for each in self.walk()
-                                   if each.name == name and each.getRoleName().endswith(" button")], name)[-1]
-
     def wheel(self, direction):
         """To the end of the page; what lies beyond its edges is there for no screen reader."""
         xdotool("mousemove", 500, 400, "click", "--repeat", 40, "--delay", 5, 5 if direction == "down" else 4)
@@ -192,7 +187,9 @@ class AccountTest(ScreenReaderCase):
             self.click("Labs", "list item")
             self.named("Labs is not offered on this server right now.")
             self.write("Your question", "Is anybody there?")
-            for name in ("Get answer", "Answer mode"):
+            expected = {"Get answer": "push button, disabled", "Answer mode": "check box, disabled"}
+            self.assertEqual(self.told(expected), expected)
+            for name in expected:
                 self.click(name)
             self.assertFalse(self.status()["answerMode"])
             self.service.terminate()
@@ -201,9 +198,9 @@ class AccountTest(ScreenReaderCase):
                 "SAYVANE_LABS_CLAUDE_ADDRESS": f"{self.assistant.address}/chat/completions",
                 "SAYVANE_LABS_CLAUDE_MODEL": "big-model", "SAYVANE_LABS_CLAUDE_KEY": "letmein"})
             self.press("Try again")
-            self.segment("Claude")
-            self.assertEqual((self.assistant.questions, self.named("Answer mode").getState().contains(
-                self.spi.STATE_CHECKED)), ([], False))
+            expected = {"Claude": "radio button, checked", "Answer mode": "check box", "Get answer": "push button"}
+            eventually(lambda: self.told(expected) == expected, "an assistant to choose")
+            self.assertEqual(self.assistant.questions, [])
 
         with self.subTest("the three modes"):
             for mode, prompt, label, material in (
@@ -211,7 +208,7 @@ class AccountTest(ScreenReaderCase):
                     ("Reply", "How to reply", "Paste the message you are replying to", "<message>"),
                     ("Rewrite", "How to rewrite it", "Paste the text to rewrite", "<text>")):
                 self.wheel("up")
-                self.press(mode, self.segment(mode))
+                self.press(mode, "radio button")
                 if label:
                     self.write(label, f"Old {mode}")
                 self.write(prompt, f"Please {mode}")
@@ -219,6 +216,8 @@ class AccountTest(ScreenReaderCase):
                 self.press("Get answer", "push button")
                 eventually(lambda: self.text_of("Answer") == f"Said in {mode}.", f"the answer in {mode}")
                 self.named("Claude · big-model-2")
+                expected = {each: "radio button" + ", checked" * (each == mode) for each in ("Reply", "Rewrite")}
+                self.assertEqual(self.told(expected), expected)
                 sent = self.question()
                 self.assertTrue(sent.endswith(f"Please {mode}"), sent)
                 self.assertEqual(f"{material}\nOld {mode}\n" in sent, material is not None, sent)
@@ -242,7 +241,7 @@ class AccountTest(ScreenReaderCase):
 
         with self.subTest("a spoken question, and an assistant that fails"):
             self.wheel("up")
-            self.press("Answer", self.segment("Answer"))
+            self.press("Answer", "radio button")
             self.assistant.spoken = "why is the sky blue"
             self.press("Dictate prompt", "push button")
             self.speak()

@@ -12,6 +12,8 @@ import unittest
 
 PROGRAM = sys.argv[1]
 HOME = pathlib.Path.home()
+SPEAKING = {"push button", "entry", "text", "password text", "list item", "check box", "radio button", "link",
+            "combo box"}
 PREFERENCES = HOME / ".config/sayvane-test/preferences.json"
 
 
@@ -109,5 +111,16 @@ class ScreenReaderCase(unittest.TestCase):
         eventually(lambda: item.getState().contains(self.spi.STATE_FOCUSED), f"the keyboard at {name}")
 
     def nameless(self):
-        speaking = {"push button", "entry", "text", "list item", "check box", "radio button", "link", "combo box"}
-        return [each.getRoleName() for each in self.walk() if each.getRoleName() in speaking and not each.name]
+        return [each.getRoleName() for each in self.walk() if each.getRoleName() in SPEAKING and not each.name]
+
+    def told(self, expected):
+        """What is told of the parts with the names of `expected`, as it is there: the role, then its state."""
+        found = {}
+        for each in self.walk(hidden=True):
+            if each.name in expected and each.getRoleName() in SPEAKING:
+                states = each.getState()
+                words = [word for word in ("checked", "selected", "expanded", "collapsed", "multi line", "editable")
+                         if states.contains(getattr(self.spi, "STATE_" + word.upper().replace(" ", "_")))]
+                able = states.contains(self.spi.STATE_ENABLED) and states.contains(self.spi.STATE_SENSITIVE)
+                found[each.name] = ", ".join([each.getRoleName(), *words] + ([] if able else ["disabled"]))
+        return found

@@ -23,10 +23,7 @@ class SettingsTest(ScreenReaderCase):
                               capture_output=True, check=False).stdout.decode()
 
     def type_key(self, key):
-        field = eventually(lambda: [each for each in self.walk() if each.getRoleName() == "password text"], "a field")[0]
-        self.assertIn("Groq API key, ", field.description)
-        field.queryComponent().grabFocus()
-        eventually(lambda: field.getState().contains(self.spi.STATE_FOCUSED), "the keyboard at the key")
+        self.focus("Groq API key", "password text")
         xdotool("key", "ctrl+a")
         xdotool("type", key)
         xdotool("key", "Return")
@@ -60,12 +57,27 @@ class SettingsTest(ScreenReaderCase):
             self.named("⌃F5: tap once to start listening, tap again to stop and paste.")
             self.assertIn('"keyCode":96', stored(PREFERENCES)["hotkeySpec"])
 
-        with self.subTest("everything has a name"):
+        with self.subTest("everything has its name, its role and its state"):
             self.assertEqual(self.nameless(), [])
+            expected = {
+                "Settings": "list item, selected", "Labs": "list item", "Email address": "text, editable",
+                "Send code": "push button, disabled", "Advanced: bring your own API key": "push button, expanded",
+                "Sayvane": "radio button", "Groq": "radio button, checked", "OpenAI": "radio button",
+                "Groq API key": "password text, editable", "Get a key": "link", "Save key": "push button",
+                "Apply": "push button, disabled", "Show dashboard on launch": "check box, checked",
+                "Spoken language": "combo box, collapsed",
+                "Custom vocabulary: names, brands, jargon (comma separated)": "text, multi line, editable"}
+            self.assertEqual(self.told(expected), expected)
+            self.focus("Service URL", "text")
+            xdotool("type", "s")
+            self.focus("Advanced: bring your own API key", "push button")
+            expected = {"Apply": "push button", "Advanced: bring your own API key": "push button, collapsed"}
+            xdotool("key", "space")
+            eventually(lambda: self.told(expected) == expected, "what has changed")
             self.click("Labs", "list item")
             self.named("Labs needs a Sayvane account. Sign in under Settings.")
             self.click("Open Settings", "push button")
-            self.named("Shortcut", "heading")
+            eventually(lambda: self.told({"Settings"}) == {"Settings": "list item, selected"}, "the settings")
 
 
 if __name__ == "__main__":

@@ -17,6 +17,7 @@ T.Control {
     implicitHeight: 84
     opacity: enabled ? 1 : Theme.disabledOpacity
     hoverEnabled: true
+    Accessible.ignored: true
 
     background: FieldFrame {
         focused: editor.activeFocus
