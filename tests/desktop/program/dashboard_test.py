@@ -8,9 +8,8 @@ import subprocess
 import sys
 import unittest
 
-from screen_reader import HOME, PREFERENCES, ScreenReaderCase, eventually, stored, xdotool
+from screen_reader import HISTORY, PREFERENCES, ScreenReaderCase, eventually, stored, xdotool
 
-HISTORY = HOME / ".local/share/sayvane-test/Sayvane/history.json"
 TEXTS = ["Call the plumber tomorrow.", "Send the draft.", "The plumber came.", "Nothing else today."]
 
 

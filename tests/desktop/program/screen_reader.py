@@ -14,6 +14,8 @@ PROGRAM = sys.argv[1]
 HOME = pathlib.Path.home()
 SPEAKING = {"push button", "entry", "text", "password text", "list item", "check box", "radio button", "link",
             "combo box"}
+CLIP = "/usr/share/pocketsphinx/test/data/librivox/sense_and_sensibility_01_austen_64kb-0880.wav"
+HISTORY = HOME / ".local/share/sayvane-test/Sayvane/history.json"
 PREFERENCES = HOME / ".config/sayvane-test/preferences.json"
 
 
@@ -109,6 +111,39 @@ class ScreenReaderCase(unittest.TestCase):
         item = eventually(look, f"{role or 'something'} called {name!r}")[-1]
         item.queryComponent().grabFocus()
         eventually(lambda: item.getState().contains(self.spi.STATE_FOCUSED), f"the keyboard at {name}")
+
+    def status(self):
+        return json.loads(subprocess.run([PROGRAM, "--profile", "test", "status", "--json"], stdout=subprocess.PIPE,
+                                         check=True).stdout)
+
+    def press(self, name, role=None):
+        self.focus(name, role)
+        xdotool("key", "space")
+
+    def absent(self, name):
+        eventually(lambda: not [each for each in self.walk() if each.name == name], f"no {name!r}")
+
+    def activate(self, title):
+        def active():
+            found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title], capture_output=True,
+                                   check=False, text=True).stdout.split()
+            if not found:
+                return False
+            xdotool("windowactivate", found[-1])
+            return subprocess.run(["xdotool", "getactivewindow"], capture_output=True, check=False,
+                                  text=True).stdout.split() == found[-1:]
+        eventually(active, f"the window {title}")
+
+    def speak(self):
+        eventually(lambda: self.status()["state"] == "recording", "recording")
+        subprocess.run(["paplay", "--device=speaker", CLIP], check=True, timeout=30)
+
+    def speak_between(self, *keys):
+        """Dictates with the shortcut that these words press."""
+        xdotool(*keys)
+        self.speak()
+        xdotool(*keys)
+        eventually(lambda: self.status()["state"] == "idle", "the end")
 
     def nameless(self):
         return [each.getRoleName() for each in self.walk() if each.getRoleName() in SPEAKING and not each.name]

@@ -7,16 +7,27 @@ import subprocess
 import sys
 import unittest
 
-from screen_reader import PREFERENCES, ScreenReaderCase, eventually, stored, xdotool
+from provider import Provider
+from screen_reader import HISTORY, HOME, PREFERENCES, ScreenReaderCase, eventually, stored, xdotool
+
+DIARY = "Dear diary, today was fine."
 
 
 class SettingsTest(ScreenReaderCase):
-    environment = {"https_proxy": "http://127.0.0.1:9"}  # nobody is to be reached from here
-
     @classmethod
     def prepare(cls):
+        cls.provider = Provider("api.groq.com", "gsk_desktop1234",
+                                ["llama-guard-4-12b", "whisper-large-v3", "openai/gpt-oss-120b"], HOME)
+        cls.environment = {"HTTPS_PROXY": f"http://127.0.0.1:{cls.provider.server_port}",
+                           "SSL_CERT_FILE": str(cls.provider.certificate)}
         PREFERENCES.parent.mkdir(parents=True)
         PREFERENCES.write_text('{"provider": "groq", "showDashboardOnLaunch": true}')
+
+    @classmethod
+    def tearDownClass(cls):
+        super().tearDownClass()
+        cls.provider.shutdown()
+        cls.provider.server_close()
 
     def keyring(self):
         return subprocess.run(["secret-tool", "lookup", "service", "com.sayvane.app", "account", "groq_api_key"],
@@ -35,15 +46,27 @@ class SettingsTest(ScreenReaderCase):
             self.named("This looks like a OpenAI key. Switch Provider to OpenAI or paste a Groq key.")
             self.assertEqual(self.keyring(), "")
 
+        with self.subTest("a key that is refused"):
+            self.type_key("gsk_refused99")
+            self.named("Key saved")
+            self.named("Groq: API key rejected. Check it in Settings.")
+            self.assertEqual(self.named("Groq API key", "password text").description,
+                             "Key saved (gsk_…ed99). Enter a new key to replace it")
+
         with self.subTest("a key, and its removal"):
             self.type_key("gsk_desktop1234")
-            self.named("Key saved")
-            self.assertEqual(self.keyring(), "gsk_desktop1234")
+            self.named("Connected to Groq: 3 models available")
+            self.named("Transcription model updated to whisper-large-v3. In use: whisper-large-v3 for transcription, "
+                       "openai/gpt-oss-120b for cleanup.")
+            self.absent("Groq: API key rejected. Check it in Settings.")
+            self.assertEqual((self.keyring(), stored(PREFERENCES)["transcriptionModel"]),
+                             ("gsk_desktop1234", "whisper-large-v3"))
+            self.absent("Add a transcription key under Settings, Advanced")
             self.focus("Remove key", "push button")  # the page moves up when the banner goes
             xdotool("key", "space")
             self.named("Remove the Groq key?")
             xdotool("key", "Return")  # Cancel has the keyboard
-            eventually(lambda: not [each for each in self.walk() if each.name == "Remove the Groq key?"], "no question")
+            self.absent("Remove the Groq key?")
             self.assertEqual(self.keyring(), "gsk_desktop1234")
 
         with self.subTest("a shortcut"):
@@ -56,6 +79,25 @@ class SettingsTest(ScreenReaderCase):
             xdotool("key", "ctrl+F5")
             self.named("⌃F5: tap once to start listening, tap again to stop and paste.")
             self.assertIn('"keyCode":96', stored(PREFERENCES)["hotkeySpec"])
+
+        with self.subTest("a dictation with that key and that shortcut"):
+            note = HOME / "note.txt"
+            note.touch()
+            editor = subprocess.Popen(["mousepad", note])
+            self.addCleanup(editor.wait, 10)
+            self.addCleanup(editor.terminate)
+            self.provider.spoken, self.provider.answer = "um dear diary today was fine", DIARY
+            self.activate("note.txt")
+            self.speak_between("key", "ctrl+F5")
+
+            def written():
+                xdotool("key", "ctrl+s")
+                return note.read_text()
+            eventually(lambda: written() == DIARY, "the text in the editor")
+            record, = stored(HISTORY)
+            self.assertEqual((record["text"], record["rawText"], record["transcriptionModel"]),
+                             (DIARY, "um dear diary today was fine", "whisper-large-v3"))
+            self.activate("^Sayvane$")
 
         with self.subTest("everything has its name, its role and its state"):
             self.assertEqual(self.nameless(), [])
