@@ -73,7 +73,7 @@ class DashboardTest(ScreenReaderCase):
             self.assertEqual(self.nameless(), [])
 
         with self.subTest("close"):
-            xdotool("key", "alt+F4")
+            xdotool("key", "ctrl+w")
             eventually(lambda: not subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "^Sayvane$"],
                                                   capture_output=True, check=False).stdout, "a closed window")
             self.assertIsNone(self.program.poll())
