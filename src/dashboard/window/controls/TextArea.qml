@@ -36,7 +36,8 @@ T.Control {
         T.TextArea.flickable: T.TextArea {
             id: editor
 
-            padding: 4
+            padding: 6
+            leftPadding: 8
             rightPadding: 10
             wrapMode: TextEdit.Wrap
             textFormat: TextEdit.PlainText
