@@ -52,16 +52,20 @@ class DashboardTest(ScreenReaderCase):
             self.click("Clear history", "push button")
             self.named("Delete all 3 dictations?")
             xdotool("key", "Return")  # Cancel has the keyboard
-            eventually(lambda: not [each for each in self.walk() if each.name == "This cannot be undone."], "no question")
+            self.wait_for_focus("Clear history")
+            self.absent("This cannot be undone.")
             self.assertEqual(len(stored(HISTORY)), 3)
-            self.click("Clear history", "push button")
+            xdotool("key", "space")
             self.named("Delete all 3 dictations?")
             self.click("Clear history", "push button")
             eventually(lambda: stored(HISTORY) == [], "an empty history")
             self.named("Press Fn + Space anywhere to start.")
+            self.wait_for_focus("Search transcripts")
 
         with self.subTest("dictionary"):
-            self.click("Dictionary", "list item")
+            self.focus("Dictation", "list item")
+            xdotool("key", "Down", "Down")
+            self.wait_for_focus("Dictionary")
             self.click("Add a term")
             xdotool("type", "Bristol")
             xdotool("key", "Return")

@@ -145,6 +145,11 @@ class ScreenReaderCase(unittest.TestCase):
         xdotool(*keys)
         eventually(lambda: self.status()["state"] == "idle", "the end")
 
+    def wait_for_focus(self, name):
+        def there():
+            return [each.name for each in self.walk() if each.getState().contains(self.spi.STATE_FOCUSED)][-1:] == [name]
+        eventually(there, f"the keyboard at {name}")
+
     def nameless(self):
         return [each.getRoleName() for each in self.walk() if each.getRoleName() in SPEAKING and not each.name]
 
