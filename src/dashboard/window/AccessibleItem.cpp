@@ -1,6 +1,9 @@
 #include "dashboard/window/AccessibleItem.h"
 
+#include <QCoreApplication>
+#include <QKeyEvent>
 #include <QLibraryInfo>
+#include <QPointer>
 #include <QQuickItem>
 #include <QVersionNumber>
 #include <private/qquickaccessibleattached_p.h>
@@ -17,6 +20,21 @@ void announceEnabled(QQuickItem *item)
     changed.disabled = true;
     QAccessibleStateChangeEvent event(item, changed);
     QAccessible::updateAccessibility(&event);
+}
+
+bool isButton(const QQuickItem &item)
+{
+    return item.inherits("QQuickAbstractButton");
+}
+
+/// Buttons have no operation for it.
+void pressSpace(QPointer<QQuickItem> button)
+{
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        QKeyEvent event(type, Qt::Key_Space, Qt::NoModifier, u" "_s);
+        if (button)
+            QCoreApplication::sendEvent(button, &event);
+    }
 }
 
 QAccessibleInterface *interfaceFor(const QString &className, QObject *object)
@@ -73,4 +91,24 @@ QString AccessibleItem::text(QAccessible::Text kind) const
     if (kind == QAccessible::Name && text.isEmpty() && state().passwordEdit)
         return item()->property("label").toString();
     return text;
+}
+
+QStringList AccessibleItem::actionNames() const
+{
+    QStringList names = QAccessibleQuickItem::actionNames();
+    if (isButton(*item()) && !names.contains(pressAction()))
+        names.prepend(pressAction());
+    // The first is what is done where none is named.
+    if (names.removeAll(setFocusAction()) > 0)
+        names.append(setFocusAction());
+    return names;
+}
+
+void AccessibleItem::doAction(const QString &name)
+{
+    const bool presses = name == pressAction() || name == toggleAction();
+    if (!presses || !isButton(*item()))
+        QAccessibleQuickItem::doAction(name);
+    else if (item()->isEnabled())
+        pressSpace(item());
 }

@@ -3,7 +3,7 @@
 #include <private/qaccessiblequickitem_p.h>
 
 /// A part of a window for screen readers, with what Qt Quick leaves out: that it is disabled, whether it is
-/// open or closed (its property `expanded`), and the name of a field of dots.
+/// open or closed (its property `expanded`), the name of a field of dots, and that a button can be pressed.
 class AccessibleItem final : public QAccessibleQuickItem
 {
 public:
@@ -15,4 +15,6 @@ public:
     QAccessible::Role role() const override;
     QAccessible::State state() const override;
     QString text(QAccessible::Text kind) const override;
+    QStringList actionNames() const override;
+    void doAction(const QString &name) override;
 };

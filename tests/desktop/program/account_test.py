@@ -199,11 +199,11 @@ class AccountTest(ScreenReaderCase):
 
         with self.subTest("paste into last app"):
             self.wheel("down")
-            self.press("Paste into last app", "push button")
+            self.act("Paste into last app", "push button")
             eventually(lambda: subprocess.run(["xclip", "-o", "-selection", "clipboard"], capture_output=True, check=False,
                                               text=True).stdout == "Said in Rewrite.", "the copied answer")
             self.activate("note")  # a screen reader presses what is not in front
-            self.named("Paste into last app", "push button").queryAction().doAction(0)
+            self.act("Paste into last app", "push button")
             self.wait_for_line("Said in Rewrite.")
             # What the program owns can be pasted into its own windows, too.
             self.activate("^Sayvane$")

@@ -120,6 +120,12 @@ class ScreenReaderCase(unittest.TestCase):
         self.focus(name, role)
         xdotool("key", "space")
 
+    def act(self, name, role):
+        """What a screen reader does by itself, wherever the pointer and the keyboard are."""
+        action = self.named(name, role).queryAction()
+        self.assertEqual(action.getName(0), "Toggle" if role in ("check box", "radio button") else "Press")
+        action.doAction(0)
+
     def absent(self, name):
         eventually(lambda: not [each for each in self.walk() if each.name == name], f"no {name!r}")
 

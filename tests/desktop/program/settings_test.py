@@ -113,9 +113,15 @@ class SettingsTest(ScreenReaderCase):
             self.focus("Service URL", "text")
             xdotool("type", "s")
             self.focus("Advanced: bring your own API key", "push button")
-            expected = {"Apply": "push button", "Advanced: bring your own API key": "push button, collapsed"}
-            xdotool("key", "space")
+            self.act("Advanced: bring your own API key", "push button")
+            self.focus("Spoken language", "combo box")
+            self.act("Show dashboard on launch", "check box")
+            self.act("Spoken language", "combo box")
+            self.act("Hindi", "list item")
+            expected = {"Apply": "push button", "Advanced: bring your own API key": "push button, collapsed",
+                        "Show dashboard on launch": "check box", "Spoken language": "combo box, collapsed"}
             eventually(lambda: self.told(expected) == expected, "what has changed")
+            self.assertEqual([stored(PREFERENCES)[key] for key in ("showDashboardOnLaunch", "language")], [False, "hi"])
             self.click("Labs", "list item")
             self.named("Labs needs a Sayvane account. Sign in under Settings.")
             self.click("Open Settings", "push button")
