@@ -1,5 +1,6 @@
 #include "dashboard/window/QuickWindowEngine.h"
 
+#include "dashboard/window/AccessibleItem.h"
 #include "platform/Graphics.h"
 
 #include <QOpenGLContext>
@@ -40,6 +41,7 @@ QuickWindowEngine::QuickWindowEngine(Appearance &appearance, const Graphics &gra
 {
     [[maybe_unused]] static const bool once = (chooseDrawing(graphics), true);
     keepModule();
+    AccessibleItem::install();
     m_engine.addImportPath(u"qrc:/qml"_s);
     m_engine.setProperty("theme", QVariant::fromValue(&m_theme));
 }

@@ -16,12 +16,10 @@ import urllib.error
 import urllib.request
 
 from assistant import Assistant
-from screen_reader import HOME, PREFERENCES, PROGRAM, ScreenReaderCase, eventually, stored, xdotool
+from screen_reader import HISTORY, HOME, PREFERENCES, PROGRAM, ScreenReaderCase, eventually, stored, xdotool
 
 SERVICE = str(pathlib.Path(PROGRAM).with_name("sayvane-service"))
 DATA = HOME / "service"
-HISTORY = HOME / ".local/share/sayvane-test/Sayvane/history.json"
-CLIP = "/usr/share/pocketsphinx/test/data/librivox/sense_and_sensibility_01_austen_64kb-0880.wav"
 SIGN_IN = "Sign in under Settings to start dictating"
 
 
@@ -65,25 +63,9 @@ class AccountTest(ScreenReaderCase):
         return subprocess.run(["secret-tool", "lookup", "service", "com.sayvane.app", "account", "sayvane_session"],
                               capture_output=True, check=False, text=True).stdout
 
-    def status(self):
-        return json.loads(subprocess.run([PROGRAM, "--profile", "test", "status", "--json"], stdout=subprocess.PIPE,
-                                         check=True).stdout)
-
-    def press(self, name, role=None):
-        self.focus(name, role)
-        xdotool("key", "space")
-
-    def segment(self, name):
-        """The role that a choice of a few has: Qt tells them as radio buttons or as push buttons."""
-        return eventually(lambda: [each.getRoleName() for each in self.walk()
-                                   if each.name == name and each.getRoleName().endswith(" button")], name)[-1]
-
     def wheel(self, direction):
         """To the end of the page; what lies beyond its edges is there for no screen reader."""
-        xdotool("mousemove", "--sync", 500, 400, "click", "--repeat", 40, "--delay", 5, 5 if direction == "down" else 4)
-
-    def absent(self, name):
-        eventually(lambda: not [each for each in self.walk() if each.name == name], f"no {name!r}")
+        xdotool("mousemove", 500, 400, "click", "--repeat", 40, "--delay", 5, 5 if direction == "down" else 4)
 
     def write(self, name, text):
         self.focus(name)
@@ -94,27 +76,10 @@ class AccountTest(ScreenReaderCase):
         content = self.named(name).queryText()
         return content.getText(0, content.characterCount)
 
-    def activate(self, title):
-        def active():
-            found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title], capture_output=True,
-                                   check=False, text=True).stdout.split()
-            if not found:
-                return False
-            xdotool("windowactivate", found[-1])
-            return subprocess.run(["xdotool", "getactivewindow"], capture_output=True, check=False,
-                                  text=True).stdout.split() == found[-1:]
-        eventually(active, f"the window {title}")
-
-    def speak(self):
-        eventually(lambda: self.status()["state"] == "recording", "recording")
-        subprocess.run(["paplay", "--device=speaker", CLIP], check=True, timeout=30)
-
     def dictate(self, spoken, window):
         self.assistant.spoken = spoken
         self.activate(window)
-        for step in (self.speak, lambda: eventually(lambda: self.status()["state"] == "idle", "the end")):
-            xdotool("keydown", "super", "key", "space", "keyup", "super")
-            step()
+        self.speak_between("keydown", "super", "key", "space", "keyup", "super")
 
     def wait_for_line(self, text):
         """The text is what was last pasted into the terminal."""
@@ -192,7 +157,9 @@ class AccountTest(ScreenReaderCase):
             self.click("Labs", "list item")
             self.named("Labs is not offered on this server right now.")
             self.write("Your question", "Is anybody there?")
-            for name in ("Get answer", "Answer mode"):
+            expected = {"Get answer": "push button, disabled", "Answer mode": "check box, disabled"}
+            self.assertEqual(self.told(expected), expected)
+            for name in expected:
                 self.click(name)
             self.assertFalse(self.status()["answerMode"])
             self.service.terminate()
@@ -201,9 +168,9 @@ class AccountTest(ScreenReaderCase):
                 "SAYVANE_LABS_CLAUDE_ADDRESS": f"{self.assistant.address}/chat/completions",
                 "SAYVANE_LABS_CLAUDE_MODEL": "big-model", "SAYVANE_LABS_CLAUDE_KEY": "letmein"})
             self.press("Try again")
-            self.segment("Claude")
-            self.assertEqual((self.assistant.questions, self.named("Answer mode").getState().contains(
-                self.spi.STATE_CHECKED)), ([], False))
+            expected = {"Claude": "radio button, checked", "Answer mode": "check box", "Get answer": "push button"}
+            eventually(lambda: self.told(expected) == expected, "an assistant to choose")
+            self.assertEqual(self.assistant.questions, [])
 
         with self.subTest("the three modes"):
             for mode, prompt, label, material in (
@@ -211,7 +178,7 @@ class AccountTest(ScreenReaderCase):
                     ("Reply", "How to reply", "Paste the message you are replying to", "<message>"),
                     ("Rewrite", "How to rewrite it", "Paste the text to rewrite", "<text>")):
                 self.wheel("up")
-                self.press(mode, self.segment(mode))
+                self.press(mode, "radio button")
                 if label:
                     self.write(label, f"Old {mode}")
                 self.write(prompt, f"Please {mode}")
@@ -219,6 +186,8 @@ class AccountTest(ScreenReaderCase):
                 self.press("Get answer", "push button")
                 eventually(lambda: self.text_of("Answer") == f"Said in {mode}.", f"the answer in {mode}")
                 self.named("Claude · big-model-2")
+                expected = {each: "radio button" + ", checked" * (each == mode) for each in ("Reply", "Rewrite")}
+                self.assertEqual(self.told(expected), expected)
                 sent = self.question()
                 self.assertTrue(sent.endswith(f"Please {mode}"), sent)
                 self.assertEqual(f"{material}\nOld {mode}\n" in sent, material is not None, sent)
@@ -230,19 +199,19 @@ class AccountTest(ScreenReaderCase):
 
         with self.subTest("paste into last app"):
             self.wheel("down")
-            self.press("Paste into last app", "push button")
-            eventually(lambda: subprocess.run(["xclip", "-o", "-selection", "clipboard"], capture_output=True, check=False,
-                                              text=True).stdout == "Said in Rewrite.", "the copied answer")
-            # What the program owns can be pasted into its own windows, too.
+            self.activate("note")  # a screen reader presses what is not in front
+            self.act("Paste into last app", "push button")
+            self.wait_for_line("Said in Rewrite.")
+            # It is copied, too, and what the program owns can be pasted into its own windows.
+            self.activate("^Sayvane$")
             self.wheel("up")
             self.focus("How to rewrite it")
             xdotool("key", "ctrl+a", "ctrl+v")
             eventually(lambda: self.text_of("How to rewrite it") == "Said in Rewrite.", "the pasted answer")
-            self.activate("^Sayvane$")
 
         with self.subTest("a spoken question, and an assistant that fails"):
             self.wheel("up")
-            self.press("Answer", self.segment("Answer"))
+            self.press("Answer", "radio button")
             self.assistant.spoken = "why is the sky blue"
             self.press("Dictate prompt", "push button")
             self.speak()

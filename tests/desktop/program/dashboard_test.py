@@ -8,9 +8,8 @@ import subprocess
 import sys
 import unittest
 
-from screen_reader import HOME, PREFERENCES, ScreenReaderCase, eventually, stored, xdotool
+from screen_reader import HISTORY, PREFERENCES, ScreenReaderCase, eventually, stored, xdotool
 
-HISTORY = HOME / ".local/share/sayvane-test/Sayvane/history.json"
 TEXTS = ["Call the plumber tomorrow.", "Send the draft.", "The plumber came.", "Nothing else today."]
 
 
@@ -53,16 +52,20 @@ class DashboardTest(ScreenReaderCase):
             self.click("Clear history", "push button")
             self.named("Delete all 3 dictations?")
             xdotool("key", "Return")  # Cancel has the keyboard
-            eventually(lambda: not [each for each in self.walk() if each.name == "This cannot be undone."], "no question")
+            self.wait_for_focus("Clear history")
+            self.absent("This cannot be undone.")
             self.assertEqual(len(stored(HISTORY)), 3)
-            self.click("Clear history", "push button")
+            xdotool("key", "space")
             self.named("Delete all 3 dictations?")
             self.click("Clear history", "push button")
             eventually(lambda: stored(HISTORY) == [], "an empty history")
             self.named("Press Fn + Space anywhere to start.")
+            self.wait_for_focus("Search transcripts")
 
         with self.subTest("dictionary"):
-            self.click("Dictionary", "list item")
+            self.focus("Dictation", "list item")
+            xdotool("key", "Down", "Down")
+            self.wait_for_focus("Dictionary")
             self.click("Add a term")
             xdotool("type", "Bristol")
             xdotool("key", "Return")
@@ -74,7 +77,7 @@ class DashboardTest(ScreenReaderCase):
             self.assertEqual(self.nameless(), [])
 
         with self.subTest("close"):
-            xdotool("key", "alt+F4")
+            xdotool("key", "ctrl+w")
             eventually(lambda: not subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "^Sayvane$"],
                                                   capture_output=True, check=False).stdout, "a closed window")
             self.assertIsNone(self.program.poll())

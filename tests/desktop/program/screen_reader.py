@@ -12,6 +12,10 @@ import unittest
 
 PROGRAM = sys.argv[1]
 HOME = pathlib.Path.home()
+SPEAKING = {"push button", "entry", "text", "password text", "list item", "check box", "radio button", "link",
+            "combo box"}
+CLIP = "/usr/share/pocketsphinx/test/data/librivox/sense_and_sensibility_01_austen_64kb-0880.wav"
+HISTORY = HOME / ".local/share/sayvane-test/Sayvane/history.json"
 PREFERENCES = HOME / ".config/sayvane-test/preferences.json"
 
 
@@ -89,7 +93,7 @@ class ScreenReaderCase(unittest.TestCase):
         item = self.named(name, role)
         box = eventually(lambda: (lambda e: e if e.width > 0 else None)(
             item.queryComponent().getExtents(self.spi.DESKTOP_COORDS)), f"place of {name}")
-        xdotool("mousemove", "--sync", box.x + box.width // 2, box.y + box.height // 2)
+        xdotool("mousemove", box.x + box.width // 2, box.y + box.height // 2)
 
     def click(self, name, role=None):
         self.point(name, role)
@@ -108,6 +112,61 @@ class ScreenReaderCase(unittest.TestCase):
         item.queryComponent().grabFocus()
         eventually(lambda: item.getState().contains(self.spi.STATE_FOCUSED), f"the keyboard at {name}")
 
+    def status(self):
+        return json.loads(subprocess.run([PROGRAM, "--profile", "test", "status", "--json"], stdout=subprocess.PIPE,
+                                         check=True).stdout)
+
+    def press(self, name, role=None):
+        self.focus(name, role)
+        xdotool("key", "space")
+
+    def act(self, name, role):
+        """What a screen reader does by itself, wherever the pointer and the keyboard are."""
+        action = self.named(name, role).queryAction()
+        self.assertEqual(action.getName(0), "Toggle" if role in ("check box", "radio button") else "Press")
+        action.doAction(0)
+
+    def absent(self, name):
+        eventually(lambda: not [each for each in self.walk() if each.name == name], f"no {name!r}")
+
+    def activate(self, title):
+        def active():
+            found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title], capture_output=True,
+                                   check=False, text=True).stdout.split()
+            if not found:
+                return False
+            xdotool("windowactivate", found[-1])
+            return subprocess.run(["xdotool", "getactivewindow"], capture_output=True, check=False,
+                                  text=True).stdout.split() == found[-1:]
+        eventually(active, f"the window {title}")
+
+    def speak(self):
+        eventually(lambda: self.status()["state"] == "recording", "recording")
+        subprocess.run(["paplay", "--device=speaker", CLIP], check=True, timeout=30)
+
+    def speak_between(self, *keys):
+        """Dictates with the shortcut that these words press."""
+        xdotool(*keys)
+        self.speak()
+        xdotool(*keys)
+        eventually(lambda: self.status()["state"] == "idle", "the end")
+
+    def wait_for_focus(self, name):
+        def there():
+            return [each.name for each in self.walk() if each.getState().contains(self.spi.STATE_FOCUSED)][-1:] == [name]
+        eventually(there, f"the keyboard at {name}")
+
     def nameless(self):
-        speaking = {"push button", "entry", "text", "list item", "check box", "radio button", "link", "combo box"}
-        return [each.getRoleName() for each in self.walk() if each.getRoleName() in speaking and not each.name]
+        return [each.getRoleName() for each in self.walk() if each.getRoleName() in SPEAKING and not each.name]
+
+    def told(self, expected):
+        """What is told of the parts with the names of `expected`, as it is there: the role, then its state."""
+        found = {}
+        for each in self.walk(hidden=True):
+            if each.name in expected and each.getRoleName() in SPEAKING:
+                states = each.getState()
+                words = [word for word in ("checked", "selected", "expanded", "collapsed", "multi line", "editable")
+                         if states.contains(getattr(self.spi, "STATE_" + word.upper().replace(" ", "_")))]
+                able = states.contains(self.spi.STATE_ENABLED) and states.contains(self.spi.STATE_SENSITIVE)
+                found[each.name] = ", ".join([each.getRoleName(), *words] + ([] if able else ["disabled"]))
+        return found

@@ -27,7 +27,8 @@ T.Button {
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
     font.pixelSize: Theme.textSize
-    Accessible.role: kind === Button.Link ? Accessible.Link : Accessible.Button
+    // Qt tells of every button that it is one to press.
+    Accessible.onRoleChanged: if (kind === Button.Link) Accessible.role = Accessible.Link
     Accessible.name: text !== "" ? text : help
     Accessible.description: text !== "" ? help : ""
     Keys.onPressed: event => {

@@ -1,8 +1,9 @@
 import QtQuick
 import QtQuick.Templates as T
+import QtQuick.Window
 import Sayvane
 
-/// Asks before something is lost. Cancel has the keyboard; Escape cancels.
+/// Asks before something is lost. Cancel has the keyboard, and gives it back; Escape cancels.
 T.Dialog {
     id: dialog
 
@@ -10,6 +11,14 @@ T.Dialog {
     property string confirmText: ""
 
     signal confirmed
+
+    property Item asker: null
+    property int askersReason: Qt.OtherFocusReason
+
+    function giveBack() {
+        const next = asker && asker.enabled ? asker : asker?.nextItemInFocusChain();
+        next?.forceActiveFocus(askersReason);
+    }
 
     parent: T.Overlay.overlay
     anchors.centerIn: parent
@@ -19,6 +28,11 @@ T.Dialog {
     modal: true
     focus: true
     closePolicy: T.Popup.CloseOnEscape
+    onAboutToShow: {
+        asker = parent.Window.activeFocusItem;
+        askersReason = asker?.focusReason ?? Qt.OtherFocusReason;
+    }
+    onClosed: Qt.callLater(giveBack) // when what was asked for is done
     onOpened: cancel.forceActiveFocus(Qt.TabFocusReason)
 
     T.Overlay.modal: Rectangle {
@@ -32,9 +46,6 @@ T.Dialog {
     }
     contentItem: Column {
         spacing: Theme.labelSpacing
-        Accessible.role: Accessible.Dialog
-        Accessible.name: dialog.title
-        Accessible.description: dialog.message
 
         SectionHeader {
             width: parent.width

@@ -19,6 +19,8 @@ Column {
     T.AbstractButton {
         id: heading
 
+        readonly property bool expanded: group.expanded
+
         width: group.width
         height: Theme.controlHeight
         hoverEnabled: true

@@ -8,15 +8,15 @@ T.ToolTip {
 
     x: parent ? (parent.width - implicitWidth) / 2 : 0
     y: -implicitHeight - 6
-    implicitWidth: Math.min(contentItem.implicitWidth + 16, 320)
-    implicitHeight: contentItem.implicitHeight + 10
+    implicitWidth: Math.min(implicitContentWidth + leftPadding + rightPadding, 320)
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    horizontalPadding: 8
+    verticalPadding: 5
     margins: 6
     delay: 700
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent | T.Popup.CloseOnReleaseOutsideParent
 
     contentItem: Label {
-        x: 8
-        y: 5
         text: tip.text
         font.pixelSize: Theme.captionSize
         color: Theme.window

@@ -12,6 +12,7 @@ T.ComboBox {
     property var options: []
     property var current
     property string label: ""
+    readonly property bool expanded: popup.visible
 
     signal picked(var value)
 
@@ -36,7 +37,7 @@ T.ComboBox {
     }
     Accessible.role: Accessible.ComboBox
     Accessible.name: label
-    Accessible.description: displayText
+    Accessible.description: expanded && highlightedIndex >= 0 ? options[highlightedIndex].text : displayText
     Accessible.onPressAction: control.popup.open()
 
     contentItem: Text {
@@ -79,8 +80,9 @@ T.ComboBox {
         width: ListView.view ? ListView.view.width : implicitWidth
         implicitHeight: Theme.controlHeight
         highlighted: control.highlightedIndex === index
-        Accessible.role: Accessible.ListItem
-        Accessible.name: modelData.text
+        text: modelData.text
+        Accessible.selectable: true
+        Accessible.selected: control.currentIndex === index
 
         background: Rectangle {
             radius: Theme.buttonRadius - 1
@@ -98,7 +100,7 @@ T.ComboBox {
             x: 26
             width: parent.width - x - 6
             height: parent.height
-            text: entry.modelData.text
+            text: entry.text
             textFormat: Text.PlainText
             elide: Text.ElideRight
             verticalAlignment: Text.AlignVCenter
@@ -119,6 +121,8 @@ T.ComboBox {
             model: control.delegateModel
             currentIndex: control.highlightedIndex
             boundsBehavior: Flickable.StopAtBounds
+            Accessible.role: Accessible.List
+            Accessible.name: control.label
             T.ScrollBar.vertical: ScrollBar {}
         }
         background: Rectangle {

@@ -5,8 +5,6 @@ import Sayvane
 TextField {
     property bool revealed: false
 
-    // Qt withholds the name of a field with dots, and describes it by its placeholder.
-    placeholderText: label + ", " + shownPlaceholder
     echoMode: revealed ? TextInput.Normal : TextInput.Password
     inputMethodHints: Qt.ImhHiddenText | Qt.ImhSensitiveData | Qt.ImhNoPredictiveText | Qt.ImhNoAutoUppercase
     Accessible.passwordEdit: true

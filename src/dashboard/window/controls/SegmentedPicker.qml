@@ -46,7 +46,7 @@ FocusScope {
             id: segments
             model: control.options
 
-            T.AbstractButton {
+            T.RadioButton {
                 id: segment
 
                 required property var modelData
@@ -58,16 +58,16 @@ FocusScope {
                 hoverEnabled: true
                 focusPolicy: Qt.StrongFocus
                 activeFocusOnTab: chosen
+                autoExclusive: false
+                checked: chosen
+                text: modelData.text
                 onClicked: {
+                    checked = Qt.binding(() => chosen); // the model decides
                     if (!chosen)
                         control.picked(modelData.value);
                 }
                 Keys.onLeftPressed: control.step(-1)
                 Keys.onRightPressed: control.step(1)
-                Accessible.role: Accessible.RadioButton
-                Accessible.name: modelData.text
-                Accessible.checkable: true
-                Accessible.checked: chosen
 
                 background: Rectangle {
                     anchors.fill: parent
@@ -84,7 +84,7 @@ FocusScope {
                 Text {
                     id: word
                     anchors.centerIn: parent
-                    text: segment.modelData.text
+                    text: segment.text
                     textFormat: Text.PlainText
                     color: segment.chosen ? Theme.onAccent : Theme.text
                     font.pixelSize: Theme.textSize

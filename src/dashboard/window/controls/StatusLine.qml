@@ -19,9 +19,13 @@ Row {
     Accessible.role: tone === StatusLine.Notice ? Accessible.StaticText : Accessible.AlertMessage
     Accessible.name: text
 
+    FontMetrics {
+        id: metrics
+        font: words.font
+    }
     Icon {
         id: sign
-        y: 1
+        y: (metrics.height - size) / 2
         visible: line.tone !== StatusLine.Notice
         size: 16
         color: line.ink
@@ -29,6 +33,7 @@ Row {
               : line.tone === StatusLine.Warning ? "exclamationmark.triangle.fill" : "exclamationmark.circle.fill"
     }
     Label {
+        id: words
         width: line.width - (sign.visible ? sign.width + line.spacing : 0)
         text: line.text
         color: line.ink

@@ -17,6 +17,7 @@ T.Control {
     implicitHeight: 84
     opacity: enabled ? 1 : Theme.disabledOpacity
     hoverEnabled: true
+    Accessible.ignored: true
 
     background: FieldFrame {
         focused: editor.activeFocus
@@ -35,7 +36,8 @@ T.Control {
         T.TextArea.flickable: T.TextArea {
             id: editor
 
-            padding: 4
+            padding: 6
+            leftPadding: 8
             rightPadding: 10
             wrapMode: TextEdit.Wrap
             textFormat: TextEdit.PlainText

@@ -7,7 +7,6 @@ T.TextField {
     id: control
 
     property string label: placeholderText
-    property string shownPlaceholder: placeholderText
     property bool failed: false
 
     implicitWidth: 200
@@ -36,7 +35,7 @@ T.TextField {
         width: control.availableWidth
         height: control.height
         visible: control.length === 0 && control.preeditText === ""
-        text: control.shownPlaceholder
+        text: control.placeholderText
         textFormat: Text.PlainText
         elide: Text.ElideRight
         verticalAlignment: Text.AlignVCenter

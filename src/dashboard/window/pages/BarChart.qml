@@ -36,6 +36,7 @@ Item {
                     width: view.axisWidth - 8
                     anchors.verticalCenter: parent.verticalCenter
                     horizontalAlignment: Text.AlignRight
+                    lineHeight: 1
                     wrapMode: Text.NoWrap
                     text: mark.modelData.label
                     Accessible.ignored: true

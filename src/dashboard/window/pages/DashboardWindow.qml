@@ -83,6 +83,11 @@ Window {
         }
     }
 
+    Shortcut {
+        sequences: [StandardKey.Close]
+        onActivated: window.close()
+    }
+
     component Screen: Loader {
         required property string section
         readonly property bool current: window.navigation.section === section

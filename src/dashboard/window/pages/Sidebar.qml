@@ -24,8 +24,10 @@ ListView {
 
     function choose(by) {
         const item = itemAtIndex(currentIndex + by);
-        if (item)
-            navigation.section = item.modelData.id;
+        if (!item)
+            return;
+        navigation.section = item.modelData.id;
+        forceActiveFocus(Qt.TabFocusReason); // a screen that comes up takes the keyboard
     }
 
     delegate: Rectangle {

@@ -13,13 +13,19 @@ Row {
     Accessible.role: Accessible.AlertMessage
     Accessible.name: text
 
+    FontMetrics {
+        id: metrics
+        font: words.font
+    }
     Icon {
         id: sign
+        y: (metrics.height - size) / 2
         symbol: "exclamationmark.triangle.fill"
         size: 14
         color: Theme.error
     }
     Caption {
+        id: words
         width: line.width - sign.width - line.spacing
         text: line.text
         color: Theme.error

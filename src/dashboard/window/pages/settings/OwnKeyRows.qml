@@ -25,7 +25,7 @@ Column {
             id: field
             width: parent.width - reveal.width - paste.width - 2 * parent.spacing
             label: title.text
-            shownPlaceholder: rows.key.keyPlaceholder
+            placeholderText: rows.key.keyPlaceholder
             text: rows.key.apiKey
             revealed: rows.key.showKey
             failed: rows.key.keyError !== ""
