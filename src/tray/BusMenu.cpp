@@ -32,8 +32,8 @@ QVariantMap propertiesOf(const MenuEntry &entry)
     if (entry.kind == Kind::separator)
         return {{u"type"_s, u"separator"_s}};
     const QString line = entry.text.simplified();
-    // In a label an underscore would mark a key. Panels let a screen reader go on reading the first label of an
-    // entry unless they are told otherwise.
+    // In a label an underscore would mark a key. Panels let a screen reader go on reading the first label of
+    // an entry unless they are told otherwise.
     QVariantMap properties{{u"label"_s, QString(line).replace(u'_', u"__"_s)}, {u"accessible-desc"_s, line}};
     if (entry.kind == Kind::text || !entry.enabled)
         properties.insert(u"enabled"_s, false);

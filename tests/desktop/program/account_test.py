@@ -5,8 +5,6 @@ to the sign-out, with dictations and an assistant's answers in between.
 """
 
 import json
-import os
-import pathlib
 import re
 import ssl
 import subprocess
@@ -15,41 +13,19 @@ import unittest
 import urllib.error
 import urllib.request
 
-from assistant import Assistant
-from screen_reader import HOME, PREFERENCES, PROGRAM, ScreenReaderCase, eventually, stored, xdotool
+from dictation_case import DATA, SERVICE, DictationCase
+from screen_reader import HOME, PREFERENCES, eventually, stored, xdotool
 
-SERVICE = str(pathlib.Path(PROGRAM).with_name("sayvane-service"))
-DATA = HOME / "service"
 HISTORY = HOME / ".local/share/sayvane-test/Sayvane/history.json"
-CLIP = "/usr/share/pocketsphinx/test/data/librivox/sense_and_sensibility_01_austen_64kb-0880.wav"
 SIGN_IN = "Sign in under Settings to start dictating"
 
 
-class AccountTest(ScreenReaderCase):
+class AccountTest(DictationCase):
     @classmethod
     def prepare(cls):
-        cls.assistant = Assistant()
-        cls.console = HOME / "console"
-        cls.base = cls.serve("0", {})
-        cls.environment = {"SSL_CERT_FILE": str(DATA / "certificate.pem")}
-        cls.arguments = ["--service", cls.base]
+        super().prepare()
         PREFERENCES.parent.mkdir(parents=True)
         PREFERENCES.write_text('{"provider": "sayvane", "showDashboardOnLaunch": true}')
-
-    @classmethod
-    def serve(cls, port, settings):
-        with cls.console.open("w") as console:
-            cls.service = subprocess.Popen([SERVICE, "--port", port, "--data", DATA, "--upstream", cls.assistant.address,
-                                            "--upstream-model", "ears"], stdout=console, env={**os.environ, **settings})
-        return eventually(lambda: re.search(r"listening on (\S+)", cls.console.read_text()), "service")[1]
-
-    @classmethod
-    def tearDownClass(cls):
-        super().tearDownClass()
-        cls.service.terminate()
-        cls.service.wait(10)
-        cls.assistant.shutdown()
-        cls.assistant.server_close()
 
     def get(self, path, token):
         """The service's answer, or the status of its refusal."""
@@ -64,19 +40,6 @@ class AccountTest(ScreenReaderCase):
     def token(self):
         return subprocess.run(["secret-tool", "lookup", "service", "com.sayvane.app", "account", "sayvane_session"],
                               capture_output=True, check=False, text=True).stdout
-
-    def status(self):
-        return json.loads(subprocess.run([PROGRAM, "--profile", "test", "status", "--json"], stdout=subprocess.PIPE,
-                                         check=True).stdout)
-
-    def press(self, name, role=None):
-        self.focus(name, role)
-        xdotool("key", "space")
-
-    def segment(self, name):
-        """The role that a choice of a few has: Qt tells them as radio buttons or as push buttons."""
-        return eventually(lambda: [each.getRoleName() for each in self.walk()
-                                   if each.name == name and each.getRoleName().endswith(" button")], name)[-1]
 
     def wheel(self, direction):
         """To the end of the page; what lies beyond its edges is there for no screen reader."""
@@ -104,10 +67,6 @@ class AccountTest(ScreenReaderCase):
             return subprocess.run(["xdotool", "getactivewindow"], capture_output=True, check=False,
                                   text=True).stdout.split() == found[-1:]
         eventually(active, f"the window {title}")
-
-    def speak(self):
-        eventually(lambda: self.status()["state"] == "recording", "recording")
-        subprocess.run(["paplay", "--device=speaker", CLIP], check=True, timeout=30)
 
     def dictate(self, spoken, window):
         self.assistant.spoken = spoken

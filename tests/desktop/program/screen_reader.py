@@ -66,10 +66,10 @@ class ScreenReaderCase(unittest.TestCase):
             process.wait(10)
 
     @classmethod
-    def find_window(cls):
+    def find_window(cls, title="Sayvane"):
         for application in cls.spi.Registry.getDesktop(0):
             for window in application or ():
-                if window and window.name == "Sayvane":
+                if window and window.name == title:
                     return window
         return None
 
@@ -107,6 +107,15 @@ class ScreenReaderCase(unittest.TestCase):
         item = eventually(look, f"{role or 'something'} called {name!r}")[-1]
         item.queryComponent().grabFocus()
         eventually(lambda: item.getState().contains(self.spi.STATE_FOCUSED), f"the keyboard at {name}")
+
+    def press(self, name, role=None):
+        self.focus(name, role)
+        xdotool("key", "space")
+
+    def segment(self, name):
+        """The role that a choice of a few has: Qt tells them as radio buttons or as push buttons."""
+        return eventually(lambda: [each.getRoleName() for each in self.walk()
+                                   if each.name == name and each.getRoleName().endswith(" button")], name)[-1]
 
     def nameless(self):
         speaking = {"push button", "entry", "text", "list item", "check box", "radio button", "link", "combo box"}
