@@ -137,7 +137,10 @@ QCoro::Task<> FlowController::paste(QString text, std::stop_token stop)
     const bool pasted = co_await m_inserter.insert(text, stop);
     if (pasted || stop.stop_requested())
         co_return;
-    const QString message = u"Copied to clipboard. Grant Accessibility to paste automatically."_s;
+    const QString message =
+        m_inserter.reachesClipboard()
+            ? u"Copied to clipboard. Grant Accessibility to paste automatically."_s
+            : u"Not copied: this desktop's clipboard is out of reach. Open Sayvane to copy the text."_s;
     setLastError(message);
     m_overlay.show(FlowState::idle, message, OverlayTone::warning);
     m_overlay.hide(noticeDuration);

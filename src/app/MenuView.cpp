@@ -146,8 +146,7 @@ void MenuView::appendDictation(QList<MenuEntry> &entries) const
     dictate.enabled = m_flow.state() != FlowState::processing;
     entries.append(dictate);
     if (!m_flow.lastTranscript().isEmpty())
-        entries.append(
-            button(u"Copy Last Transcript"_s, [this] { m_pasteboard.setString(m_flow.lastTranscript()); }));
+        entries.append(button(u"Copy Last Transcript"_s, [this] { copy(m_flow.lastTranscript()); }));
     if (!m_flow.history().isEmpty())
         entries.append(historyMenu());
 }
@@ -157,7 +156,13 @@ MenuEntry MenuView::historyMenu() const
     MenuEntry menu{.kind = Kind::submenu, .text = u"History"_s};
     const QStringList &texts = m_flow.history();
     for (const QString &whole : texts.first(std::min(historyEntries, texts.size())))
-        menu.submenu.append(button(cut(whole, longestTitle, longestTitle),
-                                   [&pasteboard = m_pasteboard, whole] { pasteboard.setString(whole); }));
+        menu.submenu.append(button(cut(whole, longestTitle, longestTitle), [this, whole] { copy(whole); }));
     return menu;
+}
+
+void MenuView::copy(const QString &text) const
+{
+    m_pasteboard.setString(text);
+    if (!m_pasteboard.isReachable())
+        m_commands.openDashboard(); // a window with the keyboard reaches it
 }

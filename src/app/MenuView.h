@@ -47,6 +47,7 @@ private:
     void appendAccount(QList<MenuEntry> &entries) const;
     void appendDictation(QList<MenuEntry> &entries) const;
     MenuEntry historyMenu() const;
+    void copy(const QString &text) const;
 
     FlowController &m_flow;
     const HistoryStore &m_history;

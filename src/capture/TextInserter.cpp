@@ -38,6 +38,8 @@ QCoro::Task<bool> TextInserter::insert(QString text, std::stop_token stop)
         saved = co_await m_pasteboard.items();
     if (stop.stop_requested())
         co_return false; // the inserter may be gone
+    if (!trusted && !reachesClipboard())
+        co_return false; // nor may it take the place of what the user will have copied by then
     m_pasteboard.setString(text);
     qint64 count = m_pasteboard.changeCount();
     if (!trusted)
@@ -66,6 +68,11 @@ QCoro::Task<bool> TextInserter::insert(QString text, std::stop_token stop)
     if (m_pasteboard.changeCount() == count)
         m_pasteboard.setItems(saved);
     co_return true;
+}
+
+bool TextInserter::reachesClipboard() const
+{
+    return m_pasteboard.isReachable();
 }
 
 QCoro::Task<bool> TextInserter::pressCommandV()

@@ -20,8 +20,10 @@ public:
 
     /// Pastes the text and, where the user wants it, puts back what was on the clipboard before, unless
     /// somebody else has used the clipboard meanwhile. True once the paste keystroke was sent; false when
-    /// the text is only on the clipboard. A stop request ends the waits early.
+    /// the text is only on the clipboard, or, where that is out of reach, nowhere. A stop request ends the
+    /// waits early.
     QCoro::Task<bool> insert(QString text, std::stop_token stop);
+    bool reachesClipboard() const;
 
 private:
     QCoro::Task<bool> pressCommandV();

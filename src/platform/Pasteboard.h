@@ -29,6 +29,10 @@ public:
     /// Increases with every change of the clipboard by anyone.
     virtual qint64 changeCount() const = 0;
 
+    /// Whether what is put there now can be pasted in other programs. Where it cannot, what is put there
+    /// waits until it can.
+    virtual bool isReachable() const = 0;
+
     /// Replaces the contents with plain text.
     virtual void setString(const QString &text) = 0;
 

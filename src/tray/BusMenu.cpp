@@ -21,13 +21,20 @@ QList<QStringList> keysOf(const QString &shortcut)
     return {parts};
 }
 
+QVariantMap propertiesOfMenu()
+{
+    return {{u"children-display"_s, u"submenu"_s}};
+}
+
 QVariantMap propertiesOf(const MenuEntry &entry)
 {
     using Kind = MenuEntry::Kind;
     if (entry.kind == Kind::separator)
         return {{u"type"_s, u"separator"_s}};
-    // One line, in which an underscore would mark a key.
-    QVariantMap properties{{u"label"_s, entry.text.simplified().replace(u'_', u"__"_s)}};
+    const QString line = entry.text.simplified();
+    // In a label an underscore would mark a key. Panels let a screen reader go on reading the first label of
+    // an entry unless they are told otherwise.
+    QVariantMap properties{{u"label"_s, QString(line).replace(u'_', u"__"_s)}, {u"accessible-desc"_s, line}};
     if (entry.kind == Kind::text || !entry.enabled)
         properties.insert(u"enabled"_s, false);
     if (entry.kind == Kind::submenu)
@@ -94,7 +101,7 @@ uint BusMenu::GetLayout(int parentId, int depth, const QStringList &, MenuLayout
         m_shown = m_entries();
     layout.id = parentId;
     if (parentId == 0) {
-        layout.properties = {{u"children-display"_s, u"submenu"_s}};
+        layout.properties = propertiesOfMenu();
         if (depth != 0)
             layout.children = layoutOf(m_shown, 1, depth);
     } else {
@@ -109,8 +116,10 @@ uint BusMenu::GetLayout(int parentId, int depth, const QStringList &, MenuLayout
 QList<MenuProperties> BusMenu::GetGroupProperties(const QList<int> &ids, const QStringList &)
 {
     QList<MenuProperties> found;
-    for (const int id : ids)
-        found.append({id, propertiesOf(shown(id))});
+    for (const int id : ids) {
+        if (exists(id))
+            found.append({id, id == 0 ? propertiesOfMenu() : propertiesOf(shown(id))});
+    }
     return found;
 }
 

@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QKeySequence>
+#include <QPalette>
 
 #include <algorithm>
 
@@ -15,6 +16,19 @@ QString shown(const QString &text)
     return text.simplified().replace(u'&', QStringLiteral("&&"));
 }
 
+/// Lines of text are entries that cannot be chosen, but are there to be read.
+QPalette readable(QPalette colors)
+{
+    const QColor text = colors.color(QPalette::Active, QPalette::WindowText);
+    const QColor base = colors.color(QPalette::Active, QPalette::Base);
+    const auto between = [](int from, int to) { return from + (to - from) / 3; };
+    const QColor quiet(between(text.red(), base.red()), between(text.green(), base.green()),
+                       between(text.blue(), base.blue()));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        colors.setColor(QPalette::Disabled, role, quiet);
+    return colors;
+}
+
 bool haveOneShape(const QList<MenuEntry> &left, const QList<MenuEntry> &right)
 {
     return std::ranges::equal(left, right, {}, &MenuEntry::kind, &MenuEntry::kind);
@@ -22,7 +36,10 @@ bool haveOneShape(const QList<MenuEntry> &left, const QList<MenuEntry> &right)
 
 } // namespace
 
-TrayMenu::TrayMenu() = default;
+TrayMenu::TrayMenu()
+{
+    m_menu.setPalette(readable(m_menu.palette()));
+}
 
 void TrayMenu::show(const QList<MenuEntry> &entries)
 {

@@ -366,7 +366,17 @@ void FlowControllerTest::aFailedPasteStillKeepsTheDictation()
     QCOMPARE(m->flow().lastError(), u"Copied to clipboard. Grant Accessibility to paste automatically."_s);
     QCOMPARE(m->overlayModel().tone(), OverlayTone::warning);
     QCOMPARE(m->machine.pasteboard.text(), u"hello"_s);
-    QCOMPARE(m->host().history().records().size(), 1);
+
+    m->machine.trust.trusted = false;
+    m->machine.pasteboard.reachable = false;
+    m->flow().toggle();
+    m->machine.clock.advance(2s);
+    m->flow().toggle();
+    m->answerText(u"good bye"_s);
+    QCOMPARE(m->flow().lastError(),
+             u"Not copied: this desktop's clipboard is out of reach. Open Sayvane to copy the text."_s);
+    QCOMPARE(m->machine.pasteboard.text(), u"hello"_s);
+    QCOMPARE(m->host().history().records().size(), 2);
     QCOMPARE(m->flow().state(), FlowState::idle);
 }
 

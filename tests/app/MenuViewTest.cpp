@@ -6,6 +6,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -219,6 +221,10 @@ void MenuViewTest::entriesDoWhatTheySay()
     m->finishPaste();
     entry(u"Copy Last Transcript"_s).action();
     QCOMPARE(m->machine.pasteboard.text(), u"said"_s);
+    QVERIFY(m_asked.isEmpty());
+    m->machine.pasteboard.reachable = false; // until a window has the keyboard
+    entry(u"Copy Last Transcript"_s).action();
+    QCOMPARE(std::exchange(m_asked, {}), QStringList{u"dashboard"_s});
     for (const QString &title : {u"Open Sayvane"_s, u"Settings"_s, u"Quit Sayvane"_s})
         entry(title).action();
     QCOMPARE(m_asked, (QStringList{u"dashboard"_s, u"settings"_s, u"quit"_s}));

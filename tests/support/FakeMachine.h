@@ -61,6 +61,7 @@ class FakePasteboard final : public Pasteboard
 {
 public:
     QCoro::Task<QList<PasteboardItem>> items() override { co_return contents; }
+    bool isReachable() const override { return reachable; }
     qint64 changeCount() const override { return count; }
     void setString(const QString &text) override { setItems({{{QStringLiteral("text/plain"), text.toUtf8()}}}); }
     void setItems(const QList<PasteboardItem> &items) override
@@ -72,6 +73,7 @@ public:
 
     QList<PasteboardItem> contents;
     qint64 count = 1;
+    bool reachable = true;
 };
 
 /// Notes what is typed.

@@ -1,5 +1,7 @@
 #include "platform/linux/LinuxMachine.h"
 
+#include <QGuiApplication>
+
 LinuxMachine::LinuxMachine(const Settings &settings)
     : m_folders(settings.profile),
       m_defaults(m_folders.configuration(), m_clock),
@@ -31,10 +33,14 @@ LinuxMachine::LinuxMachine(const Settings &settings)
 {
 }
 
-// GNOME's compositor offers no such clipboard, but shares the one of its X11 server.
+// GNOME's compositor offers no such clipboard, but shares the one of its X11 server. Without that, too, only
+// our windows get at it.
 Pasteboard &LinuxMachine::pasteboard()
 {
     if (m_waylandPasteboard.isUsable())
         return m_waylandPasteboard;
-    return m_desktop.pasteboard();
+    if (m_desktop.connection().isOpen() || !QGuiApplication::platformName().startsWith(u"wayland"))
+        return m_desktop.pasteboard();
+    m_windowPasteboard = std::make_unique<WindowPasteboard>();
+    return *m_windowPasteboard;
 }

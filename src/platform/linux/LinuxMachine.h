@@ -20,9 +20,12 @@
 #include "platform/linux/wayland/WaylandConnection.h"
 #include "platform/linux/wayland/WaylandPasteboard.h"
 #include "platform/linux/windows/WindowKeys.h"
+#include "platform/linux/windows/WindowPasteboard.h"
 #include "platform/linux/x11/X11Desktop.h"
 
 #include <QString>
+
+#include <memory>
 
 /// The Linux desktop as one machine.
 class LinuxMachine
@@ -45,6 +48,7 @@ private:
     X11Desktop m_desktop;
     WaylandConnection m_wayland;
     WaylandPasteboard m_waylandPasteboard{m_wayland};
+    std::unique_ptr<WindowPasteboard> m_windowPasteboard; // where there is no other
     X11FloatingPanels m_panels{m_desktop.connection()};
     PulseConnection m_pulse; // begins to connect while the rest is made
     SystemClock m_clock;

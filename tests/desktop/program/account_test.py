@@ -5,8 +5,6 @@ to the sign-out, with dictations and an assistant's answers in between.
 """
 
 import json
-import os
-import pathlib
 import re
 import ssl
 import subprocess
@@ -15,39 +13,18 @@ import unittest
 import urllib.error
 import urllib.request
 
-from assistant import Assistant
-from screen_reader import HISTORY, HOME, PREFERENCES, PROGRAM, ScreenReaderCase, eventually, stored, xdotool
+from dictation_case import DATA, SERVICE, DictationCase
+from screen_reader import HISTORY, HOME, PREFERENCES, eventually, stored, xdotool
 
-SERVICE = str(pathlib.Path(PROGRAM).with_name("sayvane-service"))
-DATA = HOME / "service"
 SIGN_IN = "Sign in under Settings to start dictating"
 
 
-class AccountTest(ScreenReaderCase):
+class AccountTest(DictationCase):
     @classmethod
     def prepare(cls):
-        cls.assistant = Assistant()
-        cls.console = HOME / "console"
-        cls.base = cls.serve("0", {})
-        cls.environment = {"SSL_CERT_FILE": str(DATA / "certificate.pem")}
-        cls.arguments = ["--service", cls.base]
+        super().prepare()
         PREFERENCES.parent.mkdir(parents=True)
         PREFERENCES.write_text('{"provider": "sayvane", "showDashboardOnLaunch": true}')
-
-    @classmethod
-    def serve(cls, port, settings):
-        with cls.console.open("w") as console:
-            cls.service = subprocess.Popen([SERVICE, "--port", port, "--data", DATA, "--upstream", cls.assistant.address,
-                                            "--upstream-model", "ears"], stdout=console, env={**os.environ, **settings})
-        return eventually(lambda: re.search(r"listening on (\S+)", cls.console.read_text()), "service")[1]
-
-    @classmethod
-    def tearDownClass(cls):
-        super().tearDownClass()
-        cls.service.terminate()
-        cls.service.wait(10)
-        cls.assistant.shutdown()
-        cls.assistant.server_close()
 
     def get(self, path, token):
         """The service's answer, or the status of its refusal."""

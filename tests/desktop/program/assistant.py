@@ -11,6 +11,8 @@ class Assistant(http.server.ThreadingHTTPServer):
     def __init__(self, handler=None):
         super().__init__(("127.0.0.1", 0), handler or Handler)
         self.spoken = ""  # what the next recordings say
+        self.has_heard = threading.Event()  # until then it is still listening to them
+        self.has_heard.set()
         self.answer = ""
         self.status = 200
         self.recordings = []  # the forms that were sent
@@ -25,6 +27,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
         body = self.rfile.read(int(self.headers["Content-Length"]))
         if self.path.endswith("/audio/transcriptions"):
             desk.recordings.append(body)
+            desk.has_heard.wait(30)
             self.reply(200, {"text": desk.spoken})
         else:
             desk.questions.append((self.headers["Authorization"], json.loads(body)))

@@ -70,10 +70,10 @@ class ScreenReaderCase(unittest.TestCase):
             process.wait(10)
 
     @classmethod
-    def find_window(cls):
+    def find_window(cls, title="Sayvane"):
         for application in cls.spi.Registry.getDesktop(0):
             for window in application or ():
-                if window and window.name == "Sayvane":
+                if window and window.name == title:
                     return window
         return None
 
@@ -112,9 +112,12 @@ class ScreenReaderCase(unittest.TestCase):
         item.queryComponent().grabFocus()
         eventually(lambda: item.getState().contains(self.spi.STATE_FOCUSED), f"the keyboard at {name}")
 
+    def command(self, *words):
+        return subprocess.run([PROGRAM, "--profile", "test", *words], stdout=subprocess.PIPE, check=True, text=True,
+                              timeout=30).stdout
+
     def status(self):
-        return json.loads(subprocess.run([PROGRAM, "--profile", "test", "status", "--json"], stdout=subprocess.PIPE,
-                                         check=True).stdout)
+        return json.loads(self.command("status", "--json"))
 
     def press(self, name, role=None):
         self.focus(name, role)

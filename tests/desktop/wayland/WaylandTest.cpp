@@ -6,6 +6,7 @@
 #include "platform/linux/wayland/WaylandPasteboard.h"
 
 #include <QCoroTask>
+#include <QFile>
 #include <QJsonObject>
 #include <QTest>
 
@@ -43,6 +44,7 @@ private Q_SLOTS:
     void aDictationReachesTheClipboard_data();
     void aDictationReachesTheClipboard();
     void theClipboardIsShared();
+    void aClipboardOutOfReachIsNotClaimed();
 
 private:
     void enter(const Compositor &compositor)
@@ -125,6 +127,34 @@ void WaylandTest::theClipboardIsShared()
     desk.run(u"wl-copy"_s, {u"--clear"_s});
     QTRY_VERIFY(pasteboard.changeCount() > count);
     QVERIFY(QCoro::waitFor(pasteboard.items()).isEmpty());
+}
+
+// weston gives the clipboard only to the program that has the keyboard. It shows itself in a window here.
+void WaylandTest::aClipboardOutOfReachIsNotClaimed()
+{
+    Desk desk;
+    const QByteArray socket = qgetenv("XDG_RUNTIME_DIR") + "/weston";
+    desk.open(u"weston"_s, {u"--backend=x11-backend.so"_s, u"--use-pixman"_s, u"--no-config"_s, u"--idle-time=0"_s,
+                            u"--socket=weston"_s, u"--width=1024"_s, u"--height=700"_s});
+    QVERIFY(Desk::eventually([&] { return QFile::exists(QString::fromUtf8(socket)); }));
+    qputenv("WAYLAND_DISPLAY", socket);
+    qunsetenv("DISPLAY");
+    PanelStandIn panel;
+    desk.startSayvane({}, {});
+    QVERIFY2(Desk::eventually([&] { return !panel.item().isEmpty(); }), desk.log());
+    panel.click(u"Start Dictation"_s);
+    QVERIFY(desk.logsNext("flow: recording"));
+    desk.say(clip);
+    panel.click(u"Stop & Transcribe"_s);
+    QVERIFY(desk.logsNext("flow: idle"));
+    const QByteArray text = desk.history().first().toObject().value("text"_L1).toString().toUtf8();
+    const QString notice = u"(⚠️ Not copied: this desktop's clipboard is out of reach. Open Sayvane to copy the text.)"_s;
+    QVERIFY2(panel.menu().contains(notice), qPrintable(panel.menu()));
+    QCOMPARE(pasted(desk, u"text/plain"_s), QByteArray("No selection\n"));
+
+    panel.click(u"Copy Last Transcript"_s);
+    QVERIFY(Desk::eventually([&] { return pasted(desk, u"text/plain;charset=utf-8"_s) == text; }));
+    QCOMPARE(pasted(desk, u"x-kde-passwordManagerHint"_s), QByteArray("secret"));
 }
 
 QTEST_GUILESS_MAIN(WaylandTest)

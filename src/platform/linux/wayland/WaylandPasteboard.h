@@ -27,6 +27,7 @@ public:
     /// Whether the compositor offers such a clipboard; otherwise nothing may be asked of this one.
     bool isUsable() const { return m_device != nullptr; }
 
+    bool isReachable() const override { return !m_isLost; }
     /// A pending call is never resumed when the pasteboard goes away.
     QCoro::Task<QList<PasteboardItem>> items() override;
     qint64 changeCount() const override { return m_changeCount; }

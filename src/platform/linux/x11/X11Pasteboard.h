@@ -3,6 +3,7 @@
 #include "platform/Pasteboard.h"
 #include "platform/linux/x11/SelectionOwner.h"
 #include "platform/linux/x11/SelectionSender.h"
+#include "platform/linux/x11/X11Connection.h"
 
 #include <QHash>
 #include <QObject>
@@ -12,7 +13,6 @@
 #include <vector>
 
 class SelectionRead;
-class X11Connection;
 
 /// The CLIPBOARD selection, which holds one item.
 ///
@@ -27,6 +27,7 @@ public:
     ~X11Pasteboard() override;
     Q_DISABLE_COPY_MOVE(X11Pasteboard)
 
+    bool isReachable() const override { return m_connection.isOpen(); }
     /// A pending call is never resumed when the pasteboard goes away.
     QCoro::Task<QList<PasteboardItem>> items() override;
     qint64 changeCount() const override { return m_clipboard.changeCount(); }

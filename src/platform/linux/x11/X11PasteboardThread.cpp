@@ -60,6 +60,13 @@ QCoro::Task<Items> X11PasteboardThread::items()
     co_return co_await future;
 }
 
+bool X11PasteboardThread::isReachable() const
+{
+    bool reachable = false;
+    there([&reachable](X11Pasteboard &pasteboard) { reachable = pasteboard.isReachable(); });
+    return reachable;
+}
+
 qint64 X11PasteboardThread::changeCount() const
 {
     qint64 count = 0;

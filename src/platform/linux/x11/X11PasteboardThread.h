@@ -21,6 +21,7 @@ public:
     ~X11PasteboardThread() override;
     Q_DISABLE_COPY_MOVE(X11PasteboardThread)
 
+    bool isReachable() const override;
     /// A pending call is never resumed when the pasteboard goes away.
     QCoro::Task<QList<PasteboardItem>> items() override;
     qint64 changeCount() const override;

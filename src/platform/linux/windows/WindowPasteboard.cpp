@@ -1,0 +1,96 @@
+#include "platform/linux/windows/WindowPasteboard.h"
+
+#include <QClipboard>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QMimeData>
+#include <QWindow>
+
+#include <memory>
+#include <numeric>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+WindowPasteboard::WindowPasteboard()
+{
+    connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this, [this] { ++m_changeCount; });
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &WindowPasteboard::followFocus);
+    qGuiApp->installEventFilter(this);
+}
+
+bool WindowPasteboard::isReachable() const
+{
+    return QGuiApplication::focusWindow() != nullptr;
+}
+
+QCoro::Task<QList<PasteboardItem>> WindowPasteboard::items()
+{
+    PasteboardItem item;
+    if (const QMimeData *contents = isReachable() ? QGuiApplication::clipboard()->mimeData() : nullptr) {
+        for (const QString &type : contents->formats()) {
+            if (const QByteArray bytes = contents->data(type); !bytes.isEmpty())
+                item.append({type, bytes});
+        }
+    }
+    QList<PasteboardItem> result;
+    if (!item.isEmpty())
+        result.append(item);
+    co_return result;
+}
+
+void WindowPasteboard::setString(const QString &text)
+{
+    put({{u"text/plain;charset=utf-8"_s, text.toUtf8()},
+         {u"text/plain"_s, text.toUtf8()},
+         {u"x-kde-passwordManagerHint"_s, "secret"}});
+}
+
+void WindowPasteboard::setItems(const QList<PasteboardItem> &items)
+{
+    put(std::accumulate(items.begin(), items.end(), PasteboardItem()));
+}
+
+bool WindowPasteboard::eventFilter(QObject *, QEvent *event)
+{
+    if (m_waiting.isEmpty() || !isReachable())
+        return false;
+    switch (event->type()) {
+    case QEvent::KeyPress:
+    case QEvent::MouseButtonPress:
+    case QEvent::TouchBegin:
+        deliver();
+        m_waiting.clear();
+        break;
+    default:
+        break;
+    }
+    return false;
+}
+
+void WindowPasteboard::followFocus()
+{
+    if (isReachable())
+        deliver();
+    else if (m_isDelivered)
+        m_waiting.clear(); // from here on others copy
+}
+
+void WindowPasteboard::put(PasteboardItem contents)
+{
+    m_waiting = std::move(contents);
+    m_isDelivered = false;
+    ++m_changeCount;
+    deliver();
+}
+
+void WindowPasteboard::deliver()
+{
+    if (m_waiting.isEmpty() || !isReachable())
+        return;
+    auto contents = std::make_unique<QMimeData>();
+    for (const PasteboardData &data : std::as_const(m_waiting))
+        contents->setData(data.type, data.bytes);
+    m_isDelivered = true;
+    QGuiApplication::clipboard()->setMimeData(contents.release()); // which owns it from here on
+}

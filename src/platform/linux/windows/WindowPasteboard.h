@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/Pasteboard.h"
+
+#include <QObject>
+
+/// The clipboard of a Wayland desktop that gives it only to the program whose window has the keyboard.
+///
+/// What is put there while another program has the keyboard waits until a window of ours gets it. A
+/// compositor may ignore a program that the user has not touched since somebody else copied: the next key or
+/// click in our window puts it there once more. Text is marked as secret, by which clipboard managers do not
+/// keep it. Needs a graphical application object.
+class WindowPasteboard final : public QObject, public Pasteboard
+{
+    Q_OBJECT
+public:
+    WindowPasteboard();
+
+    bool isReachable() const override;
+    QCoro::Task<QList<PasteboardItem>> items() override;
+    qint64 changeCount() const override { return m_changeCount; }
+    void setString(const QString &text) override;
+    void setItems(const QList<PasteboardItem> &items) override;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void followFocus();
+    void put(PasteboardItem contents);
+    void deliver();
+
+    PasteboardItem m_waiting;
+    bool m_isDelivered = false; // perhaps, see above
+    qint64 m_changeCount = 0;
+};
