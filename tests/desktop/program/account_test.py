@@ -73,7 +73,7 @@ class AccountTest(ScreenReaderCase):
         xdotool("type", "--delay", 5, text)
 
     def text_of(self, name):
-        content = self.named(name).queryText()
+        content = self.named(name, "text").queryText()
         return content.getText(0, content.characterCount)
 
     def dictate(self, spoken, window):
