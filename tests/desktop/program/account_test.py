@@ -50,7 +50,7 @@ class AccountTest(DictationCase):
         xdotool("type", "--delay", 5, text)
 
     def text_of(self, name):
-        content = self.named(name).queryText()
+        content = self.named(name, "text").queryText()
         return content.getText(0, content.characterCount)
 
     def dictate(self, spoken, window):
@@ -112,7 +112,7 @@ class AccountTest(DictationCase):
             self.named("Kitchen")
             self.press("Sign out", "push button")
             self.named("Sign out “Kitchen”?")
-            self.click("Sign out", "push button")
+            self.confirm()
             self.absent("Kitchen")
             self.named("This Mac")
             self.assertEqual(self.get("/v1/me", other), 401)
@@ -224,7 +224,7 @@ class AccountTest(DictationCase):
             self.click("Settings", "list item")
             self.press("Sign out on this Mac", "push button")
             self.named("Sign out on this Mac?")
-            self.click("Sign out", "push button")
+            self.confirm()
             self.named("Email address")
             self.assertEqual(self.token(), "")
             eventually(lambda: self.get("/v1/me", token) == 401, "the end of the session")

@@ -57,7 +57,7 @@ class DashboardTest(ScreenReaderCase):
             self.assertEqual(len(stored(HISTORY)), 3)
             xdotool("key", "space")
             self.named("Delete all 3 dictations?")
-            self.click("Clear history", "push button")
+            self.confirm()
             eventually(lambda: stored(HISTORY) == [], "an empty history")
             self.named("Press Fn + Space anywhere to start.")
             self.wait_for_focus("Search transcripts")

@@ -159,6 +159,10 @@ class ScreenReaderCase(unittest.TestCase):
             return [each.name for each in self.walk() if each.getState().contains(self.spi.STATE_FOCUSED)][-1:] == [name]
         eventually(there, f"the keyboard at {name}")
 
+    def confirm(self):
+        self.wait_for_focus("Cancel")
+        xdotool("key", "Tab", "space")
+
     def nameless(self):
         return [each.getRoleName() for each in self.walk() if each.getRoleName() in SPEAKING and not each.name]
 

@@ -33,7 +33,10 @@ T.Dialog {
         askersReason = asker?.focusReason ?? Qt.OtherFocusReason;
     }
     onClosed: Qt.callLater(giveBack) // when what was asked for is done
-    onOpened: cancel.forceActiveFocus(Qt.TabFocusReason)
+    onOpened: {
+        if (cancel.activeFocus) // the user may have gone on while it came up
+            cancel.forceActiveFocus(Qt.TabFocusReason);
+    }
 
     T.Overlay.modal: Rectangle {
         color: Qt.rgba(0, 0, 0, Theme.dark ? 0.55 : 0.3)
