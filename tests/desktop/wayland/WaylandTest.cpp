@@ -148,7 +148,8 @@ void WaylandTest::aClipboardOutOfReachIsNotClaimed()
     panel.click(u"Stop & Transcribe"_s);
     QVERIFY(desk.logsNext("flow: idle"));
     const QByteArray text = desk.history().first().toObject().value("text"_L1).toString().toUtf8();
-    const QString notice = u"(⚠️ Not copied: this desktop's clipboard is out of reach. Open Sayvane to copy the text.)"_s;
+    const QString notice =
+        u"(⚠️ Not copied: this desktop's clipboard is out of reach. Open Sayvane to copy the text.)"_s;
     QVERIFY2(panel.menu().contains(notice), qPrintable(panel.menu()));
     QCOMPARE(pasted(desk, u"text/plain"_s), QByteArray("No selection\n"));
 

@@ -51,20 +51,13 @@ void WindowPasteboard::setItems(const QList<PasteboardItem> &items)
     put(std::accumulate(items.begin(), items.end(), PasteboardItem()));
 }
 
+// Only after what the key or the click does: that may be copying, and a compositor takes one copy for each.
 bool WindowPasteboard::eventFilter(QObject *, QEvent *event)
 {
-    if (m_waiting.isEmpty() || !isReachable())
-        return false;
-    switch (event->type()) {
-    case QEvent::KeyPress:
-    case QEvent::MouseButtonPress:
-    case QEvent::TouchBegin:
-        deliver();
-        m_waiting.clear();
-        break;
-    default:
-        break;
-    }
+    const bool isDone = event->type() == QEvent::KeyRelease || event->type() == QEvent::MouseButtonRelease ||
+                        event->type() == QEvent::TouchEnd;
+    if (isDone && !m_waiting.isEmpty())
+        QMetaObject::invokeMethod(this, &WindowPasteboard::deliverAgain, Qt::QueuedConnection);
     return false;
 }
 
@@ -81,7 +74,7 @@ void WindowPasteboard::put(PasteboardItem contents)
     m_waiting = std::move(contents);
     m_isDelivered = false;
     ++m_changeCount;
-    deliver();
+    deliverAgain();
 }
 
 void WindowPasteboard::deliver()
@@ -93,4 +86,11 @@ void WindowPasteboard::deliver()
         contents->setData(data.type, data.bytes);
     m_isDelivered = true;
     QGuiApplication::clipboard()->setMimeData(contents.release()); // which owns it from here on
+}
+
+void WindowPasteboard::deliverAgain()
+{
+    deliver();
+    if (m_isDelivered)
+        m_waiting.clear();
 }

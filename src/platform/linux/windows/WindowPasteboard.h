@@ -29,6 +29,7 @@ private:
     void followFocus();
     void put(PasteboardItem contents);
     void deliver();
+    void deliverAgain();
 
     PasteboardItem m_waiting;
     bool m_isDelivered = false; // perhaps, see above
