@@ -9,6 +9,7 @@
 #include "settings/HotkeySpec.h"
 #include "settings/Prefs.h"
 #include "settings/SpokenLanguage.h"
+#include "support/Decimal.h"
 #include "support/Text.h"
 #include "values/Provider.h"
 
@@ -120,7 +121,7 @@ void MenuView::appendFacts(QList<MenuEntry> &entries) const
         const Dictation &newest = m_history.records().first();
         if (newest.transcribeMs) {
             const auto total = static_cast<double>(*newest.transcribeMs + newest.cleanupMs.value_or(0));
-            entries.append(text(u"Last dictation: %1 s"_s.arg(QString::number(total / 1000, 'f', 1))));
+            entries.append(text(u"Last dictation: %1 s"_s.arg(Decimal::format(total / 1000, 1))));
         }
     }
     if (!m_flow.hotkeyActive())

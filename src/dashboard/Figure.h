@@ -16,9 +16,6 @@ public:
 
     bool operator==(const Figure &) const = default;
 
-    /// With exactly so many decimals and a point, rounded as C's printf does.
-    static QString decimal(double number, int decimals);
-
     /// The figures as QML takes a list.
     static QVariantList list(const QList<Figure> &figures);
 };

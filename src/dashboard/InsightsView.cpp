@@ -6,6 +6,7 @@
 #include "platform/Clock.h"
 #include "settings/Defaults.h"
 #include "settings/Prefs.h"
+#include "support/Decimal.h"
 
 #include <QLocale>
 
@@ -38,7 +39,7 @@ QVariantList InsightsView::figures() const
 QString InsightsView::timeToPaste() const
 {
     const auto milliseconds = m_store.stats().averageTimeToPasteMs;
-    return milliseconds ? Figure::decimal(static_cast<double>(*milliseconds) / 1000, 1) + u" s"_s
+    return milliseconds ? Decimal::format(static_cast<double>(*milliseconds) / 1000, 1) + u" s"_s
                         : u"not yet"_s;
 }
 

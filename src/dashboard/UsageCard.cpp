@@ -1,6 +1,7 @@
 #include "dashboard/UsageCard.h"
 
 #include "dashboard/Figure.h"
+#include "support/Decimal.h"
 
 #include <QLocale>
 
@@ -11,14 +12,14 @@ using namespace Qt::StringLiterals;
 QString UsageCard::minutes(const UsageSummary &summary)
 {
     const double minutes = summary.seconds / 60;
-    return (minutes < 10 ? Figure::decimal(minutes, 1) : QString::number(std::llround(minutes))) + u" min"_s;
+    return (minutes < 10 ? Decimal::format(minutes, 1) : QString::number(std::llround(minutes))) + u" min"_s;
 }
 
 QString UsageCard::costText(const UsageSummary &summary)
 {
     if (summary.costUSD > 0 && summary.costUSD < 0.005)
         return u"under $0.01"_s;
-    return u'$' + Figure::decimal(summary.costUSD, 2);
+    return u'$' + Decimal::format(summary.costUSD, 2);
 }
 
 QVariantList UsageCard::figures(const UsageSummary &summary) const

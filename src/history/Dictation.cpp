@@ -1,5 +1,6 @@
 #include "history/Dictation.h"
 
+#include "support/Decimal.h"
 #include "support/Text.h"
 
 using namespace Qt::StringLiterals;
@@ -8,7 +9,7 @@ namespace {
 
 QString seconds(qint64 milliseconds)
 {
-    return QString::number(static_cast<double>(milliseconds) / 1000, 'f', 1) + u" s"_s;
+    return Decimal::format(static_cast<double>(milliseconds) / 1000, 1) + u" s"_s;
 }
 
 } // namespace

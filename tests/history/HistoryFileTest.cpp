@@ -133,6 +133,7 @@ void HistoryFileTest::summarisesTheTiming()
         return Dictation{.transcribeMs = transcribeMs, .cleanupMs = cleanupMs}.timingSummary();
     };
     QCOMPARE(summary(1234, 560), u"1.2 s transcribe, 0.6 s cleanup"_s);
+    QCOMPARE(summary(1250, 750), u"1.2 s transcribe, 0.8 s cleanup"_s);
     QCOMPARE(summary(61960, std::nullopt), u"62.0 s transcribe"_s);
     QCOMPARE(summary(std::nullopt, 560), std::nullopt);
 }
