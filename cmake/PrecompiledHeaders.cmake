@@ -1,5 +1,5 @@
-# What nearly every file reads, read once: it halves the time of a build from nothing. What is shipped is
-# built without, so a file that leaves out an include it needs is found there.
+# What nearly every file reads, read once: it halves the time of a build from nothing. The debug preset does
+# without, so a file that leaves out an include it needs is found there.
 
 # Every target of the folder and below it that is built with our options.
 function(sayvane_precompile folder)
