@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 /// Whether the desktop asks for light or dark windows.
@@ -17,16 +18,18 @@ struct AppearanceWishes
     bool operator==(const AppearanceWishes &) const = default;
 };
 
-/// The desktop's wishes about looks, followed while somebody listens.
+/// The desktop's wishes about looks, followed by each who listens.
 class Appearance
 {
 public:
+    /// Called on the main thread whenever the wishes change; nobody's any more once it is given up.
+    using Listener = std::shared_ptr<const std::function<void()>>;
+
     virtual ~Appearance() = default;
 
     /// What is known so far; it may become known only after `follow`.
     virtual AppearanceWishes wishes() const = 0;
 
-    /// Asks the desktop, and calls on the main thread whenever the wishes change from then on. An empty
-    /// function stops it.
-    virtual void follow(std::function<void()> changed) = 0;
+    /// Asks the desktop, and calls the listener for as long as somebody keeps it.
+    virtual void follow(const Listener &listener) = 0;
 };

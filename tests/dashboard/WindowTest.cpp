@@ -91,6 +91,7 @@ private Q_SLOTS:
     {
         FakeAppearance appearance;
         const Theme theme(appearance);
+        std::make_unique<Theme>(appearance).reset(); // another window's, closed again
         QSignalSpy changed(&theme, &Theme::changed);
         QVERIFY(!theme.isDark() && theme.motion() > 0);
         appearance.want({.scheme = ColorScheme::dark, .accent = 0xff8800, .reducedMotion = true});

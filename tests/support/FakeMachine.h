@@ -209,18 +209,17 @@ class FakeAppearance final : public Appearance
 {
 public:
     AppearanceWishes wishes() const override { return wanted; }
-    void follow(std::function<void()> changed) override { m_changed = std::move(changed); }
+    void follow(const Listener &listener) override { m_listeners.add(listener); }
     void want(const AppearanceWishes &wishes)
     {
         wanted = wishes;
-        if (m_changed)
-            m_changed();
+        m_listeners.tell();
     }
 
     AppearanceWishes wanted;
 
 private:
-    std::function<void()> m_changed;
+    AppearanceListeners m_listeners;
 };
 
 /// A machine for tests: public fields set the scene and tell what happened.

@@ -6,16 +6,13 @@
 #include <QPalette>
 #include <QQmlEngine>
 
-Theme::Theme(Appearance &appearance) : m_appearance(appearance)
+Theme::Theme(Appearance &appearance)
+    : m_appearance(appearance),
+      m_listener(std::make_shared<const std::function<void()>>([this] { update(); }))
 {
-    m_appearance.follow([this] { update(); });
+    m_appearance.follow(m_listener);
     qGuiApp->installEventFilter(this);
     update();
-}
-
-Theme::~Theme()
-{
-    m_appearance.follow({});
 }
 
 Theme *Theme::create(QQmlEngine *engine, QJSEngine *)

@@ -56,12 +56,10 @@ class Theme final : public QObject
     Q_PROPERTY(int buttonRadius MEMBER s_buttonRadius CONSTANT)
     Q_PROPERTY(int controlHeight MEMBER s_controlHeight CONSTANT)
     /// About 80 characters of running text.
-    Q_PROPERTY(int textWidth MEMBER s_textWidth CONSTANT)
     Q_PROPERTY(double disabledOpacity MEMBER s_disabledOpacity CONSTANT)
 
 public:
     explicit Theme(Appearance &appearance);
-    ~Theme() override;
 
     /// The theme that the engine carries in its dynamic property "theme".
     static Theme *create(QQmlEngine *engine, QJSEngine *);
@@ -113,10 +111,10 @@ private:
     static constexpr int s_fieldRadius = 7;
     static constexpr int s_buttonRadius = 6;
     static constexpr int s_controlHeight = 28;
-    static constexpr int s_textWidth = 600;
     static constexpr double s_disabledOpacity = 0.4;
 
     Appearance &m_appearance;
+    Appearance::Listener m_listener;
     bool m_dark = false;
     bool m_highContrast = false;
     bool m_reducedMotion = false;

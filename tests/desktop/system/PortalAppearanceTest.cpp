@@ -69,7 +69,8 @@ private Q_SLOTS:
 
         {
             PortalAppearance without; // nobody answers, nothing waits
-            without.follow([] { QFAIL("There is no portal."); });
+            const auto listener = std::make_shared<const std::function<void()>>([] { QFAIL("There is no portal."); });
+            without.follow(listener);
             QCOMPARE(without.wishes().scheme, ColorScheme::noPreference);
         }
         QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"portal"_s);
@@ -84,7 +85,8 @@ private Q_SLOTS:
 
         PortalAppearance desktop;
         int changes = 0;
-        desktop.follow([&] { ++changes; });
+        const auto listener = std::make_shared<const std::function<void()>>([&] { ++changes; });
+        desktop.follow(listener);
         QTRY_COMPARE(desktop.wishes().scheme, ColorScheme::dark);
         QCOMPARE(desktop.wishes().accent.value_or(0), 0xff8000u);
         QVERIFY(desktop.wishes().reducedMotion && !desktop.wishes().highContrast);

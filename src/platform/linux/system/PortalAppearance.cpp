@@ -44,10 +44,10 @@ std::optional<unsigned> accentIn(const QVariant &value)
 
 } // namespace
 
-void PortalAppearance::follow(std::function<void()> changed)
+void PortalAppearance::follow(const Listener &listener)
 {
-    m_changed = std::move(changed);
-    if (!m_changed || m_subscribed)
+    m_listeners.add(listener);
+    if (m_subscribed)
         return;
     // Qt D-Bus looks the slot's parameters up by name, and does not connect while it knows none of it.
     qRegisterMetaType<QDBusVariant>();
@@ -104,6 +104,5 @@ void PortalAppearance::take(const QString &group, const QString &key, const QVar
     if (wishes == m_wishes)
         return;
     m_wishes = wishes;
-    if (m_changed)
-        m_changed();
+    m_listeners.tell();
 }

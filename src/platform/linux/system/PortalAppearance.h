@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Appearance.h"
+#include "platform/AppearanceListeners.h"
 
 #include <QDBusVariant>
 #include <QObject>
@@ -17,7 +17,7 @@ class PortalAppearance final : public QObject, public Appearance
     Q_OBJECT
 public:
     AppearanceWishes wishes() const override { return m_wishes; }
-    void follow(std::function<void()> changed) override;
+    void follow(const Listener &listener) override;
 
 private:
     Q_SLOT void settingChanged(const QString &group, const QString &key, const QDBusVariant &value);
@@ -25,6 +25,6 @@ private:
     void take(const QString &group, const QString &key, const QVariant &value);
 
     AppearanceWishes m_wishes;
-    std::function<void()> m_changed;
+    AppearanceListeners m_listeners;
     bool m_subscribed = false;
 };
