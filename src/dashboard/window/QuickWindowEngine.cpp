@@ -3,6 +3,8 @@
 #include "dashboard/window/AccessibleItem.h"
 #include "platform/Graphics.h"
 
+#include <QGuiApplication>
+#include <QIcon>
 #include <QOpenGLContext>
 #include <QQmlComponent>
 #include <QQuickWindow>
@@ -59,6 +61,7 @@ std::unique_ptr<QWindow> QuickWindowEngine::makeWindow(const QString &typeName, 
     // A hidden window keeps nothing of what it drew.
     window->setPersistentGraphics(false);
     window->setPersistentSceneGraph(false);
+    window->setIcon(QIcon::fromTheme(QGuiApplication::desktopFileName()));
     object.release();
     return std::unique_ptr<QWindow>(window);
 }

@@ -34,7 +34,7 @@ T.Button {
     Keys.onPressed: event => {
         if (busy || event.key === Qt.Key_Return || event.key === Qt.Key_Enter)
             event.accepted = true;
-        if (event.accepted && !busy)
+        if (event.accepted && !busy && !event.isAutoRepeat)
             clicked();
     }
 

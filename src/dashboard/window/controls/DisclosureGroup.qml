@@ -26,7 +26,7 @@ Column {
         hoverEnabled: true
         focusPolicy: Qt.StrongFocus
         onClicked: group.toggled()
-        Keys.onReturnPressed: group.toggled()
+        Keys.onReturnPressed: event => { if (!event.isAutoRepeat) group.toggled(); }
         Keys.onRightPressed: if (!group.expanded) group.toggled()
         Keys.onLeftPressed: if (group.expanded) group.toggled()
         Accessible.role: Accessible.Button

@@ -20,7 +20,9 @@ T.Switch {
     Accessible.description: help
     Accessible.checkable: true
     Accessible.checked: checked
-    Keys.onReturnPressed: {
+    Keys.onReturnPressed: event => {
+        if (event.isAutoRepeat)
+            return;
         toggle();
         toggled();
     }

@@ -73,7 +73,7 @@ Item {
             id: texts
             x: Theme.screenMargin + 62 + 8
             y: 10
-            width: Math.min(row.width - x - 8 - 60 - Theme.screenMargin, Theme.textWidth)
+            width: row.width - x - 8 - buttons.width - Theme.screenMargin
             spacing: 3
 
             TextEdit {
@@ -112,6 +112,7 @@ Item {
 
             IconButton {
                 id: copy
+                implicitWidth: 24
                 symbol: "doc.on.doc"
                 help: "Copy transcript"
                 activeFocusOnTab: row.active
@@ -119,6 +120,7 @@ Item {
             }
             IconButton {
                 id: remove
+                implicitWidth: 24
                 symbol: "trash"
                 help: "Delete"
                 activeFocusOnTab: row.active

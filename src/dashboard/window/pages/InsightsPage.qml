@@ -7,6 +7,11 @@ ScrollPane {
 
     required property InsightsView model
 
+    scrollsByKeys: true
+    Accessible.role: Accessible.Pane
+    Accessible.name: "Insights"
+    Accessible.focusable: true
+
     Title {
         text: "Insights"
     }

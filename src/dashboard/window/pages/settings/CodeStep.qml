@@ -43,7 +43,8 @@ Column {
                 step.signIn.enter(text);
                 text = Qt.binding(() => step.signIn.code); // only digits stay
             }
-            Component.onCompleted: forceActiveFocus(Qt.OtherFocusReason)
+            // Not from a screen that the user has gone to meanwhile.
+            Component.onCompleted: if (visible) forceActiveFocus(Qt.OtherFocusReason)
         }
         Spinner {
             anchors.verticalCenter: parent.verticalCenter

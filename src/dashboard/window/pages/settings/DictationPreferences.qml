@@ -72,6 +72,7 @@ Column {
         width: parent.width
         label: vocabularyCaption.text
         text: rows.preferences.vocabulary
-        editor.onTextChanged: rows.preferences.vocabulary = editor.text
+        // What is only shown is no change.
+        editor.onTextChanged: if (editor.activeFocus) rows.preferences.vocabulary = editor.text
     }
 }

@@ -10,6 +10,9 @@ Column {
 
     width: parent ? parent.width : implicitWidth
     spacing: Theme.labelSpacing
+    // Saving is what Return does where nothing else wants it.
+    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) rows.key.saveKey(); }
+    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) rows.key.saveKey(); }
 
     Label {
         id: title
@@ -30,7 +33,6 @@ Column {
             revealed: rows.key.showKey
             failed: rows.key.keyError !== ""
             onTextEdited: rows.key.apiKey = text
-            onAccepted: rows.key.saveKey()
             onActiveFocusChanged: rows.key.keyFieldFocused = activeFocus
         }
         Button {
@@ -65,7 +67,7 @@ Column {
         Button {
             kind: Button.Destructive
             text: qsTr("Remove key")
-            onClicked: removal.open()
+            onClicked: rows.key.keyStored ? removal.open() : rows.key.removeKey()
         }
         Button {
             kind: Button.Link
