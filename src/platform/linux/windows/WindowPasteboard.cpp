@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 WindowPasteboard::WindowPasteboard()
 {
-    connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this, [this] { ++m_changeCount; });
+    connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this, &WindowPasteboard::noteChange);
     connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, &WindowPasteboard::followFocus);
     qGuiApp->installEventFilter(this);
 }
@@ -54,11 +54,24 @@ void WindowPasteboard::setItems(const QList<PasteboardItem> &items)
 // Only after what the key or the click does: that may be copying, and a compositor takes one copy for each.
 bool WindowPasteboard::eventFilter(QObject *, QEvent *event)
 {
+    if (event->isInputEvent()) {
+        m_isInHand = true;
+        QMetaObject::invokeMethod(
+            this, [this] { m_isInHand = false; }, Qt::QueuedConnection);
+    }
     const bool isDone = event->type() == QEvent::KeyRelease || event->type() == QEvent::MouseButtonRelease ||
                         event->type() == QEvent::TouchEnd;
     if (isDone && !m_waiting.isEmpty())
         QMetaObject::invokeMethod(this, &WindowPasteboard::deliverAgain, Qt::QueuedConnection);
     return false;
+}
+
+void WindowPasteboard::noteChange()
+{
+    ++m_changeCount;
+    // A field of ours was copied from meanwhile.
+    if (!m_isDelivering && QGuiApplication::clipboard()->ownsClipboard())
+        m_waiting.clear();
 }
 
 void WindowPasteboard::followFocus()
@@ -74,7 +87,10 @@ void WindowPasteboard::put(PasteboardItem contents)
     m_waiting = std::move(contents);
     m_isDelivered = false;
     ++m_changeCount;
-    deliverAgain();
+    if (m_isInHand)
+        deliverAgain();
+    else
+        deliver();
 }
 
 void WindowPasteboard::deliver()
@@ -85,7 +101,9 @@ void WindowPasteboard::deliver()
     for (const PasteboardData &data : std::as_const(m_waiting))
         contents->setData(data.type, data.bytes);
     m_isDelivered = true;
+    m_isDelivering = true;
     QGuiApplication::clipboard()->setMimeData(contents.release()); // which owns it from here on
+    m_isDelivering = false;
 }
 
 void WindowPasteboard::deliverAgain()

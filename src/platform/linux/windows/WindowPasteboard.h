@@ -26,6 +26,7 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void noteChange();
     void followFocus();
     void put(PasteboardItem contents);
     void deliver();
@@ -33,5 +34,7 @@ private:
 
     PasteboardItem m_waiting;
     bool m_isDelivered = false; // perhaps, see above
+    bool m_isDelivering = false;
+    bool m_isInHand = false; // a key or click of the user's in our window is being handled
     qint64 m_changeCount = 0;
 };
