@@ -70,17 +70,17 @@ int runProgram(const Invocation &asked, QuitSignals &quitSignals)
     case Turn::served:
         return ExitCode::done;
     case Turn::refused:
-        return Terminal::complain(
-            u"Another Sayvane that cannot be reached from here is at work. Try again when it has ended."_s,
-            ExitCode::inUse);
+        return Terminal::complain(lock.objection(), lock.isTaken() ? ExitCode::inUse : ExitCode::failed);
     case Turn::ours:
         break;
     }
     HeldLibrary screens(QCoreApplication::applicationDirPath() + u"/" SAYVANE_SCREENS_FROM_BIN ""_s);
+    if (!screens.isThere())
+        return Terminal::complain(u"A part of Sayvane is missing. Install it again."_s, ExitCode::failed);
     SayvaneApp app(machine->platform(), asked.service, [&](Appearance &appearance, const Graphics &graphics) {
         const auto make =
             reinterpret_cast<decltype(&sayvaneMakeWindowEngine)>(screens.symbol("sayvaneMakeWindowEngine"));
-        return std::unique_ptr<WindowEngine>(make(appearance, graphics));
+        return std::unique_ptr<WindowEngine>(make ? make(appearance, graphics) : nullptr);
     });
     QObject::connect(&quitSignals, &QuitSignals::received, qApp, &QCoreApplication::quit);
     // The desktop session is over. An X11 server that is Wayland's guest comes and goes.
@@ -113,6 +113,7 @@ int main(int argc, char **argv)
     QuitSignals quitSignals;
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setDesktopFileName(u"app.sayvane.Sayvane"_s);
     quitSignals.listen();
     return runProgram(*asked, quitSignals);
 }

@@ -23,3 +23,10 @@ QVariantMap DashboardScreens::models()
             {u"insights"_s, QVariant::fromValue(&m_insights)},
             {u"dictionary"_s, QVariant::fromValue(&m_dictionary)}};
 }
+
+void DashboardScreens::setShown(bool shown)
+{
+    m_frame.setShown(shown);
+    if (!shown)
+        m_dictations.setConfirmingClear(false); // a question is not there again when the window is
+}

@@ -26,7 +26,7 @@ public:
     QVariantMap models();
 
     /// Whether the window is on the screen.
-    void setShown(bool shown) { m_frame.setShown(shown); }
+    void setShown(bool shown);
 
 private:
     DashboardNavigation &m_navigation;

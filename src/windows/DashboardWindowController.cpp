@@ -45,8 +45,8 @@ DashboardWindowController::~DashboardWindowController() = default;
 
 void DashboardWindowController::show()
 {
-    if (!m_window)
-        make();
+    if (!m_window && !make())
+        return;
     m_needs.activation.setPolicy(ActivationPolicy::regular);
     m_needs.installMainMenu();
     m_needs.shownChanged(true);
@@ -61,13 +61,16 @@ void DashboardWindowController::show()
     m_window->requestActivate();
 }
 
-void DashboardWindowController::make()
+bool DashboardWindowController::make()
 {
     m_engine = m_needs.makeEngine(m_needs.appearance, m_needs.graphics);
+    if (!m_engine)
+        return false;
     m_window = m_engine->makeWindow(u"DashboardWindow"_s, m_needs.models());
     centre(*m_window);
     if (!m_closeObserver)
         m_closeObserver.emplace([this](QWindow *window) { closing(window); });
+    return true;
 }
 
 void DashboardWindowController::closing(const QWindow *window)

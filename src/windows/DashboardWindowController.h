@@ -46,7 +46,7 @@ public:
     static bool hasRegular(const QWindow *besides);
 
 private:
-    void make();
+    bool make();
     void closing(const QWindow *window);
 
     Needs m_needs;

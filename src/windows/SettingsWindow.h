@@ -6,6 +6,7 @@
 
 #include <memory>
 
+class Activation;
 class Appearance;
 class Graphics;
 class SettingsForms;
@@ -15,8 +16,8 @@ class SettingsWindow final : public QObject
 {
     Q_OBJECT
 public:
-    SettingsWindow(Appearance &appearance, const Graphics &graphics, WindowEngine::Maker makeEngine,
-                   SettingsForms &forms);
+    SettingsWindow(Activation &activation, Appearance &appearance, const Graphics &graphics,
+                   WindowEngine::Maker makeEngine, SettingsForms &forms);
     ~SettingsWindow() override;
 
     /// Opens the window, or brings it to the front.
@@ -26,9 +27,10 @@ public:
     QWindow *window() const { return m_window.get(); }
 
 private:
-    void make();
+    bool make();
     void dropIfClosed();
 
+    Activation &m_activation;
     Appearance &m_appearance;
     const Graphics &m_graphics;
     WindowEngine::Maker m_makeEngine;

@@ -14,7 +14,8 @@ class Graphics;
 class WindowEngine
 {
 public:
-    /// `Graphics` decides, for the first engine of the process, how windows are drawn.
+    /// `Graphics` decides, for the first engine of the process, how windows are drawn. None where windows
+    /// cannot be had any more.
     using Maker = std::function<std::unique_ptr<WindowEngine>(Appearance &, const Graphics &)>;
 
     virtual ~WindowEngine() = default;

@@ -3,19 +3,35 @@
 #include "app/Host.h"
 #include "platform/Platform.h"
 
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto updateNoticeDuration = 4s;
+
+} // namespace
+
 Windows::Windows(Host &host, Platform &platform, const WindowEngine::Maker &makeEngine, Hooks hooks)
     : m_host(host),
       m_platform(platform),
+      m_makeEngine([this, makeEngine](Appearance &appearance, const Graphics &graphics) {
+          auto engine = makeEngine(appearance, graphics);
+          if (!engine)
+              tellOfUpdate();
+          return engine;
+      }),
       m_forms(host, platform, [this] { openSettings(); }),
       m_dashboard({.activation = platform.activation,
                    .appearance = platform.appearance,
                    .graphics = platform.graphics,
-                   .makeEngine = makeEngine,
+                   .makeEngine = m_makeEngine,
                    .models = [this] { return models(); },
                    .shownChanged = [this](bool shown) { m_screens->setShown(shown); },
                    .installMainMenu = std::move(hooks.installMainMenu),
                    .cancelShortcutCapture = std::move(hooks.cancelShortcutCapture)}),
-      m_settings(platform.appearance, platform.graphics, makeEngine, m_forms.settings())
+      m_settings(platform.activation, platform.appearance, platform.graphics, m_makeEngine,
+                 m_forms.settings())
 {
 }
 
@@ -37,4 +53,13 @@ QVariantMap Windows::models()
     QVariantMap models = m_screens->models();
     models.insert(m_forms.models());
     return models;
+}
+
+void Windows::tellOfUpdate()
+{
+    if (m_host.flow().state() != FlowState::idle)
+        return;
+    OverlayPanel &overlay = m_host.flow().overlay();
+    overlay.show(FlowState::idle, u"Sayvane was updated. Quit and start it again."_s, OverlayTone::warning);
+    overlay.hide(updateNoticeDuration);
 }

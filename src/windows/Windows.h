@@ -38,9 +38,11 @@ public:
 
 private:
     QVariantMap models();
+    void tellOfUpdate();
 
     Host &m_host;
     Platform &m_platform;
+    WindowEngine::Maker m_makeEngine;
     DashboardNavigation m_navigation;
     std::optional<DashboardScreens> m_screens; // from the first opening on
     FormScreens m_forms;

@@ -22,12 +22,10 @@ HeldLibrary::~HeldLibrary()
 
 void *HeldLibrary::symbol(const char *name)
 {
-    if (m_file < 0)
-        qFatal("%s is missing. Install Sayvane again.", qPrintable(m_path));
     if (!m_loaded)
         m_loaded = ::dlopen(("/proc/self/fd/" + std::to_string(m_file)).c_str(), RTLD_NOW);
     void *const found = m_loaded ? ::dlsym(m_loaded, name) : nullptr;
     if (!found)
-        qFatal("%s cannot be used: %s", qPrintable(m_path), ::dlerror());
+        qCritical("%s cannot be used: %s", qPrintable(m_path), ::dlerror());
     return found;
 }

@@ -12,8 +12,11 @@ public:
     ~HeldLibrary();
     Q_DISABLE_COPY_MOVE(HeldLibrary)
 
-    /// What the library exports under that name; ends the program where it is not to be had, which is a
-    /// fault of the installation.
+    /// Whether there is such a file.
+    bool isThere() const { return m_file >= 0; }
+
+    /// What the library exports under that name. None, with a word in the log, where it cannot be loaded: the
+    /// libraries that it needs in turn may have been replaced since the program was started.
     void *symbol(const char *name);
 
 private:
