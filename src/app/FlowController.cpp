@@ -76,6 +76,7 @@ void FlowController::start()
         [this] { schedule(&FlowController::cancelRecording); });
     if (!monitor->start())
         return;
+    monitor->setInterceptEscape(m_state == FlowState::recording);
     m_hotkey = std::move(monitor);
     Q_EMIT hotkeyActiveChanged();
 }

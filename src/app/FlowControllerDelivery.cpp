@@ -57,6 +57,7 @@ QCoro::Task<> FlowController::transcribeAndDeliver(QString filePath, double dura
 
     setLastTranscript(draft.text);
     m_historyStore.append(record(draft, duration, fileSize));
+    recording.remove(); // the words are safe, however the paste ends
     setLastError(draft.notice);
     showOutcome(draft.notice);
     co_await paste(draft.text, stop);

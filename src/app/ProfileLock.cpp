@@ -3,6 +3,7 @@
 #include "platform/Folders.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 
@@ -25,4 +26,11 @@ ProfileLock::ProfileLock(const Folders &folders) : m_file(lockPath(folders))
 bool ProfileLock::tryLock(std::chrono::milliseconds limit)
 {
     return m_file.tryLock(static_cast<int>(limit.count()));
+}
+
+QString ProfileLock::objection() const
+{
+    if (isTaken())
+        return u"Another Sayvane that cannot be reached from here is at work. Try again when it has ended."_s;
+    return u"The folder %1 cannot be written."_s.arg(QFileInfo(m_file.fileName()).path());
 }

@@ -16,6 +16,11 @@ public:
     /// Waits that long for whoever has it.
     bool tryLock(std::chrono::milliseconds limit);
 
+    /// Why it could not be had, in a sentence for the user.
+    QString objection() const;
+    /// Whether somebody else has it; otherwise the folder cannot be written.
+    bool isTaken() const { return m_file.error() == QLockFile::LockFailedError; }
+
 private:
     QLockFile m_file;
 };

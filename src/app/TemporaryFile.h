@@ -10,10 +10,13 @@ public:
     explicit TemporaryFile(const QString &path) : m_path(path) {}
     TemporaryFile(const TemporaryFile &) = delete;
     TemporaryFile &operator=(const TemporaryFile &) = delete;
-    ~TemporaryFile()
+    ~TemporaryFile() { remove(); }
+
+    void remove()
     {
         if (!m_path.isEmpty())
             QFile::remove(m_path);
+        m_path.clear();
     }
 
     void keep() { m_path.clear(); }

@@ -11,8 +11,7 @@ std::expected<std::unique_ptr<OfflineProgram>, QString> OfflineProgram::take(con
     Platform &machine = context.machine();
     auto lock = std::make_unique<ProfileLock>(machine.folders);
     if (!lock->tryLock(5s))
-        return std::unexpected(
-            u"Another Sayvane that cannot be reached from here is at work. Try again when it has ended."_s);
+        return std::unexpected(lock->objection());
     return std::unique_ptr<OfflineProgram>(
         new OfflineProgram(std::move(lock), machine, context.asked.service));
 }

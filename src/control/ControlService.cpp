@@ -195,4 +195,6 @@ QCoro::Task<> ControlService::signIn(QString code, QDBusMessage request, QDBusCo
 void ControlService::SignOut()
 {
     m_signIn.signOutThisMac();
+    if (const QString error = m_signIn.errorText(); !error.isEmpty())
+        refuse(error);
 }

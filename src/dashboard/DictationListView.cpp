@@ -34,7 +34,7 @@ QString DictationListView::greeting() const
 
 QVariantList DictationListView::figures() const
 {
-    return Figure::list(StatsCard::figures(m_store.stats()));
+    return Figure::list(StatsCard::figures(m_store.computeStats()));
 }
 
 void DictationListView::setSearch(const QString &search)

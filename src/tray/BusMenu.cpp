@@ -125,7 +125,11 @@ QList<MenuProperties> BusMenu::GetGroupProperties(const QList<int> &ids, const Q
 
 QDBusVariant BusMenu::GetProperty(int id, const QString &name)
 {
-    return QDBusVariant(propertiesOf(shown(id)).value(name, QString()));
+    const QVariantMap properties = id == 0 ? propertiesOfMenu() : propertiesOf(shown(id));
+    // What is not set has the protocol's default.
+    const QVariant unset =
+        name == "enabled"_L1 || name == "visible"_L1 ? QVariant(true) : QVariant(QString());
+    return QDBusVariant(properties.value(name, unset));
 }
 
 void BusMenu::Event(int id, const QString &type, const QDBusVariant &, uint)

@@ -197,13 +197,13 @@ class PanelTest(DictationCase):
             self.choose("Settings")
             type(self).window = eventually(lambda: self.find_window("Sayvane Settings"), "the settings")
             self.press("Advanced: use your own API key instead", "push button")
-            self.press("Groq", self.segment("Groq"))
+            self.press("Groq", "radio button")
             self.named("Groq API key")
             menu = self.menu()
             self.shows(menu, "Open Sayvane", "-", "(Sayvane: ready)", *known, "-", "Start Dictation",
                        "Copy Last Transcript", "History", *foot)
             self.close(menu)
-            self.press("Sayvane", self.segment("Sayvane"))
+            self.press("Sayvane", "radio button")
 
         with self.subTest("a panel that died"):
             self.panel.kill()
