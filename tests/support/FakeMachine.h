@@ -2,7 +2,7 @@
 
 #include "platform/AccessibilityTrust.h"
 #include "platform/Activation.h"
-#include "platform/Appearance.h"
+#include "platform/AppearanceListeners.h"
 #include "platform/Autostart.h"
 #include "platform/ComputerName.h"
 #include "platform/DefaultsStore.h"
