@@ -35,21 +35,24 @@ Flickable {
         shown: control.activeFocus
     }
 
-    // What the pointer is on is in view.
     function reveal(item) {
-        if (item.focusReason === Qt.MouseFocusReason || item.height > height)
-            return;
         const top = item.mapToItem(contentItem, 0, 0).y;
-        if (top - margin < contentY)
-            contentY = Math.max(0, top - margin);
-        else if (top + item.height + margin > contentY + height)
-            contentY = Math.min(contentHeight - height, top + item.height + margin - height);
+        const bottom = top + item.height;
+        const isTall = item.height + 2 * margin > height;
+        if (isTall && top < contentY + height && bottom > contentY)
+            return; // there is no room for more than a part of it
+        if (isTall || top - margin < contentY)
+            contentY = Math.max(0, Math.min(top - margin, contentHeight - height));
+        else if (bottom + margin > contentY + height)
+            contentY = Math.min(contentHeight - height, bottom + margin - height);
     }
 
     Connections {
         target: control.Window.window
         function onActiveFocusItemChanged() {
             const item = control.Window.window.activeFocusItem;
+            if (item && item.focusReason === Qt.MouseFocusReason)
+                return; // what was clicked is in view, and the page stays under the pointer
             let shown = item; // of a text that scrolls in a frame, the frame
             for (let up = item; up; up = up.parent) {
                 if (up === column)
