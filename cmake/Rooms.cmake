@@ -1,11 +1,15 @@
 # sayvane_room(NAME SOURCES … LINKS …): one static library per room, named sayvane_NAME. LINKS is
-# the complete list of rooms it may include from; tests/house checks the includes against it.
+# the complete list of rooms it may include from; tests/house checks the includes against it. What MODELS have
+# for QML is made known to it, so that qmllint can check the pages.
 function(sayvane_room name)
-    cmake_parse_arguments(ROOM "" "" "SOURCES;LINKS;PRIVATE" ${ARGN})
+    cmake_parse_arguments(ROOM "MODELS" "" "SOURCES;LINKS;PRIVATE" ${ARGN})
     add_library(sayvane_${name} STATIC ${ROOM_SOURCES})
     add_library(sayvane::${name} ALIAS sayvane_${name})
     target_include_directories(sayvane_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
     target_link_libraries(sayvane_${name} PUBLIC ${ROOM_LINKS} PRIVATE sayvane::options ${ROOM_PRIVATE})
+    if(ROOM_MODELS)
+        qt_extract_metatypes(sayvane_${name})
+    endif()
     sayvane_check_headers(${name} ${ROOM_SOURCES})
 endfunction()
 

@@ -37,6 +37,9 @@ Refusal refusalFor(const SignIns::Failure &failure)
 
 const Refusal signUpsClosed{403, "signups_closed", "This server takes no new accounts."};
 
+const Refusal codeNotSent{503, "code_not_sent",
+                          "The sign-in code could not be sent. Ask whoever runs this server."};
+
 std::expected<std::string, Refusal> emailIn(const TextMembers &members)
 {
     if (!members.has("email"))
@@ -105,9 +108,17 @@ Reply::Outcome AccountRoutes::requestCode(const Request &request, const std::str
     const auto code = m_signIns.issue(*email, ClientNetwork::of(request.remote_addr));
     if (!code)
         return std::unexpected(refusalFor(code.error()));
-    if (mayNotSignIn(*email)) // only now, so that the limits also hold for asking who has an account
-        return std::unexpected(signUpsClosed);
-    m_showCode(*code, *email, DeviceName::shaped((*members)["device"]));
+    if (const auto refusal =
+            signInRefusal(*email)) // only now: the limits also hold for asking who has an account
+        return std::unexpected(*refusal);
+    switch (m_showCode(*code, *email, DeviceName::shaped((*members)["device"]))) {
+    case Mailer::Outcome::refused:
+        return std::unexpected(Refusal{400, "invalid_email", "No mail can be sent to that address."});
+    case Mailer::Outcome::failed:
+        return std::unexpected(codeNotSent);
+    case Mailer::Outcome::sent:
+        break;
+    }
     return json{{"expiresInSeconds", std::chrono::seconds(SignIns::lifetime).count()}};
 }
 
@@ -127,8 +138,8 @@ Reply::Outcome AccountRoutes::verify(const Request &request, const std::string &
     const auto used = m_signIns.redeem(*email, code, ClientNetwork::of(request.remote_addr));
     if (!used)
         return std::unexpected(refusalFor(used.error()));
-    if (mayNotSignIn(*email))
-        return std::unexpected(signUpsClosed);
+    if (const auto refusal = signInRefusal(*email))
+        return std::unexpected(*refusal);
     const std::string token = m_accounts.openSession(*email, DeviceName::shaped((*members)["device"]), {});
     const auto account = m_accounts.find(token);
     if (!account)
@@ -188,7 +199,10 @@ Reply::Outcome AccountRoutes::revoke(const Request &request, const std::string &
     return json::object();
 }
 
-bool AccountRoutes::mayNotSignIn(const std::string &email)
+std::optional<Refusal> AccountRoutes::signInRefusal(const std::string &email)
 {
-    return m_signUps == SignUps::closed && !m_accounts.has(email);
+    const auto entry = m_accounts.entry(email);
+    if (entry && entry->account.disabled)
+        return Refusal::accountDisabled();
+    return m_signUps == SignUps::closed && !entry ? std::optional(signUpsClosed) : std::nullopt;
 }

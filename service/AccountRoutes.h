@@ -4,8 +4,10 @@
 #include "service/accounts/SignIns.h"
 #include "service/http/HttpsServer.h"
 #include "service/http/Reply.h"
+#include "service/mail/Mailer.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 
 /// The addresses for signing in with a code, for the account, and for its sessions.
@@ -14,9 +16,9 @@ class AccountRoutes
 public:
     enum class SignUps { open, closed };
 
-    /// Brings a code to whoever runs the service: the code, the e-mail address, the device's name.
-    using ShowCode =
-        std::function<void(const SignIns::Code &code, const std::string &email, const std::string &device)>;
+    /// Brings a code to whom it is for: the code, the e-mail address, the device's name.
+    using ShowCode = std::function<Mailer::Outcome(const SignIns::Code &code, const std::string &email,
+                                                   const std::string &device)>;
 
     /// With `SignUps::closed` only addresses that have an account may sign in.
     AccountRoutes(HttpsServer &server, Accounts &accounts, SignIns &signIns, SignUps signUps,
@@ -38,7 +40,8 @@ private:
     Reply::Outcome logout(const Request &request, const std::string &body);
     Reply::Outcome revoke(const Request &request, const std::string &body);
 
-    bool mayNotSignIn(const std::string &email);
+    /// Why nobody may sign in with the address.
+    std::optional<Refusal> signInRefusal(const std::string &email);
 
     HttpsServer &m_server;
     Accounts &m_accounts;

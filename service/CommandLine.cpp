@@ -1,12 +1,46 @@
 #include "service/CommandLine.h"
 
+#include "service/accounts/DeviceName.h"
+#include "service/accounts/EmailAddress.h"
+
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <climits>
 #include <string_view>
+#include <utility>
 
 namespace {
 
 using Complaint = std::optional<std::string>;
+
+using Verb = CommandLine::AccountsVerb;
+
+constexpr std::array<std::pair<std::string_view, Verb>, 8> verbs{{{"list", Verb::list},
+                                                                  {"show", Verb::show},
+                                                                  {"disable", Verb::disable},
+                                                                  {"enable", Verb::enable},
+                                                                  {"delete", Verb::remove},
+                                                                  {"revoke", Verb::revoke},
+                                                                  {"usage", Verb::usage},
+                                                                  {"prune", Verb::prune}}};
+
+using Command = std::pair<std::string_view, CommandLine::Action>;
+
+constexpr std::array<Command, 4> commands{{{"serve", CommandLine::Action::serve},
+                                           {"session", CommandLine::Action::session},
+                                           {"accounts", CommandLine::Action::accounts},
+                                           {"backup", CommandLine::Action::backup}}};
+
+bool takesDays(Verb verb)
+{
+    return verb == Verb::usage || verb == Verb::prune;
+}
+
+bool needsEmail(Verb verb)
+{
+    return verb != Verb::list && !takesDays(verb);
+}
 
 std::optional<int> numberIn(std::string_view text, int least, int most)
 {
@@ -22,23 +56,6 @@ bool isHost(std::string_view text)
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' ||
                c == '-' || c == ':';
     });
-}
-
-bool isEmail(std::string_view text)
-{
-    const size_t at = text.find('@');
-    return text.size() < 255 && at != std::string_view::npos && at > 0 && at + 1 < text.size() &&
-           text.find('@', at + 1) == std::string_view::npos &&
-           text.find_first_of(" \t\r\n") == std::string_view::npos;
-}
-
-std::string lowered(std::string_view text)
-{
-    std::string result(text);
-    std::ranges::transform(result, result.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    return result;
 }
 
 /// A model's name is sent as it is.
@@ -70,6 +87,33 @@ Complaint setUpstreamOption(CommandLine &line, std::string_view name, std::strin
     if (name == "--upstream-model" || name == "--upstream-chat-model") {
         (name == "--upstream-model" ? line.upstream.speechModel : line.upstream.chatModel) = value;
         return isModel(value) ? Complaint() : std::string(name) + " needs the name of a model";
+    }
+    return "unknown option " + std::string(name);
+}
+
+Complaint setMailOption(CommandLine &line, std::string_view name, std::string_view value)
+{
+    if (name == "--mail") {
+        const auto mail = Mailer::at(value);
+        if (!mail)
+            return mail.error();
+        line.mail.server = mail->server;
+        line.mail.isLocal = mail->isLocal;
+        return {};
+    }
+    if (name == "--mail-from") {
+        const auto sender = EmailAddress::normalised(value);
+        line.mail.sender = sender.value_or("");
+        return sender ? Complaint() : "--mail-from needs an e-mail address";
+    }
+    if (name == "--mail-credentials") {
+        line.mailCredentials = value;
+        return {};
+    }
+    if (name == "--mail-daily") {
+        const auto count = numberIn(value, 1, 1'000'000);
+        line.mailsPerDay = count.value_or(0);
+        return count ? Complaint() : "--mail-daily needs a number from 1 to 1000000";
     }
     return "unknown option " + std::string(name);
 }
@@ -108,22 +152,44 @@ Complaint setServeOption(CommandLine &line, std::string_view name, std::string_v
     }
     if (name.starts_with("--upstream"))
         return setUpstreamOption(line, name, value);
+    if (name.starts_with("--mail"))
+        return setMailOption(line, name, value);
     return "unknown option " + std::string(name);
+}
+
+Complaint setEmail(CommandLine &line, std::string_view value)
+{
+    const auto email = EmailAddress::normalised(value);
+    line.email = email.value_or("");
+    return email ? Complaint() : "--email needs an e-mail address";
 }
 
 Complaint setSessionOption(CommandLine &line, std::string_view name, std::string_view value)
 {
-    if (name == "--email") {
-        line.email = lowered(value);
-        return isEmail(value) ? Complaint() : "--email needs an e-mail address";
-    }
+    if (name == "--email")
+        return setEmail(line, value);
     if (name == "--device") {
-        line.device = value.substr(0, 64);
+        line.device = DeviceName::shaped(value);
         return {};
     }
     if (name == "--daily-minutes") {
         line.dailyMinutes = numberIn(value, 1, 1440);
         return line.dailyMinutes ? Complaint() : "--daily-minutes needs a number from 1 to 1440";
+    }
+    return "unknown option " + std::string(name);
+}
+
+Complaint setAccountsOption(CommandLine &line, std::string_view name, std::string_view value)
+{
+    if (name == "--email")
+        return setEmail(line, value);
+    if (name == "--session" && line.verb == CommandLine::AccountsVerb::revoke) {
+        line.session = numberIn(value, 1, INT_MAX);
+        return line.session ? Complaint() : "--session needs the number of a session";
+    }
+    if (name == "--days" && takesDays(line.verb)) {
+        line.days = numberIn(value, 1, 36500);
+        return line.days ? Complaint() : "--days needs a number from 1 to 36500";
     }
     return "unknown option " + std::string(name);
 }
@@ -138,6 +204,8 @@ Complaint setOption(CommandLine &line, std::string_view name, std::string_view v
         return setServeOption(line, name, value);
     if (line.action == CommandLine::Action::session)
         return setSessionOption(line, name, value);
+    if (line.action == CommandLine::Action::accounts)
+        return setAccountsOption(line, name, value);
     line.copy = value;
     return name == "--to" ? Complaint() : "unknown option " + std::string(name);
 }
@@ -148,10 +216,14 @@ Complaint complaintAbout(const CommandLine &line)
     const bool hasModel = !line.upstream.speechModel.empty() || !line.upstream.chatModel.empty();
     if (line.action == CommandLine::Action::session && line.email.empty())
         return "session needs --email";
+    if (line.action == CommandLine::Action::accounts && line.email.empty() && needsEmail(line.verb))
+        return "this needs --email";
     if (line.action == CommandLine::Action::backup && line.copy.empty())
         return "backup needs --to";
     if (line.certificate.empty() != line.privateKey.empty())
         return "--certificate and --key need each other";
+    if (line.mail.server.empty() != line.mail.sender.empty())
+        return "--mail and --mail-from need each other";
     if (hasModel && line.upstream.origin.empty())
         return "the model of an upstream server needs --upstream";
     if (!hasModel && !line.upstream.origin.empty())
@@ -167,12 +239,18 @@ std::expected<CommandLine, std::string> CommandLine::parse(std::span<const char 
     size_t i = 0;
     if (!arguments.empty() && arguments[0][0] != '-') {
         const std::string_view command = arguments[i++];
-        if (command != "serve" && command != "session" && command != "backup")
+        const auto *const known = std::ranges::find(commands, command, &Command::first);
+        if (known == commands.end())
             return std::unexpected("unknown command " + std::string(command));
-        line.action = command == "serve"     ? Action::serve
-                      : command == "session" ? Action::session
-                                             : Action::backup;
-        line.topic = line.action;
+        line.action = line.topic = known->second;
+        if (line.action == Action::accounts && i < arguments.size() && arguments[i][0] != '-') {
+            const std::string_view word = arguments[i++];
+            const auto *const verb =
+                std::ranges::find(verbs, word, &std::pair<std::string_view, Verb>::first);
+            if (verb == verbs.end())
+                return std::unexpected("unknown command accounts " + std::string(word));
+            line.verb = verb->second;
+        }
     }
     for (; i < arguments.size(); ++i) {
         std::string_view name = arguments[i];
@@ -218,6 +296,13 @@ until it is told to end. SIGHUP reads the certificate again.
   --labs FILE            addresses, models and keys of the assistants
                          (labs.json in the data folder)
 
+Sign-in codes are printed, unless a mail server is named:
+  --mail ADDRESS              such as smtp://mail.example.com:587 (STARTTLS) or
+                              smtps://mail.example.com:465
+  --mail-from ADDRESS         the sender of the mails
+  --mail-credentials FILE     a name and a password to log in with, a line each
+  --mail-daily COUNT          no more mails than this in a day (1000)
+
 Another OpenAI-compatible server may do the work:
   --upstream ADDRESS          its base address, such as https://example.com/v1
   --upstream-model NAME       its model that transcribes; no decoders are loaded
@@ -235,6 +320,23 @@ Makes a session and prints its token, once. Works beside a server.
   --daily-minutes COUNT  the account's allowance (60 for a new account)
   --data FOLDER          the server's ($XDG_DATA_HOME/sayvane-service)
 )";
+    const std::string_view accounts = R"(usage: sayvane-service accounts [COMMAND] [OPTIONS]
+
+Tells of the accounts, or changes one. Works beside a server, from its next
+request on.
+
+  list                   all accounts: address, state, seconds used today of how
+                         many, sessions, last use
+  show --email ADDRESS   one account and its sessions with their numbers
+  disable --email ADDRESS  it keeps its sessions but may do nothing
+  enable --email ADDRESS
+  delete --email ADDRESS   with its sessions and its usage
+  revoke --email ADDRESS [--session NUMBER]  ends one session, or all
+  usage [--email ADDRESS] [--days COUNT]     seconds by day (30 days)
+  prune [--days COUNT]   forgets idle sessions and usage older than so many days
+                         (400); a server does so every day
+  --data FOLDER          the server's ($XDG_DATA_HOME/sayvane-service)
+)";
     const std::string_view backup = R"(usage: sayvane-service backup --to FILE [--data FOLDER]
 
 Copies the database whole, also while a server works.
@@ -246,8 +348,16 @@ Copies the database whole, also while a server works.
         return std::string(serve);
     if (topic == Action::session)
         return std::string(session);
+    if (topic == Action::accounts)
+        return std::string(accounts);
     if (topic == Action::backup)
         return std::string(backup);
-    return std::string(serve).append("\n").append(session).append("\n").append(backup).append(
-        "\n  --help, --version      of the program; COMMAND --help tells of one command\n");
+    return std::string(serve)
+        .append("\n")
+        .append(session)
+        .append("\n")
+        .append(accounts)
+        .append("\n")
+        .append(backup)
+        .append("\n  --help, --version      of the program; COMMAND --help tells of one command\n");
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "service/mail/Mailer.h"
 #include "service/upstream/Upstream.h"
 
 #include <expected>
@@ -11,7 +12,9 @@
 /// What the user asks of the program.
 struct CommandLine
 {
-    enum class Action { serve, session, backup, help, version };
+    enum class Action { serve, session, accounts, backup, help, version };
+    /// What the operator does with accounts.
+    enum class AccountsVerb { list, show, disable, enable, remove, revoke, usage, prune };
 
     Action action = Action::serve;
     Action topic = Action::help; ///< of the help: one command, or all of them
@@ -24,10 +27,16 @@ struct CommandLine
     std::filesystem::path labs;   ///< settings of the assistants; empty: those in the data folder, if any
     Upstream upstream;            ///< without its key; without an origin: none
     std::filesystem::path upstreamKey; ///< empty: from the environment
+    Mailer::Settings mail;             ///< without its credentials; without a server: codes are printed
+    std::filesystem::path mailCredentials;
+    int mailsPerDay = 1000;
     std::filesystem::path certificate; ///< empty, like the key: one of our own making
     std::filesystem::path privateKey;
     std::filesystem::path copy; ///< the backup
+    AccountsVerb verb = AccountsVerb::list;
     std::string email;
+    std::optional<int> session; ///< to revoke; none: all
+    std::optional<int> days;    ///< of usage to show, or to keep
     std::string device = "unnamed";
     std::optional<int> dailyMinutes;
 

@@ -7,14 +7,13 @@
 #include "service/protocol/TextBody.h"
 #include "service/upstream/ChatCompletion.h"
 
-#include <memory>
-
 using namespace std::chrono_literals;
 using nlohmann::json;
 
 namespace {
 
-constexpr int questionsAtOnce = 8; // of the server's 32 connections
+constexpr int questionsAtOnce = 32;
+constexpr int questionsPerAccount = 8;
 constexpr std::int64_t price = 30; // seconds of the daily allowance
 constexpr auto patience = 40s;     // clients wait for 45
 
@@ -33,7 +32,7 @@ LabsRoutes::LabsRoutes(HttpsServer &server, Accounts &accounts, const Assistants
     : m_server(server),
       m_accounts(accounts),
       m_assistants(assistants),
-      m_places(questionsAtOnce)
+      m_places(questionsAtOnce, questionsPerAccount)
 {
     server.Get("/v1/labs/providers", [this](const httplib::Request &request, httplib::Response &response) {
         Reply::give(response, providers(request));
@@ -67,16 +66,16 @@ Reply::Outcome LabsRoutes::answer(const httplib::Request &request, const std::st
     const UpstreamClient *assistant = m_assistants.find(question->provider);
     if (!assistant)
         return std::unexpected(LabsFault::unavailable(Assistants::titleOf(question->provider)));
-    if (!m_places.try_acquire())
+    const auto place = m_places.take(account->id);
+    if (!place)
         return std::unexpected(Refusal::tooMany("Too many questions are being answered just now.", 3));
-    const auto release = [](std::counting_semaphore<> *places) { places->release(); };
-    const std::unique_ptr<std::counting_semaphore<>, decltype(release)> place(&m_places, release);
-    // Charged beforehand, so that questions at the same time cannot share the last seconds.
-    if (!m_accounts.charge(*account, price))
+    // Beforehand, so that questions at the same time cannot share the last seconds.
+    auto reservation = m_accounts.reserve(*account, price);
+    if (!reservation)
         return std::unexpected(Refusal::quotaExceeded());
     Reply::Outcome outcome = asked(*assistant, *question, request);
-    if (!outcome)
-        m_accounts.refund(*account, price);
+    if (outcome)
+        reservation->settle();
     return outcome;
 }
 

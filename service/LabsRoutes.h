@@ -1,11 +1,11 @@
 #pragma once
 
 #include "service/accounts/Accounts.h"
+#include "service/accounts/Places.h"
 #include "service/http/HttpsServer.h"
 #include "service/http/Reply.h"
 #include "service/labs/Assistants.h"
 
-#include <semaphore>
 #include <string>
 
 struct LabsRequest;
@@ -29,5 +29,5 @@ private:
     HttpsServer &m_server;
     Accounts &m_accounts;
     const Assistants &m_assistants;
-    std::counting_semaphore<> m_places; // for questions under way
+    Places m_places; // for questions under way
 };

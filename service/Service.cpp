@@ -18,11 +18,11 @@ using Reply::refuse;
 
 } // namespace
 
-Service::Service(HttpsServer &server, Accounts &accounts, Transcriptions &transcriptions, Cleaner &cleaner)
+Service::Service(HttpsServer &server, Accounts &accounts, Transcriptions &transcriptions, Cleanups &cleanups)
     : m_server(server),
       m_accounts(accounts),
       m_transcriptions(transcriptions),
-      m_cleaner(cleaner)
+      m_cleanups(cleanups)
 {
     server.set_payload_max_length(FormParts::maximumBody);
     server.Post("/v1/transcribe",
@@ -72,7 +72,8 @@ void Service::transcribe(const Request &request, Response &response, const httpl
 
 void Service::cleanup(const Request &request, Response &response, const httplib::ContentReader &body)
 {
-    if (!authenticated(request, response))
+    const auto account = authenticated(request, response);
+    if (!account)
         return;
     const auto text = TextBody::read(request, body, CleanupRequest::maximumBody);
     if (!text)
@@ -80,10 +81,10 @@ void Service::cleanup(const Request &request, Response &response, const httplib:
     const auto wanted = CleanupRequest::fromJson(*text);
     if (!wanted)
         return refuse(response, wanted.error());
-    const auto result = m_cleaner.edited(*wanted, [&] { return m_server.isAbandoned(request); });
+    const auto result = m_cleanups.edited(*account, *wanted, [&] { return m_server.isAbandoned(request); });
     if (!result)
         return refuse(response, result.error());
-    answer(response, {{"text", result->text}, {"model", m_cleaner.model()}, {"skipped", result->skipped}});
+    answer(response, {{"text", result->text}, {"model", m_cleanups.model()}, {"skipped", result->skipped}});
 }
 
 void Service::models(const Request &request, Response &response)
@@ -92,7 +93,7 @@ void Service::models(const Request &request, Response &response)
         answer(response, {{"object", "list"},
                           {"data",
                            {{{"id", m_transcriptions.model()}, {"object", "model"}},
-                            {{"id", m_cleaner.model()}, {"object", "model"}}}}});
+                            {{"id", m_cleanups.model()}, {"object", "model"}}}}});
     }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "service/accounts/Accounts.h"
-#include "service/dictation/Cleaner.h"
+#include "service/dictation/Cleanups.h"
 #include "service/dictation/Transcriptions.h"
 #include "service/http/HttpsServer.h"
 
@@ -12,7 +12,7 @@
 class Service
 {
 public:
-    Service(HttpsServer &server, Accounts &accounts, Transcriptions &transcriptions, Cleaner &cleaner);
+    Service(HttpsServer &server, Accounts &accounts, Transcriptions &transcriptions, Cleanups &cleanups);
     Service(const Service &) = delete;
     Service &operator=(const Service &) = delete;
 
@@ -30,5 +30,5 @@ private:
     HttpsServer &m_server;
     Accounts &m_accounts;
     Transcriptions &m_transcriptions;
-    Cleaner &m_cleaner;
+    Cleanups &m_cleanups;
 };

@@ -1,9 +1,11 @@
 #include "service/AccountRoutes.h"
+#include "service/AccountsCommand.h"
 #include "service/CommandLine.h"
 #include "service/Console.h"
 #include "service/LabsRoutes.h"
 #include "service/Service.h"
 #include "service/accounts/Backup.h"
+#include "service/accounts/SignInCode.h"
 #include "service/dictation/EmbeddedTranscriber.h"
 #include "service/dictation/RulesCleaner.h"
 #include "service/machine/Certificate.h"
@@ -91,6 +93,14 @@ Upstream upstreamFor(const CommandLine &line)
     return upstream;
 }
 
+Mailer::Settings mailFor(const CommandLine &line)
+{
+    Mailer::Settings mail = line.mail;
+    if (!line.mailCredentials.empty())
+        Mailer::readCredentials(mail, line.mailCredentials);
+    return mail;
+}
+
 /// The speech model is loaded only where it is needed: a service with an upstream server stays small.
 std::unique_ptr<Transcriber> transcriberFor(const CommandLine &line, const UpstreamClient &upstream,
                                             std::optional<SpeechEngine> &speech)
@@ -123,15 +133,26 @@ void serve(const CommandLine &line, DataFolder &folder)
     const std::unique_ptr<Transcriber> transcriber = transcriberFor(line, upstream, speech);
     const std::unique_ptr<Cleaner> cleaner = cleanerFor(upstream);
     Transcriptions transcriptions(accounts, *transcriber);
-    SignIns signIns(folder.database(), systemTime);
+    Cleanups cleanups(accounts, *cleaner);
+    SignIns signIns(folder.database(), SignInCode::keyIn(folder.codeKey()), systemTime,
+                    line.mail.server.empty() ? 0 : line.mailsPerDay);
     const Assistants assistants(labsFile(line, folder), [](const char *name) { return std::getenv(name); });
+    std::optional<Mailer> mailer;
+    if (!line.mail.server.empty())
+        mailer.emplace(mailFor(line));
+    const auto showCode = [&mailer](const SignIns::Code &code, const std::string &email,
+                                    const std::string &device) {
+        if (mailer)
+            return mailer->send(code, email, device);
+        return Console::show(code, email, device) ? Mailer::Outcome::sent : Mailer::Outcome::failed;
+    };
     // The service comes last: it takes every address that nobody took before.
     const AccountRoutes accountRoutes(
         server, accounts, signIns,
-        line.newAccounts ? AccountRoutes::SignUps::open : AccountRoutes::SignUps::closed, Console::show);
+        line.newAccounts ? AccountRoutes::SignUps::open : AccountRoutes::SignUps::closed, showCode);
     const LabsRoutes labsRoutes(server, accounts, assistants);
-    const OpenAiInterface openAi(server, accounts, transcriptions, *cleaner);
-    const Service service(server, accounts, transcriptions, *cleaner);
+    const OpenAiInterface openAi(server, accounts, transcriptions, cleanups);
+    const Service service(server, accounts, transcriptions, cleanups);
     std::thread serving([&server] { server.serve(); });
     std::cout << "listening on " << addressOf(line.host, port) << " certificate " << certificate.string()
               << '\n'
@@ -157,6 +178,7 @@ int run(const CommandLine &line)
         return EX_OK;
     case CommandLine::Action::serve:
     case CommandLine::Action::session:
+    case CommandLine::Action::accounts:
     case CommandLine::Action::backup:
         break;
     }
@@ -167,8 +189,11 @@ int run(const CommandLine &line)
     } else if (line.action == CommandLine::Action::backup) {
         Backup::write(folder.database(), line.copy);
     } else {
-        std::cout << Accounts(folder.database()).openSession(line.email, line.device, line.dailyMinutes)
-                  << '\n';
+        Accounts accounts(folder.database(), systemTime, Schema::Older::isRefused);
+        if (line.action == CommandLine::Action::accounts)
+            AccountsCommand::run(line, accounts);
+        else
+            std::cout << accounts.openSession(line.email, line.device, line.dailyMinutes) << '\n';
     }
     return EX_OK;
 }

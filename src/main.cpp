@@ -5,15 +5,21 @@
 #include "commands/ExitCode.h"
 #include "commands/Terminal.h"
 #include "dashboard/window/ScreensLibrary.h"
+#include "platform/Platform.h"
 #include "platform/linux/DesktopDisplay.h"
 #include "platform/linux/LinuxMachine.h"
 #include "platform/linux/QuitSignals.h"
+#include "platform/linux/Wording.h"
 #include "platform/linux/system/HeldLibrary.h"
 #include "platform/linux/system/LogFormat.h"
+#include "platform/linux/system/XdgFolders.h"
 #include "program/SayvaneApp.h"
+#include "recovery/LeftRecordings.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
+#include <QDir>
+#include <QIcon>
 
 #include <memory>
 
@@ -44,6 +50,20 @@ int runCommand(const Invocation &asked)
          }});
 }
 
+QString iconsFolder()
+{
+    return QDir::cleanPath(QCoreApplication::applicationDirPath() + u"/" SAYVANE_ICONS_FROM_BIN ""_s);
+}
+
+/// For title bars and task bars, in the sizes that they ask for.
+QIcon windowIcon()
+{
+    QIcon icon;
+    for (const int size : {16, 24, 32, 48, 64, 128})
+        icon.addFile(iconsFolder() + u"/hicolor/%1x%1/apps/app.sayvane.Sayvane.png"_s.arg(size));
+    return icon;
+}
+
 enum class Turn { ours, served, refused };
 
 /// Whether this process is to be the program of the profile. Where it runs already, it is asked to show
@@ -54,7 +74,7 @@ Turn take(ProfileLock &lock, const ControlClient &running)
     while (!lock.tryLock(0s)) {
         if (running.call(u"Open"_s, {QString()}))
             return Turn::served;
-        if (limit.hasExpired())
+        if (limit.hasExpired() || !lock.isTaken())
             return Turn::refused;
         if (lock.tryLock(100ms))
             break;
@@ -64,8 +84,8 @@ Turn take(ProfileLock &lock, const ControlClient &running)
 
 int runProgram(const Invocation &asked, QuitSignals &quitSignals)
 {
-    const std::unique_ptr<LinuxMachine> machine = makeMachine(asked.profile);
-    ProfileLock lock(machine->platform().folders);
+    // Before anything of the profile is read: whoever has it may be writing.
+    ProfileLock lock{XdgFolders(asked.profile)};
     switch (take(lock, ControlClient(asked.profile))) {
     case Turn::served:
         return ExitCode::done;
@@ -74,21 +94,29 @@ int runProgram(const Invocation &asked, QuitSignals &quitSignals)
     case Turn::ours:
         break;
     }
+    const std::unique_ptr<LinuxMachine> machine = makeMachine(asked.profile);
     HeldLibrary screens(QCoreApplication::applicationDirPath() + u"/" SAYVANE_SCREENS_FROM_BIN ""_s);
     if (!screens.isThere())
         return Terminal::complain(u"A part of Sayvane is missing. Install it again."_s, ExitCode::failed);
-    SayvaneApp app(machine->platform(), asked.service, [&](Appearance &appearance, const Graphics &graphics) {
+    const auto makeWindowEngine = [&](Appearance &appearance, const Graphics &graphics) {
+        QApplication::setWindowIcon(windowIcon()); // the first window is near
         const auto make =
             reinterpret_cast<decltype(&sayvaneMakeWindowEngine)>(screens.symbol("sayvaneMakeWindowEngine"));
         return std::unique_ptr<WindowEngine>(make ? make(appearance, graphics) : nullptr);
-    });
+    };
+    auto app =
+        std::make_unique<SayvaneApp>(machine->platform(), asked.service, iconsFolder(), makeWindowEngine);
     QObject::connect(&quitSignals, &QuitSignals::received, qApp, &QCoreApplication::quit);
     // The desktop session is over. An X11 server that is Wayland's guest comes and goes.
     if (QGuiApplication::platformName() == "xcb"_L1)
         QObject::connect(&machine->desktop().connection(), &X11Connection::lost, qApp,
                          &QCoreApplication::quit);
-    app.launch(asked.profile);
-    return QCoreApplication::exec();
+    app->launch(asked.profile);
+    const int status = QCoreApplication::exec();
+    app.reset();
+    // At once what a next start would do: the temporary folder may not outlive the session.
+    LeftRecordings(machine->platform().folders, machine->platform().clock).takeIn();
+    return status;
 }
 
 } // namespace
@@ -111,9 +139,10 @@ int main(int argc, char **argv)
     if (const QString objection = DesktopDisplay::objection(); !objection.isEmpty())
         return Terminal::complain(objection, ExitCode::noDisplay);
     QuitSignals quitSignals;
-    const QApplication application(argc, argv);
+    QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setDesktopFileName(u"app.sayvane.Sayvane"_s);
+    Wording::install(application);
     quitSignals.listen();
     return runProgram(*asked, quitSignals);
 }

@@ -24,8 +24,9 @@ _sayvane()
         history) words="--json --csv" ;;
         open) words="dictation insights dictionary labs settings" ;;
         recover)
-            words="list transcribe delete"
+            words="list transcribe delete failed"
             case $previous in
+            failed) words="on off" ;;
             transcribe | delete)
                 words=$(sayvane recover 2>/dev/null | cut -d' ' -f1)
                 [ "$previous" = delete ] && words+=" --all"
@@ -34,7 +35,8 @@ _sayvane()
             ;;
         transcribe)
             compopt -o filenames
-            mapfile -t COMPREPLY < <(compgen -f -X '!*.[wW][aA][vV]' -- "$word"; compgen -d -- "$word")
+            mapfile -t COMPREPLY < <(compgen -f -- "$word" |
+                grep -iE '\.(wav|flac|og[ga]|opus|mp3|aiff?|au|caf)$'; compgen -d -- "$word")
             return
             ;;
         *) words= ;;

@@ -14,7 +14,7 @@ complete -c sayvane -n __fish_use_subcommand -a open -d 'Show a section of the w
 complete -c sayvane -n __fish_use_subcommand -a last -d 'Print the last transcript'
 complete -c sayvane -n __fish_use_subcommand -a transcribe -d 'Print what a recording says'
 complete -c sayvane -n __fish_use_subcommand -a history -d 'Print all dictations'
-complete -c sayvane -n __fish_use_subcommand -a recover -d 'Look after recordings that a crash left behind'
+complete -c sayvane -n __fish_use_subcommand -a recover -d 'Look after recordings without a transcript'
 complete -c sayvane -n __fish_use_subcommand -a autostart -d 'Tell or choose whether Sayvane starts at log-in'
 complete -c sayvane -n __fish_use_subcommand -a sign-in -d 'Sign in to the hosted service'
 complete -c sayvane -n __fish_use_subcommand -a sign-out -d 'Sign out of the hosted service'
@@ -24,6 +24,7 @@ complete -c sayvane -n '__fish_seen_subcommand_from history' -l csv -d 'Print co
 complete -c sayvane -n '__fish_seen_subcommand_from open' -a 'dictation insights dictionary labs settings'
 complete -c sayvane -n '__fish_seen_subcommand_from autostart' -a 'on off'
 complete -c sayvane -n '__fish_seen_subcommand_from transcribe' -F
-complete -c sayvane -n '__fish_seen_subcommand_from recover' -a 'list transcribe delete'
+complete -c sayvane -n '__fish_seen_subcommand_from recover' -a 'list transcribe delete failed'
 complete -c sayvane -n '__fish_seen_subcommand_from recover' -a '(sayvane recover 2>/dev/null | string split -f1 " ")'
+complete -c sayvane -n '__fish_seen_subcommand_from recover; and __fish_seen_subcommand_from failed' -a 'on off'
 complete -c sayvane -n '__fish_seen_subcommand_from recover' -l all -d 'All of them'

@@ -17,6 +17,8 @@ std::optional<std::string> EmailAddress::normalised(std::string_view text)
     const auto domain = std::string_view(address).substr(at + 1);
     const bool dotted =
         domain.find('.') != std::string_view::npos && !domain.starts_with('.') && !domain.ends_with('.');
-    const bool printable = std::ranges::all_of(address, [](char c) { return c > ' ' && c < 0x7f; });
-    return dotted && printable ? std::optional(address) : std::nullopt;
+    static constexpr std::string_view specials = "()<>[]:;,\\\"";
+    const bool plain = std::ranges::all_of(
+        address, [](char c) { return c > ' ' && c < 0x7f && specials.find(c) == std::string_view::npos; });
+    return dotted && plain ? std::optional(address) : std::nullopt;
 }

@@ -39,11 +39,29 @@ CREATE TABLE sign_in(
     expires_at INTEGER NOT NULL, tries INTEGER NOT NULL DEFAULT 0);
 CREATE TABLE attempt(kind TEXT NOT NULL, subject TEXT NOT NULL, at INTEGER NOT NULL);
 CREATE INDEX attempt_subject ON attempt(kind, subject, at);
+)sql",
+    // Seconds that are held for work under way, the operator's veto, and who signs in from where. Codes of
+    // before were hashed without a key and live ten minutes.
+    R"sql(
+ALTER TABLE account ADD COLUMN disabled INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE usage ADD COLUMN text_bytes INTEGER NOT NULL DEFAULT 0;
+CREATE TABLE reservation(
+    id INTEGER PRIMARY KEY AUTOINCREMENT, account INTEGER NOT NULL REFERENCES account(id),
+    day INTEGER NOT NULL, seconds INTEGER NOT NULL, expires_at INTEGER NOT NULL);
+CREATE INDEX reservation_account ON reservation(account, day);
+DROP TABLE sign_in;
+CREATE TABLE sign_in(
+    email TEXT NOT NULL, network TEXT NOT NULL, salt BLOB NOT NULL, code_hash BLOB NOT NULL,
+    issued_at INTEGER NOT NULL, expires_at INTEGER NOT NULL, PRIMARY KEY(email, network));
+CREATE TABLE code_try(email TEXT NOT NULL, code_hash BLOB NOT NULL, network TEXT NOT NULL, at INTEGER NOT NULL);
+CREATE INDEX code_try_code ON code_try(email, code_hash, network);
+CREATE TABLE known_network(
+    email TEXT NOT NULL, network TEXT NOT NULL, signed_in_at INTEGER NOT NULL, PRIMARY KEY(email, network));
 )sql"};
 
 } // namespace
 
-void Schema::ensure(Database &database)
+void Schema::ensure(Database &database, Older older)
 {
     database.execute("PRAGMA journal_mode=WAL");
     Transaction transaction(database);
@@ -55,6 +73,11 @@ void Schema::ensure(Database &database)
         throw std::runtime_error("the database was written by a newer version of this program");
     if (version == steps.size())
         return;
+    // The first version had no number.
+    const bool isFresh = !database.prepare("SELECT 1 FROM sqlite_master WHERE name = 'account'").step();
+    if (!isFresh && older == Older::isRefused)
+        throw std::runtime_error(
+            "the database is of an older version of this program; start the server once");
     for (size_t i = version; i < steps.size(); ++i)
         database.execute(steps[i]);
     database.execute(("PRAGMA user_version=" + std::to_string(steps.size())).c_str());

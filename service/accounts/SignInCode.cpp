@@ -1,17 +1,22 @@
 #include "service/accounts/SignInCode.h"
 
+#include "service/machine/PrivateFile.h"
+
 #include <openssl/evp.h>
+#include <openssl/hmac.h>
 #include <openssl/rand.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 
 namespace {
 
-constexpr int iterations = 100'000; // about 30 ms
+constexpr size_t keySize = 32;
 constexpr std::uint32_t codes = 1'000'000;
 
 template <size_t Size>
@@ -43,14 +48,30 @@ std::string SignInCode::salt()
     return {reinterpret_cast<const char *>(bytes.data()), bytes.size()};
 }
 
-std::string SignInCode::hash(std::string_view digits, std::string_view salt)
+std::string SignInCode::hash(std::string_view digits, std::string_view salt, std::string_view key)
 {
+    std::string text(salt);
+    text += digits;
     std::array<unsigned char, 32> hash;
-    if (PKCS5_PBKDF2_HMAC(digits.data(), static_cast<int>(digits.size()),
-                          reinterpret_cast<const unsigned char *>(salt.data()), static_cast<int>(salt.size()),
-                          iterations, EVP_sha256(), hash.size(), hash.data()) != 1)
-        throw std::runtime_error("no PBKDF2");
-    return {reinterpret_cast<const char *>(hash.data()), hash.size()};
+    unsigned size = 0;
+    if (!HMAC(EVP_sha256(), key.data(), static_cast<int>(key.size()),
+              reinterpret_cast<const unsigned char *>(text.data()), text.size(), hash.data(), &size))
+        throw std::runtime_error("no HMAC");
+    return {reinterpret_cast<const char *>(hash.data()), size};
+}
+
+std::string SignInCode::keyIn(const std::filesystem::path &file)
+{
+    if (!std::filesystem::exists(file)) {
+        const auto bytes = randomBytes<keySize>();
+        PrivateFile::replace(file, {reinterpret_cast<const char *>(bytes.data()), bytes.size()});
+    }
+    std::ifstream stream(file, std::ios::binary);
+    std::string key(std::istreambuf_iterator<char>(stream), {});
+    if (key.size() < keySize)
+        throw std::runtime_error("the key of the sign-in codes in " + file.string() +
+                                 " cannot be read or is too short; remove it to have a new one made");
+    return key;
 }
 
 bool SignInCode::isWellFormed(std::string_view text)

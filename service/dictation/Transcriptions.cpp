@@ -5,10 +5,14 @@
 #include <cmath>
 #include <utility>
 
+namespace {
+constexpr int placesPerAccount = 3; // a dictation, a file, and one that a client gave up
+}
+
 Transcriptions::Transcriptions(Accounts &accounts, Transcriber &transcriber)
     : m_accounts(accounts),
       m_transcriber(transcriber),
-      m_places(transcriber.places())
+      m_places(transcriber.places(), placesPerAccount)
 {
 }
 
@@ -16,9 +20,10 @@ std::expected<Transcriptions::Place, Refusal> Transcriptions::place(const Accoun
 {
     if (account.remainingSeconds() == 0)
         return std::unexpected(Refusal::quotaExceeded());
-    if (!m_places.try_acquire())
+    auto place = m_places.take(account.id);
+    if (!place)
         return std::unexpected(Refusal::rateLimited());
-    return Place(&m_places, [](std::counting_semaphore<> *places) { places->release(); });
+    return std::move(*place);
 }
 
 std::expected<Transcriptions::Transcript, Refusal>
@@ -28,17 +33,12 @@ Transcriptions::transcribe(const Account &account, Upload upload, const std::fun
     if (!duration)
         return std::unexpected(Refusal::badRequest(duration.error()));
     const auto seconds = static_cast<std::int64_t>(std::ceil(*duration));
-    const auto remaining = m_accounts.charge(account, seconds);
-    if (!remaining)
+    auto reservation = m_accounts.reserve(account, seconds);
+    if (!reservation)
         return std::unexpected(Refusal::quotaExceeded());
-    try {
-        auto text = m_transcriber.transcribe(std::move(upload), isUnwanted);
-        if (text)
-            return Transcript{std::move(*text), *duration, seconds, *remaining};
-        m_accounts.refund(account, seconds);
+    auto text = m_transcriber.transcribe(std::move(upload), isUnwanted);
+    if (!text)
         return std::unexpected(text.error());
-    } catch (...) {
-        m_accounts.refund(account, seconds);
-        throw;
-    }
+    reservation->settle();
+    return Transcript{std::move(*text), *duration, seconds, reservation->remainingSeconds()};
 }

@@ -1,10 +1,8 @@
 #pragma once
 
 #include "service/accounts/Accounts.h"
+#include "service/accounts/Places.h"
 #include "service/dictation/Transcriber.h"
-
-#include <memory>
-#include <semaphore>
 
 /// Transcriptions for accounts: how many at once, and what they cost.
 class Transcriptions
@@ -17,16 +15,16 @@ public:
         std::int64_t seconds = 0; ///< charged
         std::int64_t remainingSeconds = 0;
     };
-    /// The right to hold one recording in memory; given back when it dies.
-    using Place = std::unique_ptr<std::counting_semaphore<>, void (*)(std::counting_semaphore<> *)>;
+    /// The right to hold one recording in memory.
+    using Place = Places::Place;
 
     Transcriptions(Accounts &accounts, Transcriber &transcriber);
 
-    /// To be had before anything of a recording is read. Refuses when all are taken, or when nothing is
-    /// left of the account's allowance.
+    /// To be had before anything of a recording is read. Refuses when all are taken, or all that one account
+    /// may have, or when nothing is left of its allowance.
     std::expected<Place, Refusal> place(const Account &account);
-    /// Charges the account beforehand, so that requests at the same time cannot share the last seconds,
-    /// and refunds it when there is no text in the end.
+    /// Reserves the recording's seconds beforehand, so that requests at the same time cannot share the last
+    /// ones; they are used only when there is a text in the end.
     std::expected<Transcript, Refusal> transcribe(const Account &account, Upload upload,
                                                   const std::function<bool()> &isUnwanted);
 
@@ -36,5 +34,5 @@ public:
 private:
     Accounts &m_accounts;
     Transcriber &m_transcriber;
-    std::counting_semaphore<> m_places;
+    Places m_places;
 };

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 
@@ -19,8 +20,8 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto idleLimit = 900s; // longer than the longest recording, during which nothing is sent
-constexpr auto firstRequestLimit = 30s;
-constexpr size_t connectionThreads = 32;
+constexpr auto firstRequestLimit = 10s;
+constexpr size_t connectionThreads = 128; // a waiting one costs some 40 KB
 
 TlsStream *connectionOf(const httplib::Request &request)
 {
@@ -161,7 +162,9 @@ bool HttpsServer::process_and_close_socket(socket_t socket)
             request.ssl = stream.handle();
             request.ranges.clear(); // answers are small and sent whole
             bodyIgnored = carriesUnreadBody(request);
-            stream.headIsRead();
+            const bool isMeasured = request.has_header("Content-Length");
+            stream.headIsRead(isMeasured ? std::optional(request.get_header_value<uint64_t>("Content-Length"))
+                                         : std::nullopt);
         });
         last = last || bodyIgnored || stream.wasRefused() || !m_connections.beginIdling(socket);
     }

@@ -49,10 +49,14 @@ void OpenConnections::stop()
 
 void OpenConnections::endLongestIdle()
 {
+    constexpr auto patience = std::chrono::seconds(1);
+    const auto now = std::chrono::steady_clock::now();
     auto longest = m_connections.end();
     for (auto it = m_connections.begin(); it != m_connections.end(); ++it) {
         const bool longer = longest == m_connections.end() || it->second.since < longest->second.since;
-        if (it->second.state == State::idle && longer)
+        // One that has said nothing for a while is as good as idle; one that has just come is about to speak.
+        const bool isSilent = it->second.state == State::fresh && now - it->second.since > patience;
+        if ((it->second.state == State::idle || isSilent) && longer)
             longest = it;
     }
     if (longest == m_connections.end())

@@ -17,8 +17,8 @@ public:
     /// A request has begun to arrive; it will be answered.
     void beginWork(int socket);
 
-    /// Whether new connections wait for a thread: then the longest idle one ends, and so does every
-    /// one that would begin to idle.
+    /// Whether new connections wait for a thread: then the one that is longest idle, or silent from its
+    /// beginning, ends, and so does every one that would begin to idle.
     void setCrowded(bool crowded);
     /// Ends all without a request in work, now and later.
     void stop();

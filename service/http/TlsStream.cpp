@@ -22,6 +22,9 @@ namespace {
 constexpr auto handshakeLimit = 10s;
 constexpr auto headLimit = 10s;
 constexpr auto bodyLimit = 120s;
+constexpr auto bodyStart = 10s;
+constexpr auto unmeasuredLimit = 60s;            // a body in chunks announces no length
+constexpr std::uint64_t slowestLine = 16 * 1024; // bytes a second
 constexpr auto answerLimit = 30s;
 constexpr auto drainLimit = 5s;
 constexpr size_t maximumHead = 32768; // bytes; an ordinary head has a few hundred
@@ -75,10 +78,12 @@ bool TlsStream::awaitRequest(std::chrono::seconds patience)
     return true;
 }
 
-void TlsStream::headIsRead()
+void TlsStream::headIsRead(std::optional<std::uint64_t> bodyBytes)
 {
     m_inHead = false;
-    m_deadline = Clock::now() + bodyLimit;
+    const auto needed = bodyStart + std::chrono::seconds(bodyBytes.value_or(0) / slowestLine);
+    m_deadline =
+        Clock::now() + (bodyBytes ? std::min<std::chrono::seconds>(needed, bodyLimit) : unmeasuredLimit);
 }
 
 bool TlsStream::isAbandoned() const

@@ -4,7 +4,9 @@
 #include <openssl/ssl.h>
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
+#include <optional>
 
 /// One accepted connection, encrypted: the bytes of HTTP requests and answers.
 ///
@@ -24,8 +26,9 @@ public:
     bool shakeHands();
     /// Whether a request begins to arrive before the time is over.
     bool awaitRequest(std::chrono::seconds patience);
-    /// The request's head has been read; from here on a body may follow.
-    void headIsRead();
+    /// The request's head has been read; from here on a body of so many bytes may follow. It has the time
+    /// that a slow line needs for it, so that a few bytes never hold a thread as long as a recording may.
+    void headIsRead(std::optional<std::uint64_t> bodyBytes);
     /// The request was answered with this HTTP status.
     void answered(int status) { m_refused = status >= 400; }
     /// Whether the last request was refused, at the latest for its head.

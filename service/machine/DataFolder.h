@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-/// The folder that holds everything the service keeps: database, certificate, private key.
+/// The folder that holds everything the service keeps: database, certificate, private keys.
 ///
 /// Only its owner may look into it; one of another owner is refused.
 class DataFolder
@@ -21,6 +21,7 @@ public:
     void lockForServing();
 
     std::filesystem::path database() const { return m_path / "service.sqlite"; }
+    std::filesystem::path codeKey() const { return m_path / "code.key"; }
     std::filesystem::path labs() const { return m_path / "labs.json"; }
     std::filesystem::path certificate() const { return m_path / "certificate.pem"; }
     std::filesystem::path privateKey() const { return m_path / "key.pem"; }

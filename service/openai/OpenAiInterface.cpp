@@ -1,10 +1,10 @@
 #include "service/openai/OpenAiInterface.h"
 
-#include "service/accounts/SessionToken.h"
 #include "service/machine/Log.h"
 #include "service/openai/ChatAnswer.h"
 #include "service/openai/ChatRequest.h"
 #include "service/openai/OpenAiError.h"
+#include "service/protocol/Authentication.h"
 #include "service/protocol/TextBody.h"
 
 #include <nlohmann/json.hpp>
@@ -61,11 +61,11 @@ void allowOnly(httplib::Server &server, const char *path, const char *method)
 } // namespace
 
 OpenAiInterface::OpenAiInterface(HttpsServer &server, Accounts &accounts, Transcriptions &transcriptions,
-                                 Cleaner &cleaner)
+                                 Cleanups &cleanups)
     : m_server(server),
       m_accounts(accounts),
       m_transcriptions(transcriptions),
-      m_cleaner(cleaner)
+      m_cleanups(cleanups)
 {
     using Body = httplib::ContentReader;
     server.Post("/v1/audio/transcriptions",
@@ -134,7 +134,8 @@ void OpenAiInterface::answer(Response &response, AudioForm::Format format,
 OpenAiInterface::Outcome OpenAiInterface::complete(const Request &request, Response &response,
                                                    const httplib::ContentReader &body)
 {
-    if (const auto user = account(request); !user)
+    const auto user = account(request);
+    if (!user)
         return user.error();
     const auto text = TextBody::read(request, body, CleanupRequest::maximumBody);
     if (!text)
@@ -142,12 +143,13 @@ OpenAiInterface::Outcome OpenAiInterface::complete(const Request &request, Respo
     const auto chat = ChatRequest::fromJson(*text);
     if (!chat)
         return chat.error();
-    if (chat->model != m_cleaner.model())
-        return OpenAiError::unknownModel(chat->model, m_cleaner.model());
-    const auto edited = m_cleaner.edited({chat->text, {}, {}}, [&] { return m_server.isAbandoned(request); });
+    if (chat->model != m_cleanups.model())
+        return OpenAiError::unknownModel(chat->model, m_cleanups.model());
+    const auto edited =
+        m_cleanups.edited(*user, {chat->text, {}, {}}, [&] { return m_server.isAbandoned(request); });
     if (!edited)
         return edited.error();
-    const ChatAnswer answer{m_cleaner.model(), edited->text};
+    const ChatAnswer answer{m_cleanups.model(), edited->text};
     if (chat->stream)
         response.set_content(answer.events(), "text/event-stream");
     else
@@ -159,7 +161,7 @@ OpenAiInterface::Outcome OpenAiInterface::list(const Request &request, Response 
 {
     if (const auto user = account(request); !user)
         return user.error();
-    const json models{modelObject(m_transcriptions.model()), modelObject(m_cleaner.model())};
+    const json models{modelObject(m_transcriptions.model()), modelObject(m_cleanups.model())};
     response.set_content(json{{"object", "list"}, {"data", models}}.dump(), jsonType);
     return {};
 }
@@ -169,17 +171,13 @@ OpenAiInterface::Outcome OpenAiInterface::describe(const Request &request, Respo
     if (const auto user = account(request); !user)
         return user.error();
     const std::string id = request.matches[1];
-    if (id != m_transcriptions.model() && id != m_cleaner.model())
-        return OpenAiError::unknownModel(id, m_transcriptions.model() + ", " + m_cleaner.model());
+    if (id != m_transcriptions.model() && id != m_cleanups.model())
+        return OpenAiError::unknownModel(id, m_transcriptions.model() + ", " + m_cleanups.model());
     response.set_content(modelObject(id).dump(), jsonType);
     return {};
 }
 
 std::expected<Account, Refusal> OpenAiInterface::account(const Request &request)
 {
-    const std::string header = request.get_header_value("Authorization");
-    const auto token = SessionToken::inHeader(header);
-    if (auto found = token.empty() ? std::nullopt : m_accounts.find(token))
-        return *found;
-    return std::unexpected(Refusal::unauthorized());
+    return Authentication::accountOf(request, m_accounts);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "service/accounts/Accounts.h"
-#include "service/dictation/Cleaner.h"
+#include "service/dictation/Cleanups.h"
 #include "service/dictation/Transcriptions.h"
 #include "service/http/HttpsServer.h"
 #include "service/openai/AudioForm.h"
@@ -16,7 +16,7 @@ class OpenAiInterface
 {
 public:
     OpenAiInterface(HttpsServer &server, Accounts &accounts, Transcriptions &transcriptions,
-                    Cleaner &cleaner);
+                    Cleanups &cleanups);
     OpenAiInterface(const OpenAiInterface &) = delete;
     OpenAiInterface &operator=(const OpenAiInterface &) = delete;
 
@@ -37,5 +37,5 @@ private:
     HttpsServer &m_server;
     Accounts &m_accounts;
     Transcriptions &m_transcriptions;
-    Cleaner &m_cleaner;
+    Cleanups &m_cleanups;
 };

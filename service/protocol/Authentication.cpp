@@ -15,5 +15,7 @@ std::expected<Account, Refusal> Authentication::accountOf(const httplib::Request
     const auto account = token.empty() ? std::nullopt : accounts.find(token);
     if (!account)
         return std::unexpected(Refusal::unauthorized());
+    if (account->disabled)
+        return std::unexpected(Refusal::accountDisabled());
     return *account;
 }

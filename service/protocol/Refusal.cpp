@@ -21,6 +21,11 @@ Refusal Refusal::unauthorized()
     return {401, "unauthorized", "The session is missing or no longer valid.", {}, {}};
 }
 
+Refusal Refusal::accountDisabled()
+{
+    return {403, "account_disabled", "This account is disabled. Ask whoever runs this server.", {}, {}};
+}
+
 Refusal Refusal::quotaExceeded()
 {
     return {

@@ -19,6 +19,7 @@ struct Refusal
     static Refusal badRequest(std::string message);
     static Refusal tooLarge(std::string message);
     static Refusal unauthorized();
+    static Refusal accountDisabled();
     static Refusal quotaExceeded();
     /// All places are taken; the client may try again by itself.
     static Refusal rateLimited();

@@ -57,6 +57,17 @@ bool isControl(std::uint32_t c)
 
 } // namespace
 
+std::string Utf8::valid(std::string_view bytes)
+{
+    std::string text;
+    while (!bytes.empty()) {
+        const size_t length = firstOf(bytes).length;
+        text += bytes.substr(0, length);
+        bytes.remove_prefix(std::max<size_t>(length, 1));
+    }
+    return text;
+}
+
 bool Utf8::isValid(std::string_view bytes)
 {
     while (!bytes.empty()) {

@@ -10,6 +10,9 @@ namespace Utf8 {
 /// Whether the bytes are well-formed UTF-8 (RFC 3629).
 bool isValid(std::string_view bytes);
 
+/// The bytes without those that are not well-formed UTF-8.
+std::string valid(std::string_view bytes);
+
 /// The text without white space and line breaks at its ends.
 std::string_view trimmed(std::string_view text);
 

@@ -13,13 +13,6 @@ namespace {
 
 constexpr size_t maximumKey = 4096; // bytes
 
-/// The address itself, not a name that begins like one ("127.example.com").
-bool isThisMachine(std::string_view host)
-{
-    return host == "localhost" || host == "[::1]" ||
-           (host.starts_with("127.") && host.find_first_not_of("0123456789.") == std::string_view::npos);
-}
-
 /// An IPv6 address stands in brackets; the port is empty when there is none.
 std::pair<std::string_view, std::string_view> hostAndPort(std::string_view text)
 {
@@ -37,6 +30,21 @@ bool isPort(std::string_view text)
 }
 
 } // namespace
+
+// The address itself, not a name that begins like one ("127.example.com").
+bool Upstream::isThisMachine(std::string_view place)
+{
+    const std::string_view host = hostAndPort(place).first;
+    return host == "localhost" || host == "[::1]" ||
+           (host.starts_with("127.") && host.find_first_not_of("0123456789.") == std::string_view::npos);
+}
+
+bool Upstream::isHostAndPort(std::string_view place)
+{
+    const auto [host, port] = hostAndPort(place);
+    return !host.empty() && isPort(port) && place.size() < 300 &&
+           place.find_first_of("/?#@\\ ") == std::string_view::npos;
+}
 
 std::expected<Upstream, std::string> Upstream::at(std::string_view address)
 {

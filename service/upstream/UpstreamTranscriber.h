@@ -11,7 +11,7 @@ public:
 
     const std::string &model() const override { return m_client.upstream().speechModel; }
     std::string onlyLanguage() const override { return {}; }
-    int places() const override { return 16; } // of the server's 32 connections
+    int places() const override { return 16; } // up to 36 MB each
     std::expected<std::string, Refusal> transcribe(Upload upload,
                                                    const std::function<bool()> &isUnwanted) override;
 

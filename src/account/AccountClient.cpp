@@ -62,6 +62,7 @@ QCoro::Task<AccountClient::Result<AccountInfo>> AccountClient::me(QString token,
     const auto get = request("GET", u"/v1/me"_s, token, std::nullopt);
     if (!get)
         co_return std::unexpected(get.error());
+    const int asked = session();
     const auto answer = co_await send(*get, credentialOf(token), true, stop);
     if (!answer)
         co_return std::unexpected(answer.error());
@@ -70,7 +71,8 @@ QCoro::Task<AccountClient::Result<AccountInfo>> AccountClient::me(QString token,
     const auto info = AccountInfo::decode(answer->body);
     if (!info)
         co_return std::unexpected(AccountError::unreadable());
-    m_account.setInfo(*info);
+    if (session() == asked)
+        m_account.setInfo(*info);
     co_return *info;
 }
 
@@ -136,19 +138,32 @@ AccountClient::Result<HttpRequest> AccountClient::request(const QByteArray &meth
 QCoro::Task<AccountClient::Result<HttpResponse>>
 AccountClient::send(HttpRequest request, Credential credential, bool mayRetry, std::stop_token stop)
 {
+    return attempt(request, credential, session(), mayRetry, stop);
+}
+
+QCoro::Task<AccountClient::Result<HttpResponse>> AccountClient::attempt(HttpRequest request,
+                                                                        Credential credential, int asked,
+                                                                        bool mayRetry, std::stop_token stop)
+{
     const auto response = co_await m_http.send(request, stop);
     if (!response || stop.stop_requested())
-        co_return std::unexpected(response ? AccountError::cancelled() : AccountError::network());
+        co_return std::unexpected(response ? AccountError::cancelled()
+                                           : AccountError::network(response.error()));
     if (response->isSuccess())
         co_return *response;
     const int status = response->status;
     if (mayRetry && request.method == "GET" && (status == 502 || status == 503 || status == 504)) {
         co_await sleepFor(m_clock, retryPause, stop);
-        co_return co_await send(request, credential, false, stop); // at once where the pause was cut short
+        co_return co_await attempt(request, credential, asked, false, stop); // at once if the pause was cut
     }
     const auto retryAfter = seconds(response->header("Retry-After"));
-    co_return std::unexpected(
-        failure(status, ServiceErrorBody::decode(response->body), retryAfter, credential));
+    co_return std::unexpected(failure(status, ServiceErrorBody::decode(response->body), retryAfter,
+                                      session() == asked ? credential : Credential::none));
+}
+
+int AccountClient::session() const
+{
+    return m_account.session();
 }
 
 AccountError AccountClient::failure(int status, const ServiceErrorBody &body,

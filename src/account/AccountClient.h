@@ -59,7 +59,10 @@ public:
     Result<HttpRequest> request(const QByteArray &method, const QString &path,
                                 const std::optional<QString> &token,
                                 const std::optional<QJsonObject> &body) const;
-    /// Performs a request; a read that a gateway refused is tried once more after a second.
+    /// The number of the session that requests begun now belong to.
+    int session() const;
+    /// Performs a request; a read that a gateway refused is tried once more after a second. A refusal that
+    /// comes when the session is another, or over, ends none.
     QCoro::Task<Result<HttpResponse>> send(HttpRequest request, Credential credential, bool mayRetry,
                                            std::stop_token stop);
     /// What a refusal means; with the `session` credential an unauthorized one signs this computer out.
@@ -80,6 +83,9 @@ public:
     static std::optional<qint64> seconds(const std::optional<QString> &retryAfter);
 
 private:
+    QCoro::Task<Result<HttpResponse>> attempt(HttpRequest request, Credential credential, int asked,
+                                              bool mayRetry, std::stop_token stop);
+
     const Prefs &m_prefs;
     AccountSessionStore &m_sessions;
     AccountStatus &m_account;

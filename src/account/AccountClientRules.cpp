@@ -2,6 +2,7 @@
 
 #include "support/Text.h"
 
+#include <QCoreApplication>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -55,7 +56,8 @@ std::optional<QDateTime> AccountClient::date(const std::optional<QString> &text)
 QString AccountClient::trim(const QString &device)
 {
     const QString name = device.trimmed();
-    return name.isEmpty() ? u"Mac"_s : Text::firstCharacters(name, longestDeviceName);
+    return name.isEmpty() ? QCoreApplication::translate("AccountClient", "Mac")
+                          : Text::firstCharacters(name, longestDeviceName);
 }
 
 std::optional<qint64> AccountClient::seconds(const std::optional<QString> &retryAfter)

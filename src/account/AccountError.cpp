@@ -1,5 +1,7 @@
 #include "account/AccountError.h"
 
+#include "platform/HttpTransport.h"
+
 using namespace Qt::StringLiterals;
 
 bool AccountError::isRateLimited() const
@@ -7,14 +9,16 @@ bool AccountError::isRateLimited() const
     return code == "rate_limited"_L1 || code == "upstream_rate_limited"_L1;
 }
 
-AccountError AccountError::network()
+AccountError AccountError::network(const TransportError &why)
 {
-    return {u"network"_s, u"Could not reach Sayvane. Check the network and try again."_s, std::nullopt};
+    if (why.kind == TransportError::Kind::tooLarge)
+        return unreadable();
+    return {u"network"_s, tr("Could not reach Sayvane. Check the network and try again."), std::nullopt};
 }
 
 AccountError AccountError::invalidAddress()
 {
-    return {std::nullopt, u"Sayvane: invalid API address"_s, std::nullopt};
+    return {std::nullopt, tr("Sayvane: invalid API address"), std::nullopt};
 }
 
 AccountError AccountError::badResponse(const QString &message)
@@ -24,7 +28,7 @@ AccountError AccountError::badResponse(const QString &message)
 
 AccountError AccountError::unreadable()
 {
-    return badResponse(u"Sayvane sent something this app could not read."_s);
+    return badResponse(tr("Sayvane sent something this app could not read."));
 }
 
 AccountError AccountError::cancelled()

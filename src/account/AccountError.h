@@ -1,8 +1,11 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 
 #include <optional>
+
+struct TransportError;
 
 /// Why a request to the account's service failed, with the one complete sentence that the user sees.
 struct AccountError
@@ -17,11 +20,13 @@ struct AccountError
 
     bool isRateLimited() const;
 
-    static AccountError network();
+    static AccountError network(const TransportError &why);
     static AccountError invalidAddress();
     static AccountError badResponse(const QString &message);
     /// The answer is not what the protocol says.
     static AccountError unreadable();
     /// The one who asked no longer wants to know; nobody should show it.
     static AccountError cancelled();
+
+    Q_DECLARE_TR_FUNCTIONS(AccountError)
 };

@@ -36,12 +36,14 @@ QString AccountInfo::summary() const
 {
     QStringList sentences;
     if (plan && !plan->isEmpty())
-        sentences << capitalized(*plan) + (status ? u" plan, "_s + *status + u'.' : u" plan."_s);
+        sentences << (status ? AccountStatus::tr("%1 plan, %2.")
+                                   .arg(capitalized(Text::quoted(*plan)), Text::quoted(*status))
+                             : AccountStatus::tr("%1 plan.").arg(capitalized(Text::quoted(*plan))));
     else if (status && !status->isEmpty())
-        sentences << u"Account "_s + *status + u'.';
+        sentences << AccountStatus::tr("Account %1.").arg(Text::quoted(*status));
     if (dailyMinutes)
-        sentences << QString::number(*dailyMinutes) + u" minutes a day."_s;
+        sentences << AccountStatus::tr("%1 minutes a day.").arg(*dailyMinutes);
     if (remainingSeconds)
-        sentences << AccountStatus::minutesText(*remainingSeconds) + u" left today."_s;
-    return sentences.isEmpty() ? u"Signed in."_s : sentences.join(u' ');
+        sentences << AccountStatus::tr("%1 left today.").arg(AccountStatus::minutesText(*remainingSeconds));
+    return sentences.isEmpty() ? AccountStatus::tr("Signed in.") : sentences.join(u' ');
 }

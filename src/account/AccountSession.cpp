@@ -22,7 +22,7 @@ std::expected<AccountSession, AccountError> AccountSession::decode(const QByteAr
     if (!document.isObject() || !answer.isSound() || !user.isSound())
         return std::unexpected(AccountError::unreadable());
     if (session.token.isEmpty())
-        return std::unexpected(
-            AccountError::badResponse(u"Sayvane did not send a session back. Try signing in again."_s));
+        return std::unexpected(AccountError::badResponse(
+            AccountError::tr("Sayvane did not send a session back. Try signing in again.")));
     return session;
 }

@@ -2,31 +2,49 @@
 
 #include "settings/Keychain.h"
 
-using namespace Qt::StringLiterals;
-
-namespace {
-
-const QString sessionAccount = u"sayvane_session"_s;
-
-} // namespace
-
 AccountSessionStore::AccountSessionStore(Keychain &keychain) : m_keychain(keychain)
 {
 }
 
-std::optional<QString> AccountSessionStore::token() const
+std::optional<QString> AccountSessionStore::usable(const std::optional<QString> &stored) const
 {
-    const QString token = m_keychain.read(sessionAccount).value.value_or(QString()).trimmed();
-    return token.isEmpty() ? std::nullopt : std::optional(token);
+    const QString token = stored.value_or(QString()).trimmed();
+    return token.isEmpty() || token == m_rejected ? std::nullopt : std::optional(token);
 }
 
-int32_t AccountSessionStore::save(const QString &token)
+std::optional<QString> AccountSessionStore::token() const
 {
-    return m_keychain.save(token.trimmed(), sessionAccount,
+    return usable(m_keychain.read(Keychain::sessionAccount).value);
+}
+
+bool AccountSessionStore::isPending() const
+{
+    return m_keychain.read(Keychain::sessionAccount).isPending();
+}
+
+QCoro::Task<std::optional<QString>> AccountSessionStore::fetch(std::stop_token stop)
+{
+    const Keychain::ReadResult found = co_await m_keychain.fetch(Keychain::sessionAccount, stop);
+    if (stop.stop_requested())
+        co_return std::optional<QString>();
+    co_return usable(found.value);
+}
+
+QCoro::Task<int32_t> AccountSessionStore::save(QString token)
+{
+    if (!token.isEmpty())
+        m_rejected.clear();
+    return m_keychain.save(token.trimmed(), Keychain::sessionAccount,
                            Keychain::Accessibility::afterFirstUnlockThisDeviceOnly);
 }
 
-int32_t AccountSessionStore::clear()
+QCoro::Task<int32_t> AccountSessionStore::clear()
 {
     return save(QString());
+}
+
+void AccountSessionStore::reject()
+{
+    m_rejected = token().value_or(m_rejected);
+    clear();
 }

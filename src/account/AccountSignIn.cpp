@@ -72,7 +72,7 @@ QString AccountSignIn::errorText() const
 {
     if (m_error.isEmpty() || !m_rateLimited || m_countdown < 1)
         return m_error;
-    return m_error + u" Try again in "_s + QString::number(m_countdown) + u"s."_s;
+    return tr("%1 Try again in %2s.").arg(m_error, QString::number(m_countdown));
 }
 
 QString AccountSignIn::deviceName() const
@@ -85,7 +85,7 @@ void AccountSignIn::sendCode()
     const QString address = AccountClient::normalisedEmail(m_email);
     if (!AccountClient::looksLikeEmail(address)) {
         m_rateLimited = false;
-        m_error = u"That does not look like an email address."_s;
+        m_error = tr("That does not look like an email address.");
         Q_EMIT changed();
         return;
     }
@@ -152,28 +152,47 @@ QCoro::Task<> AccountSignIn::verify(QString email, QString code, int generation,
         co_return;
     }
     m_busy = false;
-    if (session)
-        co_return store(*session);
+    if (session) {
+        store(*session);
+        co_return;
+    }
     m_code.clear();
     report(session.error());
 }
 
-void AccountSignIn::store(AccountSession session)
+QCoro::Task<> AccountSignIn::store(AccountSession session)
 {
-    const int32_t status = m_sessions.save(session.token);
+    const std::stop_token stop = m_stop.get_token();
+    const auto former = m_sessions.token();
+    const int generation = m_generation;
+    const int turn = ++m_storing;
+    m_busy = true; // the keyring may have a question first
+    Q_EMIT changed();
+    const int32_t status = co_await m_sessions.save(session.token);
+    if (stop.stop_requested())
+        co_return;
+    if (generation != m_generation) {                             // the user went back meanwhile
+        if (status == SecretStatus::success && turn == m_storing) // nor is another session behind it
+            m_sessions.save(former.value_or(QString()));
+        revoke(session.token, stop);
+        co_return;
+    }
+    m_busy = false;
     if (status != SecretStatus::success) {
-        m_unsavedSession = std::move(session);
+        m_unsavedSession = session;
         m_needsKeychainRetry = true;
         m_rateLimited = false;
-        m_error = u"Couldn't save the session to the Keychain: "_s + m_keychain.message(status);
+        m_error = tr("Couldn't save the session to the Keychain: %1").arg(m_keychain.message(status));
         Q_EMIT changed();
-        return;
+        co_return;
     }
     m_unsavedSession.reset();
     m_needsKeychainRetry = false;
     m_session.request_stop();
     m_session = std::stop_source();
     m_account.adopt(session);
+    if (former && former != session.token)
+        revoke(*former, m_stop.get_token()); // nobody would ever end it
     reset();
     refresh();
     loadDevices();
@@ -181,7 +200,7 @@ void AccountSignIn::store(AccountSession session)
 
 void AccountSignIn::retryStore()
 {
-    if (m_unsavedSession)
+    if (m_unsavedSession && !m_busy)
         store(*m_unsavedSession);
 }
 
@@ -214,7 +233,7 @@ void AccountSignIn::report(const AccountError &error)
     m_rateLimited = error.isRateLimited() || error.retryAfterSeconds.has_value();
     if (m_rateLimited) {
         startCountdown(error.retryAfterSeconds.value_or(resendPause));
-        m_error = u"Too many requests just now."_s; // the wait is added as it passes
+        m_error = tr("Too many requests just now."); // the wait is added as it passes
     } else {
         m_error = error.message;
     }

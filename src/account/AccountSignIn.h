@@ -102,14 +102,17 @@ public Q_SLOTS:
     void loadDevices();
     /// Ends a device's session; that of this computer signs this computer out.
     void signOut(const DeviceSession &device);
-    /// Signs this computer out, here at once and on the service.
+    /// Signs this computer out, as `leave` does.
     void signOutThisMac();
     /// Asks the service anew what it says of the account; does nothing without a session.
     void refresh();
 
 public:
-    /// Saves a verified session and signs in.
-    void store(AccountSession session);
+    /// Saves a verified session and signs in. A session from before ends on the service.
+    QCoro::Task<> store(AccountSession session);
+    /// Signs this computer out here and then on the service, which is not waited for. When the keychain does
+    /// not let the session go, nothing changes; false then, and the error says why.
+    QCoro::Task<bool> leave();
 
 Q_SIGNALS:
     void changed();
@@ -148,8 +151,10 @@ private:
     int m_countdown = 0;
     bool m_rateLimited = false;
     bool m_needsKeychainRetry = false;
+    bool m_leaving = false;
     std::optional<AccountSession> m_unsavedSession;
     int m_generation = 0; // raised by every reset: what was begun under an older one is dropped
+    int m_storing = 0;    // sessions that were to be stored so far
     std::unique_ptr<Timer> m_ticker;
 
     QList<DeviceSession> m_devices;

@@ -6,6 +6,8 @@
 #include "platform/SecretStore.h"
 #include "settings/Keychain.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 QVariantList AccountSignIn::deviceValues() const
@@ -73,8 +75,31 @@ QCoro::Task<> AccountSignIn::revokeDevice(QString token, QString id, std::stop_t
 
 void AccountSignIn::signOutThisMac()
 {
-    const auto token = m_sessions.token();
-    const int32_t status = m_sessions.clear();
+    leave();
+}
+
+QCoro::Task<bool> AccountSignIn::leave()
+{
+    if (std::exchange(m_leaving, true))
+        co_return false;
+    const std::stop_token stop = m_stop.get_token();
+    m_error.clear();
+    Q_EMIT changed();
+    const auto token = co_await m_sessions.fetch(stop); // for the service, which has to know whose end it is
+    if (stop.stop_requested())
+        co_return false;
+    int32_t status = m_keychain.read(Keychain::sessionAccount).status;
+    if (token || !m_sessions.isPending())
+        status = co_await m_sessions.clear();
+    if (stop.stop_requested())
+        co_return false;
+    m_leaving = false;
+    if (status != SecretStatus::success) {
+        m_rateLimited = false;
+        m_error = tr("Couldn't remove from Keychain: %1").arg(m_keychain.message(status));
+        Q_EMIT changed();
+        co_return false;
+    }
     // News of the account that is left must not reach the next one.
     m_listing.request_stop();
     m_session.request_stop();
@@ -86,12 +111,9 @@ void AccountSignIn::signOutThisMac()
     m_loadingDevices = false;
     forgetDevices();
     reset();
-    if (status != SecretStatus::success) {
-        m_error = u"Couldn't remove from Keychain: "_s + m_keychain.message(status);
-        Q_EMIT changed();
-    }
     if (token)
-        revoke(*token, m_stop.get_token());
+        revoke(*token, stop);
+    co_return true;
 }
 
 void AccountSignIn::refresh()

@@ -2,6 +2,7 @@
 
 #include "account/AccountSession.h"
 #include "account/AccountSessionStore.h"
+#include "settings/Keychain.h"
 #include "settings/Prefs.h"
 
 #include <algorithm>
@@ -12,13 +13,25 @@ AccountStatus::AccountStatus(const AccountSessionStore &sessions, Prefs &prefs)
     : m_prefs(prefs),
       m_signedIn(sessions.token().has_value())
 {
+    // A keyring that was closed, slow or not yet there when the program began.
+    connect(&sessions.keychain(), &Keychain::changed, this, [this, &sessions] { mirror(sessions); });
     if (const QString email = m_prefs.accountEmail(); !email.isEmpty())
         m_email = email;
 }
 
+void AccountStatus::mirror(const AccountSessionStore &sessions)
+{
+    if (!m_mirrors || m_signedIn || !sessions.token())
+        return;
+    m_signedIn = true;
+    Q_EMIT changed();
+}
+
 void AccountStatus::adopt(const AccountSession &session)
 {
+    m_mirrors = false;
     m_signedIn = true;
+    ++m_session;
     m_email = session.email;
     m_prefs.setAccountEmail(session.email);
     m_info = AccountInfo{.email = session.email,
@@ -33,19 +46,22 @@ void AccountStatus::adopt(const AccountSession &session)
 
 void AccountStatus::signOut()
 {
+    m_mirrors = false;
     m_signedIn = false;
+    ++m_session;
     m_email.reset();
     m_prefs.setAccountEmail(QString());
     m_remainingSeconds.reset();
     m_info.reset();
     Q_EMIT changed();
+    Q_EMIT signedOut();
 }
 
 bool AccountStatus::dropRejectedSession(AccountSessionStore &sessions)
 {
     if (!sessions.token())
         return false;
-    sessions.clear();
+    sessions.reject();
     signOut();
     Q_EMIT sessionRejected();
     return true;
@@ -85,10 +101,10 @@ QVariant AccountStatus::remainingSecondsValue() const
 QString AccountStatus::minutesText(qint64 seconds)
 {
     if (seconds <= 0)
-        return u"0 minutes"_s;
+        return tr("0 minutes");
     if (seconds < 60)
-        return u"under a minute"_s;
+        return tr("under a minute");
     if (seconds < 120)
-        return u"1 minute"_s;
-    return QString::number(seconds / 60) + u" minutes"_s;
+        return tr("1 minute");
+    return tr("%1 minutes").arg(seconds / 60);
 }

@@ -31,6 +31,9 @@ public:
     AccountStatus(const AccountSessionStore &sessions, Prefs &prefs);
 
     bool signedIn() const { return m_signedIn; }
+    /// Another number after each sign-in and sign-out. What a request brings that was begun under another one
+    /// is news of a session that is over.
+    int session() const { return m_session; }
     const std::optional<QString> &email() const { return m_email; }
     const std::optional<AccountInfo> &info() const { return m_info; }
     /// Seconds of dictation left today, never negative; none until the service said so.
@@ -61,16 +64,21 @@ public:
 
 Q_SIGNALS:
     void changed();
+    /// Nobody is signed in any more, whoever ended it.
+    void signedOut();
     /// The service no longer accepts the session that was stored here.
     void sessionRejected();
 
 private:
+    void mirror(const AccountSessionStore &sessions);
     QString emailText() const { return m_email.value_or(QString()); }
     QVariant dailyMinutes() const;
     QVariant remainingSecondsValue() const;
 
     Prefs &m_prefs;
     bool m_signedIn = false;
+    bool m_mirrors = true; // until the program itself signs in or out
+    int m_session = 0;
     std::optional<QString> m_email;
     std::optional<AccountInfo> m_info;
     std::optional<qint64> m_remainingSeconds;

@@ -2,6 +2,7 @@
 
 #include "account/AccountClient.h"
 #include "support/Json.h"
+#include "support/Text.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -46,9 +47,9 @@ std::expected<DeviceSession, QString> DeviceSession::decode(const QJsonObject &o
     session.id = identifier(object.value("id"_L1));
     if (session.id.isEmpty())
         return std::unexpected(u"No session id"_s);
-    session.device = object.value("device"_L1).toString();
+    session.device = Text::quoted(object.value("device"_L1).toString());
     if (session.device.isEmpty())
-        session.device = u"Unknown device"_s;
+        session.device = AccountError::tr("Unknown device");
     session.createdAt = dateOf(object.value("createdAt"_L1));
     session.lastUsedAt = dateOf(object.value("lastUsedAt"_L1));
     session.current = object.value("current"_L1).toBool();

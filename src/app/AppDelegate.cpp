@@ -53,9 +53,21 @@ void AppDelegate::applicationDidResignActive()
 void AppDelegate::openDashboardIfWanted()
 {
     if (m_defaults.boolean(PrefsKey::showDashboardOnLaunch))
-        m_showDashboard();
-    else if (!m_credentials.hasCredential(m_prefs.provider()))
-        m_dashboardTimer = m_platform.clock.after(dashboardDelay, [this] { m_showDashboard(); });
+        return m_showDashboard();
+    m_undecided = m_credentials.arePending();
+    const auto isNeeded = [this] { return !m_credentials.hasCredential(m_prefs.provider()); };
+    if (m_undecided || !isNeeded())
+        return;
+    m_dashboardTimer = m_platform.clock.after(dashboardDelay, [this, isNeeded] {
+        if (isNeeded()) // still: a keyring may have come since
+            m_showDashboard();
+    });
+}
+
+void AppDelegate::credentialsChanged()
+{
+    if (m_undecided)
+        openDashboardIfWanted();
 }
 
 void AppDelegate::startPermissionPolling()

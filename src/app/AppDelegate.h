@@ -33,6 +33,8 @@ public:
     void applicationDidFinishLaunching(std::function<void()> showDashboard);
     /// Another program has come to the front: a shortcut that was being chosen stays as it was.
     void applicationDidResignActive();
+    /// Something else is known of the keys and the session.
+    void credentialsChanged();
 
 private:
     void startPermissionPolling();
@@ -46,6 +48,7 @@ private:
     const Prefs &m_prefs;
     const Credentials &m_credentials;
     std::function<void()> m_showDashboard;
+    bool m_undecided = false; // whether to show it: the keychain has yet to answer
     std::unique_ptr<Timer> m_permissionTimer;
     std::unique_ptr<Timer> m_trustTimer;
     std::unique_ptr<Timer> m_dashboardTimer;

@@ -21,6 +21,8 @@ namespace {
 
 constexpr auto meterInterval = 50ms;
 constexpr auto recordingLimit = 570s;
+constexpr auto closingLimit = 2s;
+constexpr auto longestSilence = 3s; // without one sample: a quiet room gives samples, too
 // long enough to read the message
 constexpr auto messageDuration = 3500ms;
 constexpr auto successDuration = 900ms;
@@ -29,19 +31,21 @@ constexpr qsizetype historyLength = 50;
 } // namespace
 
 FlowController::FlowController(Platform &platform, Defaults &defaults, const Prefs &prefs,
-                               Transcriber &transcriber, LabsClient &labs, const LabsAnswerMode &answerMode,
-                               HistoryStore &historyStore)
+                               Transcriber &transcriber, LabsClient &labs, const LabsSession &labsSession,
+                               const LabsAnswerMode &answerMode, HistoryStore &historyStore)
     : m_platform(platform),
       m_clock(platform.clock),
       m_defaults(defaults),
       m_prefs(prefs),
       m_transcriber(transcriber),
       m_labs(labs),
+      m_labsSession(labsSession),
       m_answerMode(answerMode),
       m_historyStore(historyStore),
       m_recorder(platform.microphone, platform.folders, platform.volumes),
       m_overlay(platform.clock),
-      m_inserter(platform.pasteboard, platform.keyPoster, platform.trust, prefs, platform.clock)
+      m_inserter(platform.pasteboard, platform.keyPoster, platform.trust, platform.presence, prefs,
+                 platform.clock)
 {
     connect(&m_historyStore, &HistoryStore::recordsChanged, this, &FlowController::adoptHistory);
     adoptHistory();
@@ -50,7 +54,8 @@ FlowController::FlowController(Platform &platform, Defaults &defaults, const Pre
 FlowController::~FlowController()
 {
     m_stop.request_stop();
-    if (const auto path = m_recorder.stop())
+    // Nobody dropped it: what is long enough to be transcribed is there for the next start.
+    if (const auto path = m_recorder.abandon(); path && QFileInfo(*path).size() <= minimumFileSize)
         QFile::remove(*path);
 }
 
@@ -81,7 +86,13 @@ void FlowController::start()
     Q_EMIT hotkeyActiveChanged();
 }
 
-// The tap waits for its answer while a callback runs: what follows from it is done right after.
+void FlowController::followPresence()
+{
+    m_presence = std::make_shared<const std::function<void()>>([this] { presenceChanged(); });
+    m_platform.presence.follow(m_presence);
+}
+
+// Called on the thread of the tap: what follows is done when this one is free, in the order of the taps.
 void FlowController::schedule(void (FlowController::*step)())
 {
     QMetaObject::invokeMethod(this, step, Qt::QueuedConnection);
@@ -112,7 +123,7 @@ void FlowController::dropHotkey()
 
 void FlowController::reportSignedOut()
 {
-    const QString message = u"Signed out. Sign in again in Settings."_s;
+    const QString message = tr("Signed out. Sign in again in Settings.");
     setLastError(message);
     if (m_state == FlowState::recording)
         return;
@@ -124,7 +135,9 @@ void FlowController::toggle()
 {
     switch (m_state) {
     case FlowState::idle:
-        return beginRecording();
+        if (!giveUpStart())
+            beginRecording();
+        return;
     case FlowState::recording:
         return finishRecording(false);
     case FlowState::processing:
@@ -134,7 +147,7 @@ void FlowController::toggle()
 
 void FlowController::captureNextTranscript(Capture into)
 {
-    if (m_state != FlowState::idle)
+    if (m_state != FlowState::idle || !m_recorder.isIdle())
         return;
     m_pendingCapture = std::move(into);
     beginRecording();
@@ -142,18 +155,30 @@ void FlowController::captureNextTranscript(Capture into)
 
 void FlowController::beginRecording()
 {
-    if (m_state != FlowState::idle)
+    if (m_state != FlowState::idle || !m_recorder.isIdle())
         return;
     if (m_platform.microphone.authorization() != Microphone::Authorization::authorized) {
         m_platform.microphone.requestAccess();
-        return fail(u"Microphone access not granted. Check System Settings, Privacy, Microphone"_s);
+        fail(tr("Microphone access not granted. Check System Settings, Privacy, Microphone"));
+        Q_EMIT startAnswered(true);
+        return;
     }
-    if (const auto started = m_recorder.start(); !started) {
-        const FlowError &error = started.error();
-        return fail(error.kind == FlowError::Kind::platform
-                        ? u"Couldn't start recording: "_s + error.description
-                        : error.description);
-    }
+    m_recorder.start([this](const std::expected<void, FlowError> &started) {
+        if (started) {
+            recordingBegan();
+        } else {
+            const FlowError &error = started.error();
+            fail(error.kind == FlowError::Kind::platform
+                     ? tr("Couldn't start recording: %1").arg(error.description)
+                     : error.description);
+        }
+        Q_EMIT startAnswered(!started);
+    });
+}
+
+void FlowController::recordingBegan()
+{
+    m_awake = m_platform.presence.delaySleep();
     m_recordingStart = m_clock.monotonic();
     setState(FlowState::recording);
     if (m_hotkey)
@@ -165,17 +190,39 @@ void FlowController::beginRecording()
     playSound(u"Pop"_s);
 }
 
+/// A start that the microphone has not answered is a recording of no length.
+bool FlowController::giveUpStart()
+{
+    if (m_state != FlowState::idle || m_recorder.isIdle())
+        return false;
+    if (const auto path = m_recorder.abandon())
+        QFile::remove(*path);
+    m_pendingCapture = nullptr;
+    Q_EMIT startAnswered(false);
+    return true;
+}
+
 void FlowController::startMetering()
 {
     m_overlay.model().clearLevels();
-    m_meterTimer = m_clock.every(meterInterval, [this] {
-        double level = 0;
-        if (Recording *recorder = m_recorder.recorder(); recorder && recorder->isRecording()) {
-            recorder->updateMeters();
-            level = FlowText::meterLevel(recorder->averagePower(0));
-        }
-        m_overlay.push(level);
-    });
+    m_deadReadings = 0;
+    m_meterTimer = m_clock.every(meterInterval, [this] { readMeter(); });
+}
+
+void FlowController::readMeter()
+{
+    Recording *recorder = m_recorder.recorder();
+    if (!recorder)
+        return;
+    if (const auto loss = recorder->loss())
+        return finishLost(*loss);
+    // Counted, not timed: a program that was stopped meanwhile has not heard nothing.
+    const qint64 before = std::exchange(m_heard, recorder->heard());
+    m_deadReadings = m_heard == before ? m_deadReadings + 1 : 0;
+    if (m_deadReadings >= longestSilence / meterInterval)
+        return finishLost(Recording::Loss::microphone);
+    recorder->updateMeters();
+    m_overlay.push(recorder->isRecording() ? FlowText::meterLevel(recorder->averagePower(0)) : 0);
 }
 
 void FlowController::stopMetering()
@@ -198,17 +245,49 @@ void FlowController::endRecording()
     m_limitTimer.reset();
 }
 
+/// How a recording came to its end.
+struct FlowController::Ending
+{
+    std::optional<QString> warning; ///< while it is transcribed, unless it ended as the user wanted
+    std::optional<FlowError> loss;  ///< what is to blame where too little was heard
+};
+
 void FlowController::finishRecording(bool limitReached)
 {
-    if (m_state != FlowState::recording)
+    finish(limitReached ? Ending{.warning = tr("Recording limit reached, transcribing")} : Ending{});
+}
+
+void FlowController::finishLost(Recording::Loss loss)
+{
+    finish(loss == Recording::Loss::disk
+               ? Ending{tr("Disk full, transcribing what was heard"), FlowError::lowDiskSpace()}
+               : Ending{tr("Microphone lost, transcribing what was heard"), FlowError::recorderFailed()});
+}
+
+void FlowController::finish(const Ending &ending)
+{
+    if (giveUpStart() || !m_recorder.recorder())
         return;
     const Clock::Duration recorded =
         m_recordingStart ? m_clock.monotonic() - *m_recordingStart : Clock::Duration::zero();
     const double duration = std::chrono::duration<double>(recorded).count();
     m_recordingStart.reset();
     endRecording();
-    const auto path = m_recorder.stop();
-    if (!path || duration <= minimumDuration) {
+    const auto closed = [this, duration, ending](const std::optional<QString> &path) {
+        m_limitTimer.reset();
+        accept(path, duration, ending);
+    };
+    // The sound server or the disk may never answer; what was heard is in the file all the same.
+    m_limitTimer = m_clock.after(closingLimit, [this, closed] {
+        const auto told = closed; // the timer goes with it
+        told(m_recorder.abandon());
+    });
+    m_recorder.stop(closed);
+}
+
+void FlowController::accept(const std::optional<QString> &path, double duration, const Ending &ending)
+{
+    if (!path || (duration <= minimumDuration && !ending.loss)) {
         m_pendingCapture = nullptr;
         setState(FlowState::idle);
         m_overlay.hide(0s);
@@ -219,23 +298,33 @@ void FlowController::finishRecording(bool limitReached)
     const qint64 size = QFileInfo(*path).size(); // 0 when it cannot be read
     if (size <= minimumFileSize) {
         QFile::remove(*path);
-        return fail(FlowError::nothingHeard().description);
+        return fail(ending.loss.value_or(FlowError::nothingHeard()).description);
     }
     setState(FlowState::processing);
-    if (limitReached)
-        m_overlay.show(FlowState::idle, u"Recording limit reached, transcribing"_s, OverlayTone::warning);
+    if (ending.warning)
+        m_overlay.show(FlowState::idle, ending.warning, OverlayTone::warning);
     else
         m_overlay.show(FlowState::processing, std::nullopt, OverlayTone::success);
     playSound(u"Tink"_s);
     transcribeAndDeliver(*path, duration, size);
 }
 
+/// Nobody is there to say any more, or to receive keys; and who comes back is told what became of it.
+void FlowController::presenceChanged()
+{
+    if (m_platform.presence.isAway())
+        return finishRecording(false);
+    if (const auto notice = std::exchange(m_noticeForReturn, std::nullopt);
+        notice && m_state == FlowState::idle)
+        showNotice(*notice);
+}
+
 void FlowController::cancelRecording()
 {
-    if (m_state != FlowState::recording)
+    if (giveUpStart() || !m_recorder.recorder())
         return;
     m_pendingCapture = nullptr;
-    const auto path = m_recorder.stop();
+    const auto path = m_recorder.abandon();
     endRecording();
     m_recordingStart.reset();
     setState(FlowState::idle);
@@ -256,6 +345,13 @@ void FlowController::fail(const QString &message)
     playSound(u"Basso"_s);
 }
 
+void FlowController::showNotice(const QString &notice)
+{
+    setLastError(notice);
+    m_overlay.show(FlowState::idle, notice, OverlayTone::warning);
+    m_overlay.hide(messageDuration);
+}
+
 void FlowController::showOutcome(const std::optional<QString> &notice)
 {
     m_overlay.show(FlowState::idle, notice, notice ? OverlayTone::warning : OverlayTone::success);
@@ -273,6 +369,8 @@ void FlowController::setState(FlowState state)
     if (m_state == state)
         return;
     m_state = state;
+    if (state == FlowState::idle)
+        m_awake.reset();
     Q_EMIT stateChanged();
 }
 

@@ -5,6 +5,7 @@
 #include "capture/OverlayPanel.h"
 #include "capture/TextInserter.h"
 #include "platform/Clock.h"
+#include "platform/Presence.h"
 #include "values/FlowState.h"
 
 #include <QCoroTask>
@@ -21,8 +22,10 @@ class Defaults;
 class HistoryStore;
 class LabsAnswerMode;
 class LabsClient;
+class LabsSession;
 class Prefs;
 class SoundPlayer;
+class TemporaryFile;
 class Transcriber;
 struct Dictation;
 struct Platform;
@@ -40,7 +43,8 @@ public:
     static constexpr qint64 minimumFileSize = 16000;
 
     FlowController(Platform &platform, Defaults &defaults, const Prefs &prefs, Transcriber &transcriber,
-                   LabsClient &labs, const LabsAnswerMode &answerMode, HistoryStore &historyStore);
+                   LabsClient &labs, const LabsSession &labsSession, const LabsAnswerMode &answerMode,
+                   HistoryStore &historyStore);
     ~FlowController() override;
 
     FlowState state() const { return m_state; }
@@ -54,11 +58,15 @@ public:
     const std::optional<QString> &lastError() const { return m_lastError; }
 
     OverlayPanel &overlay() { return m_overlay; }
+    /// The only one: a second one would take the dictation that waits on the clipboard for the user's own.
+    TextInserter &inserter() { return m_inserter; }
     /// The installed shortcut; null when there is none.
     HotkeyMonitor *hotkey() const { return m_hotkey.get(); }
 
     /// Installs the stored shortcut, unless one is installed.
     void start();
+    /// From now on ends a recording when the user leaves the machine.
+    void followPresence();
     /// Stores the shortcut and puts it in the place of the installed one.
     void updateHotkey(const HotkeySpec &spec);
     /// The session no longer lets us watch keys.
@@ -72,7 +80,8 @@ public:
     void beginRecording();
     /// Ends the recording and sends it on its way; does nothing unless recording.
     void finishRecording(bool limitReached);
-    /// Drops the recording; does nothing unless recording.
+    /// Drops the recording; does nothing unless recording. That, and a start that comes to nothing, are the
+    /// only ways in which something long enough to be transcribed goes at once.
     void cancelRecording();
     /// Records a dictation whose text goes to the callback instead of being pasted and stored; only when
     /// idle.
@@ -84,9 +93,15 @@ Q_SIGNALS:
     void historyChanged();
     void hotkeyActiveChanged();
     void lastErrorChanged();
+    /// The microphone has answered a start; where it failed, `lastError` says why. A start that was given up
+    /// has not failed.
+    void startAnswered(bool failed);
+    /// The file of a dictation that failed is now its listeners' to keep for the user.
+    void recordingKept(const QString &path);
 
 private:
     using Capture = std::function<void(const QString &)>;
+    struct Ending;
 
     /// A transcript on its way to the user.
     struct Draft
@@ -102,18 +117,27 @@ private:
     QCoro::Task<> transcribeAndDeliver(QString filePath, double duration, qint64 fileSize);
     QCoro::Task<Draft> cleanedUp(Draft draft, std::stop_token stop);
     QCoro::Task<Draft> answered(Draft draft, std::stop_token stop);
-    QCoro::Task<> paste(QString text, std::stop_token stop);
+    QCoro::Task<> paste(QString text, std::stop_token stored, std::stop_token stop);
     void deliverCapture(const Draft &draft);
+    void failTranscription(const QString &message, TemporaryFile &recording);
     Dictation record(const Draft &draft, double duration, qint64 fileSize) const;
 
     void fail(const QString &message);
+    void recordingBegan();
+    void finishLost(Recording::Loss loss);
+    void finish(const Ending &ending);
+    void accept(const std::optional<QString> &path, double duration, const Ending &ending);
+    bool giveUpStart();
     void endRecording();
+    void presenceChanged();
     void startMetering();
+    void readMeter();
     void stopMetering();
     void startRecordingLimit();
     void playSound(const QString &name);
     void dropHotkey();
     void adoptHistory();
+    void showNotice(const QString &notice);
     void showOutcome(const std::optional<QString> &notice);
     void schedule(void (FlowController::*step)());
 
@@ -127,6 +151,7 @@ private:
     const Prefs &m_prefs;
     Transcriber &m_transcriber;
     LabsClient &m_labs;
+    const LabsSession &m_labsSession;
     const LabsAnswerMode &m_answerMode;
     HistoryStore &m_historyStore;
 
@@ -142,7 +167,12 @@ private:
     /// On the monotonic clock: a wall clock that is set meanwhile must not make a recording too short.
     std::optional<Clock::Duration> m_recordingStart;
     std::unique_ptr<Timer> m_meterTimer;
+    qint64 m_heard = 0;     // at the last reading of the meter
+    int m_deadReadings = 0; // in a row, without a new sample
     std::unique_ptr<Timer> m_limitTimer;
     Capture m_pendingCapture;
-    std::stop_source m_stop; // stopped when the controller goes away
+    Listener m_presence;
+    std::unique_ptr<Presence::Wakefulness> m_awake; // while a dictation is under way
+    std::optional<QString> m_noticeForReturn;       // what the user who is away has not seen
+    std::stop_source m_stop;                        // stopped when the controller goes away
 };

@@ -5,7 +5,9 @@
 #include "history/HistoryStore.h"
 #include "labs/LabsAnswerMode.h"
 #include "labs/LabsClient.h"
-#include "settings/Defaults.h"
+#include "labs/LabsSession.h"
+#include "platform/Platform.h"
+#include "platform/Sleep.h"
 #include "settings/Prefs.h"
 #include "speech/Transcriber.h"
 
@@ -18,7 +20,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto noticeDuration = 3500ms;
+// logind gives five seconds before it sleeps all the same.
+constexpr auto storeLimit = 4s;
 // A cleanup of fewer words never reached a model.
 constexpr qint64 minimumCleanupWords = 4;
 
@@ -29,19 +32,21 @@ QCoro::Task<> FlowController::transcribeAndDeliver(QString filePath, double dura
 {
     TemporaryFile recording(filePath);
     const std::stop_token stop = m_stop.get_token();
+    // The owner of the clipboard delivers it while the service is at work.
+    const auto clipboard = m_pendingCapture ? nullptr : m_inserter.prepare();
     const Clock::Duration began = m_clock.monotonic();
     const Transcriber::Text transcript = co_await m_transcriber.transcribe(filePath, stop);
     if (stop.stop_requested())
         co_return recording.keep(); // the program ends before the words are safe; its next start finds them
     if (!transcript)
-        co_return fail(transcript.error().description);
+        co_return failTranscription(transcript.error().description, recording);
 
     Draft draft;
     draft.raw = transcript->trimmed();
     draft.text = draft.raw;
     draft.transcribeMs = FlowText::elapsedMilliseconds(m_clock.monotonic() - began);
     if (draft.raw.isEmpty())
-        co_return fail(FlowError::nothingHeard().description);
+        co_return failTranscription(FlowError::nothingHeard().description, recording);
     if (m_prefs.isEnabled(PrefsKey::cleanupEnabled)) {
         draft = co_await cleanedUp(draft, stop);
         if (stop.stop_requested())
@@ -56,11 +61,17 @@ QCoro::Task<> FlowController::transcribeAndDeliver(QString filePath, double dura
     }
 
     setLastTranscript(draft.text);
-    m_historyStore.append(record(draft, duration, fileSize));
-    recording.remove(); // the words are safe, however the paste ends
+    // The disk works while the paste gets ready. Each caller holds the source: who waits may be its only
+    // owner.
+    const std::stop_source stored;
+    const auto tellStored = [stored] { std::stop_source(stored).request_stop(); };
+    const std::stop_callback leaving(stop, tellStored);
+    m_historyStore.append(record(draft, duration, fileSize), filePath, tellStored);
     setLastError(draft.notice);
     showOutcome(draft.notice);
-    co_await paste(draft.text, stop);
+    co_await paste(draft.text, stored.get_token(), stop);
+    if (stop.stop_requested() || !stored.stop_requested())
+        recording.keep(); // the history deletes it once the words are safe
     if (!stop.stop_requested())
         setState(FlowState::idle);
 }
@@ -73,8 +84,8 @@ QCoro::Task<FlowController::Draft> FlowController::cleanedUp(Draft draft, std::s
     if (stop.stop_requested())
         co_return draft;
     if (!cleaned) {
-        draft.notice =
-            u"Pasted raw transcript. Cleanup failed: "_s + FlowText::shortened(cleaned.error().description);
+        draft.notice = tr("Pasted raw transcript. Cleanup failed: %1")
+                           .arg(FlowText::shortened(cleaned.error().description));
         co_return draft;
     }
     if (const QString text = cleaned->trimmed(); !text.isEmpty())
@@ -89,10 +100,8 @@ QCoro::Task<FlowController::Draft> FlowController::cleanedUp(Draft draft, std::s
 
 QCoro::Task<FlowController::Draft> FlowController::answered(Draft draft, std::stop_token stop)
 {
-    m_overlay.show(FlowState::idle, u"Answering…"_s, OverlayTone::warning);
-    const LabsProvider provider =
-        LabsProviderNames::fromRawValue(m_defaults.textOrEmpty(PrefsKey::labsProvider))
-            .value_or(LabsProvider::claude);
+    m_overlay.show(FlowState::idle, tr("Answering…"), OverlayTone::warning);
+    const LabsProvider provider = m_labsSession.answeringProvider();
     const QString question = draft.text;
     const QString language = m_prefs.language();
     const QString context;
@@ -101,7 +110,7 @@ QCoro::Task<FlowController::Draft> FlowController::answered(Draft draft, std::st
         draft.text = answer->text;
     else
         draft.notice =
-            u"Pasted transcript. Answer mode failed: "_s + FlowText::shortened(answer.error().message);
+            tr("Pasted transcript. Answer mode failed: %1").arg(FlowText::shortened(answer.error().message));
     co_return draft;
 }
 
@@ -133,16 +142,30 @@ Dictation FlowController::record(const Draft &draft, double duration, qint64 fil
             .chatModel = draft.chatModel};
 }
 
-QCoro::Task<> FlowController::paste(QString text, std::stop_token stop)
+QCoro::Task<> FlowController::paste(QString text, std::stop_token stored, std::stop_token stop)
 {
-    const bool pasted = co_await m_inserter.insert(text, stop);
+    const bool pasted = co_await m_inserter.insert(text, stop, stored);
+    if (!pasted && !stop.stop_requested()) // the machine may be waiting to sleep
+        co_await sleepFor(m_clock, storeLimit, stop, stored);
     if (pasted || stop.stop_requested())
         co_return;
+    const bool isAway = m_platform.presence.isAway();
     const QString message =
-        m_inserter.reachesClipboard()
-            ? u"Copied to clipboard. Grant Accessibility to paste automatically."_s
-            : u"Not copied: this desktop's clipboard is out of reach. Open Sayvane to copy the text."_s;
-    setLastError(message);
-    m_overlay.show(FlowState::idle, message, OverlayTone::warning);
-    m_overlay.hide(noticeDuration);
+        !m_inserter.reachesClipboard()
+            ? tr("Not copied: this desktop's clipboard is out of reach. Open Sayvane to copy the text.")
+        : isAway ? tr("Copied to clipboard while you were away.")
+                 : tr("Copied to clipboard. Grant Accessibility to paste automatically.");
+    if (isAway)
+        m_noticeForReturn = message;
+    showNotice(message);
+}
+
+void FlowController::failTranscription(const QString &message, TemporaryFile &recording)
+{
+    fail(message);
+    if (!m_prefs.isEnabled(PrefsKey::keepFailedRecordings))
+        return;
+    const QString path = recording.path();
+    recording.keep();
+    Q_EMIT recordingKept(path);
 }

@@ -13,8 +13,8 @@ QString FlowText::shortened(const QString &description)
     QString detail = description;
     detail = detail.replace(u'\n', u' ').trimmed();
     if (detail.isEmpty())
-        return u"unknown error"_s;
-    if (Text::characterCount(detail) <= longest)
+        return tr("unknown error");
+    if (Text::firstCharacters(detail, longest) == detail)
         return detail;
     QString kept = Text::firstCharacters(detail, longest - 1);
     while (!kept.isEmpty() && Text::trimmedBlanks(kept.last(1)).isEmpty())

@@ -27,17 +27,21 @@ Host::Host(Platform &platform, const QString &serviceAddress)
                 .computerName = platform.computerName,
                 .clock = platform.clock}),
       m_labsClient(m_accountClient, m_credentials, platform.http, platform.clock),
-      m_labs(m_labsClient, m_preferences.prefs, platform.clock),
+      m_labs({.client = m_labsClient,
+              .account = m_account,
+              .defaults = m_preferences.defaults,
+              .prefs = m_preferences.prefs,
+              .clock = platform.clock}),
       m_answerMode(m_preferences.prefs, platform.clock),
-      m_history(platform.folders, platform.clock),
+      m_history(platform.folders, platform.clock, platform.background),
       m_transcriber({.prefs = m_preferences.prefs,
                      .credentials = m_credentials,
                      .sessions = m_sessions,
                      .account = m_account,
                      .http = platform.http,
                      .clock = platform.clock}),
-      m_flow(platform, m_preferences.defaults, m_preferences.prefs, m_transcriber, m_labsClient, m_answerMode,
-             m_history),
+      m_flow(platform, m_preferences.defaults, m_preferences.prefs, m_transcriber, m_labsClient, m_labs,
+             m_answerMode, m_history),
       m_hotkeyRecorder(
           platform.localKeys, [this] { return m_flow.hotkey(); },
           [this](const HotkeySpec &spec) { m_flow.updateHotkey(spec); }),
@@ -50,6 +54,9 @@ Host::Host(Platform &platform, const QString &serviceAddress)
                   .credentials = m_credentials})
 {
     QObject::connect(&m_account, &AccountStatus::sessionRejected, &m_flow, &FlowController::reportSignedOut);
+    QObject::connect(&m_keychain, &Keychain::changed, &m_flow, [this] { m_delegate.credentialsChanged(); });
+    QObject::connect(&m_account, &AccountStatus::signedOut, &m_answerMode,
+                     [this] { m_answerMode.setEnabled(false); });
     QObject::connect(&m_flow, &FlowController::hotkeyActiveChanged, &m_hotkeyRecorder,
                      &HotkeyRecorder::suspendRunning);
 }
@@ -58,4 +65,5 @@ void Host::launch(std::function<void()> showDashboard)
 {
     m_delegate.applicationDidFinishLaunching(std::move(showDashboard));
     m_overlay.prepare();
+    m_flow.followPresence();
 }

@@ -11,9 +11,11 @@ struct MenuEntry
     enum class Kind { button, text, separator, submenu };
 
     Kind kind = Kind::separator;
-    QString text;
+    /// What it is, whatever it reads at the moment, such as "dictate": panels keep an entry by this.
+    QString name = {};
+    QString text = {};
     bool enabled = true; ///< of a button
-    std::function<void()> action;
-    QString shortcut; ///< shown beside the text, such as "Ctrl+Q"; empty for none
-    QList<MenuEntry> submenu;
+    std::function<void()> action = {};
+    QString shortcut = {}; ///< shown beside the text, such as "Ctrl+Q"; empty for none
+    QList<MenuEntry> submenu = {};
 };

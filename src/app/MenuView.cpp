@@ -26,20 +26,22 @@ constexpr qsizetype historyEntries = 15;
 
 using Kind = MenuEntry::Kind;
 
-MenuEntry text(const QString &line)
+MenuEntry text(const QString &name, const QString &line)
 {
-    return {.kind = Kind::text, .text = line};
+    return {.kind = Kind::text, .name = name, .text = line};
 }
 
-MenuEntry button(const QString &title, std::function<void()> action, const QString &shortcut = {})
+MenuEntry button(const QString &name, const QString &title, std::function<void()> action,
+                 const QString &shortcut = {})
 {
-    return {.kind = Kind::button, .text = title, .action = std::move(action), .shortcut = shortcut};
+    return {
+        .kind = Kind::button, .name = name, .text = title, .action = std::move(action), .shortcut = shortcut};
 }
 
 /// The first characters and an ellipsis, where the text is longer than it may be.
 QString cut(const QString &whole, int longest, int kept)
 {
-    return Text::characterCount(whole) > longest ? Text::firstCharacters(whole, kept) + u'…' : whole;
+    return Text::firstCharacters(whole, longest) == whole ? whole : Text::firstCharacters(whole, kept) + u'…';
 }
 
 } // namespace
@@ -83,29 +85,29 @@ QString MenuView::stateLine(FlowState state)
 {
     switch (state) {
     case FlowState::idle:
-        return u"Sayvane: ready"_s;
+        return tr("Sayvane: ready");
     case FlowState::recording:
-        return u"● Listening…"_s;
+        return tr("● Listening…");
     case FlowState::processing:
-        return u"Transcribing…"_s;
+        return tr("Transcribing…");
     }
     Q_UNREACHABLE();
 }
 
 QList<MenuEntry> MenuView::entries() const
 {
-    QList<MenuEntry> entries{button(u"Open Sayvane"_s, m_commands.openDashboard), MenuEntry(),
-                             text(stateLine(m_flow.state()))};
+    QList<MenuEntry> entries{button(u"open"_s, tr("Open Sayvane"), m_commands.openDashboard), MenuEntry(),
+                             text(u"state"_s, stateLine(m_flow.state()))};
     appendFacts(entries);
     entries.append(MenuEntry());
     appendDictation(entries);
     if (m_flow.lastError()) {
         entries.append(MenuEntry());
-        entries.append(text(u"⚠️ "_s + *m_flow.lastError()));
+        entries.append(text(u"error"_s, u"⚠️ "_s + *m_flow.lastError()));
     }
     entries.append(MenuEntry());
-    entries.append(button(u"Settings"_s, m_commands.openSettings, u"Ctrl+,"_s));
-    entries.append(button(u"Quit Sayvane"_s, m_commands.quit, u"Ctrl+Q"_s));
+    entries.append(button(u"settings"_s, tr("Settings"), m_commands.openSettings, u"Ctrl+,"_s));
+    entries.append(button(u"quit"_s, tr("Quit Sayvane"), m_commands.quit, u"Ctrl+Q"_s));
     return entries;
 }
 
@@ -114,50 +116,54 @@ void MenuView::appendFacts(QList<MenuEntry> &entries) const
     const QString provider = m_defaults.textOrEmpty(PrefsKey::provider);
     if (Providers::fromRawValue(provider).value_or(Provider::sayvane) == Provider::sayvane)
         appendAccount(entries);
-    entries.append(text(SpokenLanguage::nameFor(m_defaults.textOrEmpty(PrefsKey::language))));
+    entries.append(text(u"language"_s, SpokenLanguage::nameFor(m_defaults.textOrEmpty(PrefsKey::language))));
     const HotkeySpec shortcut = HotkeySpec::decode(m_defaults.text(PrefsKey::hotkeySpec));
-    entries.append(text(shortcut.displayString() + u" to start / stop"_s));
+    entries.append(text(u"shortcut"_s, tr("%1 to start / stop").arg(shortcut.displayString())));
     if (!m_history.records().isEmpty()) {
         const Dictation &newest = m_history.records().first();
         if (newest.transcribeMs) {
             const auto total = static_cast<double>(*newest.transcribeMs + newest.cleanupMs.value_or(0));
-            entries.append(text(u"Last dictation: %1 s"_s.arg(Decimal::format(total / 1000, 1))));
+            entries.append(
+                text(u"lasted"_s, tr("Last dictation: %1 s").arg(Decimal::format(total / 1000, 1))));
         }
     }
     if (!m_flow.hotkeyActive())
-        entries.append(text(u"⚠️ Hotkey inactive: grant Accessibility"_s));
+        entries.append(text(u"inactive"_s, tr("⚠️ Hotkey inactive: grant Accessibility")));
 }
 
 void MenuView::appendAccount(QList<MenuEntry> &entries) const
 {
     if (m_answerMode.enabled())
-        entries.append(text(u"Answer mode on"_s));
+        entries.append(text(u"answerMode"_s, tr("Answer mode on")));
     const QString email = m_account.email().value_or(QString());
     if (m_account.signedIn() && !email.isEmpty())
-        entries.append(text(cut(email, longestEmail, longestEmail - 1)));
+        entries.append(text(u"email"_s, cut(email, longestEmail, longestEmail - 1)));
     if (const auto seconds = m_account.remainingSeconds())
-        entries.append(text(AccountStatus::minutesText(*seconds) + u" left today"_s));
+        entries.append(text(u"minutes"_s, tr("%1 left today").arg(AccountStatus::minutesText(*seconds))));
 }
 
 void MenuView::appendDictation(QList<MenuEntry> &entries) const
 {
     MenuEntry dictate =
-        button(m_flow.state() == FlowState::recording ? u"Stop & Transcribe"_s : u"Start Dictation"_s,
+        button(u"dictate"_s,
+               m_flow.state() == FlowState::recording ? tr("Stop & Transcribe") : tr("Start Dictation"),
                [&flow = m_flow] { flow.toggle(); });
     dictate.enabled = m_flow.state() != FlowState::processing;
     entries.append(dictate);
     if (!m_flow.lastTranscript().isEmpty())
-        entries.append(button(u"Copy Last Transcript"_s, [this] { copy(m_flow.lastTranscript()); }));
+        entries.append(
+            button(u"copy"_s, tr("Copy Last Transcript"), [this] { copy(m_flow.lastTranscript()); }));
     if (!m_flow.history().isEmpty())
         entries.append(historyMenu());
 }
 
 MenuEntry MenuView::historyMenu() const
 {
-    MenuEntry menu{.kind = Kind::submenu, .text = u"History"_s};
+    MenuEntry menu{.kind = Kind::submenu, .name = u"history"_s, .text = tr("History")};
     const QStringList &texts = m_flow.history();
     for (const QString &whole : texts.first(std::min(historyEntries, texts.size())))
-        menu.submenu.append(button(cut(whole, longestTitle, longestTitle), [this, whole] { copy(whole); }));
+        menu.submenu.append(
+            button(whole, cut(whole, longestTitle, longestTitle), [this, whole] { copy(whole); }));
     return menu;
 }
 

@@ -19,6 +19,8 @@ public:
         m_path.clear();
     }
 
+    const QString &path() const { return m_path; }
+
     void keep() { m_path.clear(); }
 
 private:

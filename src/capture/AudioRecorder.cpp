@@ -18,32 +18,62 @@ AudioRecorder::AudioRecorder(Microphone &microphone, const Folders &folders, con
 {
 }
 
-std::expected<void, FlowError> AudioRecorder::start()
+void AudioRecorder::start(Started started)
 {
-    if (!m_microphone.hasInputDevice())
-        return std::unexpected(FlowError::noInputDevice());
+    m_phase = Phase::starting;
+    m_search = std::make_shared<const bool>();
+    m_microphone.findInputDevice(
+        [this, search = std::weak_ptr(m_search), started = std::move(started)](bool found) {
+            if (search.expired())
+                return;
+            if (!found)
+                return giveUp(FlowError::noInputDevice(), started);
+            open(started);
+        });
+}
+
+void AudioRecorder::open(const Started &started)
+{
     const QString id = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
     const QString path = m_folders.temporary() + u"/sayvane-%1.wav"_s.arg(id);
     if (!hasRoom(path, m_volumes))
-        return std::unexpected(FlowError::lowDiskSpace());
+        return giveUp(FlowError::lowDiskSpace(), started);
     auto opened = m_microphone.open(path, format);
     if (!opened)
-        return std::unexpected(FlowError::platform(opened.error()));
-    auto recording = *std::move(opened);
-    if (!recording->prepare() || !recording->record()) {
-        recording.reset();
-        QFile::remove(path);
-        return std::unexpected(FlowError::recorderFailed());
-    }
-    m_recorder = std::move(recording);
+        return giveUp(FlowError::platform(opened.error()), started);
+    m_recorder = *std::move(opened);
     m_currentPath = path;
-    return {};
+    m_recorder->record([this, started](bool begun) {
+        if (!begun)
+            return giveUp(FlowError::recorderFailed(), started);
+        m_phase = Phase::recording;
+        started({});
+    });
 }
 
-std::optional<QString> AudioRecorder::stop()
+void AudioRecorder::giveUp(FlowError error, const Started &started)
 {
-    if (m_recorder)
-        m_recorder->stop();
+    const Started told = started; // it may belong to the recording that goes
+    if (const auto path = abandon())
+        QFile::remove(*path);
+    told(std::unexpected(std::move(error)));
+}
+
+void AudioRecorder::stop(Stopped stopped)
+{
+    if (m_phase != Phase::recording)
+        return stopped(std::nullopt);
+    m_phase = Phase::stopping;
+    m_recorder->stop([this, stopped = std::move(stopped)] {
+        const Stopped told = stopped;
+        told(abandon());
+    });
+}
+
+std::optional<QString> AudioRecorder::abandon()
+{
+    m_phase = Phase::idle;
+    m_search.reset();
     m_recorder.reset();
     return std::exchange(m_currentPath, std::nullopt);
 }

@@ -3,6 +3,7 @@
 #include "platform/KeyTap.h"
 #include "settings/HotkeySpec.h"
 
+#include <atomic>
 #include <functional>
 #include <memory>
 
@@ -18,7 +19,7 @@ public:
     static constexpr quint64 escapeDisqualifiers =
         KeyFlags::shift | KeyFlags::control | KeyFlags::option | KeyFlags::command;
 
-    /// The callbacks are called from within the tap: they only schedule work.
+    /// The callbacks are called from within the tap, on its thread: they only schedule work.
     HotkeyMonitor(KeyTaps &taps, const HotkeySpec &spec, std::function<void()> onTrigger,
                   std::function<void()> onCancel);
 
@@ -27,7 +28,7 @@ public:
     /// Removes the tap. Safe to call when not started.
     void stop();
 
-    /// The decision for one event. It allocates nothing.
+    /// The decision for one event, on any thread. It allocates nothing.
     KeyVerdict handle(const KeyEvent &event);
 
     bool interceptEscape() const { return m_interceptEscape; }
@@ -48,7 +49,7 @@ private:
     quint64 m_requiredFlags;
     std::function<void()> m_onTrigger;
     std::function<void()> m_onCancel;
-    bool m_interceptEscape = false;
-    bool m_suspended = false;
+    std::atomic<bool> m_interceptEscape = false;
+    std::atomic<bool> m_suspended = false;
     std::unique_ptr<KeyTap> m_tap;
 };

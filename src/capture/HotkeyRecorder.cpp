@@ -54,10 +54,10 @@ bool HotkeyRecorder::handleKeyDown(const LocalKeyEvent &event)
     if (isPlain && event.keyCode == HotkeyMonitor::escapeKeyCode)
         cancel();
     else if (isPlain && !spec.isFunctionKey())
-        publish(
-            true, {},
-            u"%1 on its own would be taken from every app. Hold Fn, ⌘, ⌥, ⌃ or ⇧ as well, or choose a function key."_s
-                .arg(HotkeySpec::keyNameFor(event.keyCode)));
+        publish(true, {},
+                tr("%1 on its own would be taken from every app. Hold Fn, ⌘, ⌥, ⌃ or ⇧ as well, or choose a "
+                   "function key.")
+                    .arg(HotkeySpec::keyNameFor(event.keyCode)));
     else
         apply(spec);
     return true;

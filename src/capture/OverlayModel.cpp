@@ -1,9 +1,11 @@
 #include "capture/OverlayModel.h"
 
+#include "support/Text.h"
+
 void OverlayModel::present(FlowState state, const std::optional<QString> &message, OverlayTone tone)
 {
     m_state = state;
-    m_message = message;
+    m_message = message ? std::optional(Text::excerpt(*message, longestMessage)) : std::nullopt;
     m_tone = tone;
     Q_EMIT presentationChanged();
 }

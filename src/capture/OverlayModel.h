@@ -16,6 +16,9 @@ class OverlayModel final : public QObject
 public:
     /// How many levels the meter shows.
     static constexpr qsizetype levelCount = 24;
+    /// The longest message, in units of UTF-16; the rest is left out before anybody lays it out or reads it
+    /// aloud.
+    static constexpr qsizetype longestMessage = 4000;
 
     FlowState state() const { return m_state; }
     const std::optional<QString> &message() const { return m_message; }

@@ -3,6 +3,8 @@
 #include "commands/CommandContext.h"
 #include "platform/Platform.h"
 
+#include <QCoroTask>
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -12,6 +14,8 @@ std::expected<std::unique_ptr<OfflineProgram>, QString> OfflineProgram::take(con
     auto lock = std::make_unique<ProfileLock>(machine.folders);
     if (!lock->tryLock(5s))
         return std::unexpected(lock->objection());
-    return std::unique_ptr<OfflineProgram>(
+    std::unique_ptr<OfflineProgram> program(
         new OfflineProgram(std::move(lock), machine, context.asked.service));
+    QCoro::waitFor(program->host().keychain().refresh()); // so that it knows who is signed in
+    return program;
 }

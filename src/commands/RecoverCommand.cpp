@@ -3,11 +3,16 @@
 #include "app/ProfileLock.h"
 #include "commands/CommandContext.h"
 #include "commands/ExitCode.h"
+#include "commands/OfflineProgram.h"
 #include "commands/RecordingText.h"
 #include "commands/Terminal.h"
 #include "platform/Clock.h"
 #include "platform/Platform.h"
 #include "recovery/LeftRecordings.h"
+#include "settings/Defaults.h"
+#include "settings/Prefs.h"
+
+#include <QDBusArgument>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -35,10 +40,39 @@ int removeAll(const QList<LeftRecording> &recordings)
     return ExitCode::done;
 }
 
+/// Tells, or chooses, whether a recording whose transcription failed is kept.
+int keepFailed(const CommandContext &context)
+{
+    const QString wanted = context.asked.arguments.value(1);
+    if (!QStringList{QString(), u"on"_s, u"off"_s}.contains(wanted) || context.asked.all)
+        return Terminal::complain(u"'recover failed' takes on or off."_s, ExitCode::usage);
+    bool isOn = wanted == "on"_L1;
+    const ControlClient::Answer answer = wanted.isEmpty()
+                                             ? context.running.call(u"Status"_s)
+                                             : context.running.call(u"KeepFailedRecordings"_s, {isOn});
+    if (!answer && answer.error().kind == ControlClient::Error::Kind::failed)
+        return Terminal::complain(answer.error().message, ExitCode::failed);
+    if (!answer) {
+        const auto program = OfflineProgram::take(context);
+        if (!program)
+            return Terminal::complain(program.error(), ExitCode::inUse);
+        Defaults &defaults = (*program)->host().defaults();
+        if (wanted.isEmpty())
+            isOn = defaults.boolean(PrefsKey::keepFailedRecordings);
+        else
+            defaults.set(PrefsKey::keepFailedRecordings, isOn);
+    } else if (wanted.isEmpty()) {
+        isOn = qdbus_cast<QVariantMap>(answer->value(0)).value(u"keepsFailedRecordings"_s).toBool();
+    }
+    return Terminal::print(isOn ? u"on\n"_s : u"off\n"_s) ? ExitCode::done : ExitCode::failed;
+}
+
 } // namespace
 
 int RecoverCommand::run(const CommandContext &context)
 {
+    if (context.asked.arguments.value(0) == "failed"_L1)
+        return keepFailed(context);
     const Platform &machine = context.machine();
     LeftRecordings recordings(machine.folders, machine.clock);
     {
@@ -55,7 +89,7 @@ int RecoverCommand::run(const CommandContext &context)
         return removeAll(recordings.all());
     if ((action != "delete"_L1 && action != "transcribe"_L1) || id.isEmpty() || context.asked.all)
         return Terminal::complain(
-            u"'recover' takes list, transcribe ID, delete ID or delete --all. Try --help."_s,
+            u"'recover' takes list, transcribe ID, delete ID, delete --all or failed. Try --help."_s,
             ExitCode::usage);
     const auto found = recordings.find(id);
     if (!found)

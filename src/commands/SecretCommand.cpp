@@ -6,6 +6,7 @@
 #include "settings/Keychain.h"
 #include "values/Provider.h"
 
+#include <QCoroTask>
 #include <QFile>
 
 #include <cstdio>
@@ -17,10 +18,11 @@ namespace {
 std::optional<int32_t> stored(Keychain &keychain, const QString &account, const QString &secret)
 {
     if (account == "sayvane_session"_L1)
-        return AccountSessionStore(keychain).save(secret);
+        return QCoro::waitFor(AccountSessionStore(keychain).save(secret));
     for (const Provider provider : Providers::apiKeyProviders) {
         if (Providers::keychainAccount(provider) == account)
-            return keychain.save(secret.trimmed(), account, Keychain::Accessibility::afterFirstUnlock);
+            return QCoro::waitFor(
+                keychain.save(secret.trimmed(), account, Keychain::Accessibility::afterFirstUnlock));
     }
     return std::nullopt;
 }

@@ -5,7 +5,6 @@
 #include "commands/OfflineProgram.h"
 #include "commands/Terminal.h"
 #include "control/SignInSteps.h"
-#include "platform/Platform.h"
 
 #include <QCoroTask>
 
@@ -64,7 +63,7 @@ int signInHere(const CommandContext &context)
     if (!program)
         return Terminal::complain(program.error(), ExitCode::inUse);
     Host &host = (*program)->host();
-    SignInSteps steps(host.signIn(), host.account(), context.machine().clock);
+    SignInSteps steps(host.signIn(), host.account());
     return converse(
         {.sendCode = [&steps](const QString &email) { return QCoro::waitFor(steps.sendCode(email)); },
          .submit = [&steps](const QString &code) { return QCoro::waitFor(steps.submit(code)); }});

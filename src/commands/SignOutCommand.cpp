@@ -8,13 +8,17 @@
 #include <QCoroTask>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
+// Long enough for a keyring that waits for its password.
+constexpr auto answerLimit = 5min;
+
 int signOutHere(Host &host)
 {
-    const auto token = host.sessions().token();
-    const int32_t status = host.sessions().clear();
+    const auto token = QCoro::waitFor(host.sessions().fetch({}));
+    const int32_t status = QCoro::waitFor(host.sessions().clear());
     if (status != SecretStatus::success)
         return Terminal::complain(u"Couldn't remove the session from the Keychain: "_s +
                                       host.keychain().message(status),
@@ -30,7 +34,7 @@ int signOutHere(Host &host)
 
 int SignOutCommand::run(const CommandContext &context)
 {
-    const ControlClient::Answer answer = context.running.call(u"SignOut"_s);
+    const ControlClient::Answer answer = context.running.call(u"SignOut"_s, {}, answerLimit);
     if (answer)
         return ExitCode::done;
     if (answer.error().kind == ControlClient::Error::Kind::failed)

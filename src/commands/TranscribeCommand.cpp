@@ -1,18 +1,14 @@
 #include "commands/TranscribeCommand.h"
 
 #include "commands/CommandContext.h"
-#include "commands/ExitCode.h"
 #include "commands/RecordingText.h"
+#include "commands/SpokenFile.h"
 #include "commands/Terminal.h"
-
-#include <QFile>
-
-using namespace Qt::StringLiterals;
 
 int TranscribeCommand::run(const CommandContext &context)
 {
-    const QString path = context.asked.arguments.first();
-    if (QFile file(path); !file.open(QIODevice::ReadOnly))
-        return Terminal::complain(u"%1: %2."_s.arg(path, file.errorString()), ExitCode::noInput);
-    return RecordingText::print(path, context);
+    const auto spoken = SpokenFile::of(context.asked.arguments.first());
+    if (!spoken)
+        return Terminal::complain(spoken.error().sentence, spoken.error().status);
+    return RecordingText::print(spoken->path(), context);
 }

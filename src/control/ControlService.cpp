@@ -44,7 +44,7 @@ ControlService::ControlService(const Served &served, Commands commands)
       m_prefs(served.prefs),
       m_transcriber(served.transcriber),
       m_commands(std::move(commands)),
-      m_steps(served.signIn, served.account, served.clock)
+      m_steps(served.signIn, served.account)
 {
     connect(&m_flow, &FlowController::stateChanged, this,
             [this] { Q_EMIT StateChanged(nameOf(m_flow.state())); });
@@ -70,27 +70,33 @@ void ControlService::refuse(const QString &sentence) const
     sendErrorReply(ControlInterface::failed, sentence);
 }
 
-void ControlService::begin()
+/// The start that follows is answered when the microphone has answered it.
+void ControlService::replyToStart()
 {
-    m_flow.beginRecording();
-    if (m_flow.state() != FlowState::recording)
-        refuse(m_flow.lastError().value_or(QString()));
+    setDelayedReply(true);
+    const auto reply = [this, request = message(), bus = connection()](bool failed) {
+        bus.send(failed ? request.createErrorReply(ControlInterface::failed,
+                                                   m_flow.lastError().value_or(QString()))
+                        : request.createReply());
+    };
+    connect(&m_flow, &FlowController::startAnswered, this, reply, Qt::SingleShotConnection);
 }
 
 void ControlService::Toggle()
 {
     if (m_flow.state() == FlowState::idle)
-        begin();
-    else
-        m_flow.toggle();
+        replyToStart();
+    m_flow.toggle();
 }
 
 void ControlService::Start()
 {
-    if (m_flow.state() == FlowState::processing)
+    if (m_flow.state() == FlowState::processing) {
         refuse(u"The last dictation is not finished yet."_s);
-    else if (m_flow.state() == FlowState::idle)
-        begin();
+    } else if (m_flow.state() == FlowState::idle) {
+        replyToStart();
+        m_flow.beginRecording();
+    }
 }
 
 void ControlService::Stop()
@@ -125,6 +131,7 @@ QVariantMap ControlService::Status() const
         {u"language"_s, m_prefs.language()},
         {u"signedIn"_s, m_account.signedIn()},
         {u"answerMode"_s, m_answerMode.enabled()},
+        {u"keepsFailedRecordings"_s, m_prefs.isEnabled(PrefsKey::keepFailedRecordings)},
     };
     if (const auto email = m_account.email(); email && m_account.signedIn())
         status.insert(u"email"_s, *email);
@@ -162,6 +169,11 @@ QCoro::Task<> ControlService::transcribe(QString path, QDBusMessage request, QDB
                                   : request.createErrorReply(ControlInterface::failed, made.error));
 }
 
+void ControlService::KeepFailedRecordings(bool keep)
+{
+    m_defaults.set(PrefsKey::keepFailedRecordings, keep);
+}
+
 void ControlService::SendCode(const QString &email)
 {
     setDelayedReply(true);
@@ -194,7 +206,16 @@ QCoro::Task<> ControlService::signIn(QString code, QDBusMessage request, QDBusCo
 
 void ControlService::SignOut()
 {
-    m_signIn.signOutThisMac();
-    if (const QString error = m_signIn.errorText(); !error.isEmpty())
-        refuse(error);
+    setDelayedReply(true);
+    signOut(message(), connection());
+}
+
+QCoro::Task<> ControlService::signOut(QDBusMessage request, QDBusConnection bus)
+{
+    const std::stop_token stop = m_stop.get_token();
+    const bool isOut = co_await m_signIn.leave();
+    if (stop.stop_requested())
+        co_return;
+    bus.send(isOut ? request.createReply()
+                   : request.createErrorReply(ControlInterface::failed, m_signIn.errorText()));
 }

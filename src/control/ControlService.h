@@ -12,7 +12,6 @@
 
 class AccountSignIn;
 class AccountStatus;
-class Clock;
 class Defaults;
 class FlowController;
 class LabsAnswerMode;
@@ -31,10 +30,9 @@ public:
         AccountSignIn &signIn;
         const AccountStatus &account;
         const LabsAnswerMode &answerMode;
-        const Defaults &defaults;
+        Defaults &defaults;
         const Prefs &prefs;
         Transcriber &transcriber;
-        Clock &clock;
     };
     struct Commands
     {
@@ -62,22 +60,24 @@ public Q_SLOTS:
     Q_SCRIPTABLE void SendCode(const QString &email);
     Q_SCRIPTABLE QString SignIn(const QString &code);
     Q_SCRIPTABLE void SignOut();
+    Q_SCRIPTABLE void KeepFailedRecordings(bool keep);
 
 Q_SIGNALS:
     Q_SCRIPTABLE void StateChanged(const QString &state);
 
 private:
-    void begin();
+    void replyToStart();
     void refuse(const QString &sentence) const;
     QCoro::Task<> transcribe(QString path, QDBusMessage request, QDBusConnection bus);
     QCoro::Task<> sendCode(QString email, QDBusMessage request, QDBusConnection bus);
     QCoro::Task<> signIn(QString code, QDBusMessage request, QDBusConnection bus);
+    QCoro::Task<> signOut(QDBusMessage request, QDBusConnection bus);
 
     FlowController &m_flow;
     AccountSignIn &m_signIn;
     const AccountStatus &m_account;
     const LabsAnswerMode &m_answerMode;
-    const Defaults &m_defaults;
+    Defaults &m_defaults;
     const Prefs &m_prefs;
     Transcriber &m_transcriber;
     Commands m_commands;

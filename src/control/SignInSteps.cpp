@@ -2,27 +2,14 @@
 
 #include "account/AccountSignIn.h"
 #include "account/AccountStatus.h"
-#include "platform/Sleep.h"
 
 #include <QCoroSignal>
 
-#include <chrono>
-
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
-namespace {
-
-// Long enough to type the keyring's password.
-constexpr int storeAttempts = 60;
-constexpr auto storePause = 1s;
-
-} // namespace
-
-SignInSteps::SignInSteps(AccountSignIn &signIn, const AccountStatus &account, Clock &clock)
+SignInSteps::SignInSteps(AccountSignIn &signIn, const AccountStatus &account)
     : m_signIn(signIn),
-      m_account(account),
-      m_clock(clock)
+      m_account(account)
 {
 }
 
@@ -45,10 +32,6 @@ QCoro::Task<QString> SignInSteps::submit(QString code)
     if (!m_signIn.busy())
         co_return u"The code has six digits."_s;
     co_await untilDone();
-    for (int attempt = 1; m_signIn.needsKeychainRetry() && attempt < storeAttempts; ++attempt) {
-        co_await sleepFor(m_clock, storePause, {});
-        m_signIn.retryStore();
-    }
     const QString error = m_signIn.errorText();
     m_signIn.discardUnsavedSession();
     co_return error;

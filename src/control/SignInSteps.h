@@ -5,20 +5,19 @@
 
 class AccountSignIn;
 class AccountStatus;
-class Clock;
 
 /// Signing in one question at a time, for those who ask without a screen. An error is one sentence for
 /// the user, empty when all went well.
 class SignInSteps
 {
 public:
-    SignInSteps(AccountSignIn &signIn, const AccountStatus &account, Clock &clock);
+    SignInSteps(AccountSignIn &signIn, const AccountStatus &account);
 
     /// Has a code sent to the address.
     QCoro::Task<QString> sendCode(QString email);
 
-    /// Signs in with the code that was sent. While the keyring refuses the session, which it does until
-    /// its owner has opened it, the step tries again for a while; then the session is given up.
+    /// Signs in with the code that was sent, once the keyring's owner has answered what it asks. A session
+    /// that the keyring refuses is given up.
     QCoro::Task<QString> submit(QString code);
 
     /// Who is signed in now; empty when nobody is.
@@ -29,5 +28,4 @@ private:
 
     AccountSignIn &m_signIn;
     const AccountStatus &m_account;
-    Clock &m_clock;
 };

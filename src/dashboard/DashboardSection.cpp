@@ -16,11 +16,11 @@ struct Appearance
 const Appearance &appearanceOf(DashboardSection::Id id)
 {
     static const std::array<Appearance, DashboardSection::allCases.size()> appearances{{
-        {u"Dictation"_s, u"mic.fill"_s, {u"#ff375f"_s, u"#ff6b8b"_s}},
-        {u"Insights"_s, u"chart.bar.fill"_s, {u"#0a84ff"_s, u"#30d5c8"_s}},
-        {u"Dictionary"_s, u"book.fill"_s, {u"#ff9f0a"_s, u"#ffd60a"_s}},
-        {u"Labs"_s, u"flask.fill"_s, {u"#028f86"_s, u"#1fd9c4"_s}},
-        {u"Settings"_s, u"gearshape.fill"_s, {u"#8e8e93"_s, u"#aeaeb2"_s}},
+        {DashboardSection::tr("Dictation"), u"mic.fill"_s, {u"#ff375f"_s, u"#ff6b8b"_s}},
+        {DashboardSection::tr("Insights"), u"chart.bar.fill"_s, {u"#0a84ff"_s, u"#30d5c8"_s}},
+        {DashboardSection::tr("Dictionary"), u"book.fill"_s, {u"#ff9f0a"_s, u"#ffd60a"_s}},
+        {DashboardSection::tr("Labs"), u"flask.fill"_s, {u"#028f86"_s, u"#1fd9c4"_s}},
+        {DashboardSection::tr("Settings"), u"gearshape.fill"_s, {u"#8e8e93"_s, u"#aeaeb2"_s}},
     }};
     return appearances.at(static_cast<size_t>(id));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -39,4 +40,6 @@ public:
 
 private:
     Id m_id = dictation;
+
+    Q_DECLARE_TR_FUNCTIONS(DashboardSection)
 };

@@ -4,6 +4,7 @@
 #include "dashboard/DashboardNavigation.h"
 #include "platform/Clock.h"
 #include "settings/Defaults.h"
+#include "settings/Keychain.h"
 #include "settings/Prefs.h"
 
 #include <utility>
@@ -16,6 +17,7 @@ DashboardView::DashboardView(const Needs &needs)
       m_hasCredential(needs.credentials.hasCredential(needs.prefs.provider())),
       m_day(today())
 {
+    connect(&m_needs.credentials.keychain(), &Keychain::changed, this, &DashboardView::refreshCredential);
     connect(&m_needs.defaults, &Defaults::changed, this, [this](const QString &key) {
         if (key == PrefsKey::provider)
             Q_EMIT changed();
@@ -39,8 +41,8 @@ bool DashboardView::usesOwnKey() const
 
 QString DashboardView::bannerMessage() const
 {
-    return usesOwnKey() ? u"Add a transcription key under Settings, Advanced"_s
-                        : u"Sign in under Settings to start dictating"_s;
+    return usesOwnKey() ? tr("Add a transcription key under Settings, Advanced")
+                        : tr("Sign in under Settings to start dictating");
 }
 
 void DashboardView::setShown(bool shown)
@@ -52,6 +54,7 @@ void DashboardView::setShown(bool shown)
         m_day = {};
         tick();
     } else {
+        Q_EMIT closing();
         m_ticker.reset();
     }
     Q_EMIT changed();
@@ -61,6 +64,11 @@ void DashboardView::tick()
 {
     if (std::exchange(m_day, today()) != m_day)
         Q_EMIT dayBegan();
+    refreshCredential();
+}
+
+void DashboardView::refreshCredential()
+{
     const bool hasCredential = m_needs.credentials.hasCredential(m_needs.prefs.provider());
     if (std::exchange(m_hasCredential, hasCredential) != hasCredential)
         Q_EMIT changed();

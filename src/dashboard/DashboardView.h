@@ -46,12 +46,15 @@ public:
 
 Q_SIGNALS:
     void changed();
+    /// The window is about to close, and with it what the screens look like.
+    void closing();
     /// The window is shown again, or midnight has passed: what speaks of today is out of date.
     void dayBegan();
 
 private:
     bool usesOwnKey() const;
     void tick();
+    void refreshCredential();
     QDate today() const;
 
     Needs m_needs;

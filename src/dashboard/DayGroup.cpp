@@ -18,9 +18,9 @@ const QLocale &british()
 QString titleOf(const QDate &day, const QDate &today)
 {
     if (day == today)
-        return u"Today"_s;
+        return DayGroup::tr("Today");
     if (day == today.addDays(-1))
-        return u"Yesterday"_s;
+        return DayGroup::tr("Yesterday");
     return british().toString(day, u"dddd d MMMM yyyy"_s);
 }
 

@@ -2,6 +2,7 @@
 
 #include "history/Dictation.h"
 
+#include <QCoreApplication>
 #include <QDate>
 #include <QList>
 #include <QString>
@@ -20,4 +21,6 @@ struct DayGroup
 
     /// Such as "9:05 am", whatever the user's locale.
     static QString timeText(const QDateTime &date, const QTimeZone &zone);
+
+    Q_DECLARE_TR_FUNCTIONS(DayGroup)
 };

@@ -29,7 +29,7 @@ DictationListView::DictationListView(HistoryStore &store, Defaults &defaults, Cl
 
 QString DictationListView::greeting() const
 {
-    return u"Welcome back, Orrin"_s;
+    return tr("Welcome back, Orrin");
 }
 
 QVariantList DictationListView::figures() const
@@ -75,7 +75,7 @@ bool DictationListView::hasRecords() const
 
 QString DictationListView::emptyTitle() const
 {
-    return hasRecords() ? u"Nothing matches that search"_s : u"No dictations yet"_s;
+    return hasRecords() ? tr("Nothing matches that search") : tr("No dictations yet");
 }
 
 QString DictationListView::emptyHint() const
@@ -83,7 +83,7 @@ QString DictationListView::emptyHint() const
     if (hasRecords())
         return {};
     const HotkeySpec shortcut = HotkeySpec::decode(m_defaults.text(PrefsKey::hotkeySpec));
-    return u"Press %1 anywhere to start."_s.arg(shortcut.displayString());
+    return tr("Press %1 anywhere to start.").arg(shortcut.displayString());
 }
 
 void DictationListView::copy(int row)
@@ -100,7 +100,7 @@ void DictationListView::remove(int row)
 
 QString DictationListView::clearTitle() const
 {
-    return u"Delete all %1 dictations?"_s.arg(m_store.records().size());
+    return tr("Delete all %1 dictations?").arg(m_store.records().size());
 }
 
 void DictationListView::setConfirmingClear(bool confirming)

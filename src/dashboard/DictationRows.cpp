@@ -2,6 +2,8 @@
 
 #include <QSet>
 
+#include <algorithm>
+
 namespace {
 
 /// From this many separate changes on, building what is visible anew is cheaper.
@@ -90,6 +92,18 @@ bool DictationRows::changeTo(const QList<Row> &rows)
 const Dictation *DictationRows::at(int row) const
 {
     return row >= 0 && row < m_rows.size() ? &m_rows[row].dictation : nullptr;
+}
+
+QString DictationRows::idAt(int row) const
+{
+    const Dictation *dictation = at(row);
+    return dictation ? dictation->id.toString() : QString();
+}
+
+int DictationRows::rowOf(const QString &id) const
+{
+    const auto found = std::ranges::find(m_rows, QUuid(id), [](const Row &row) { return row.dictation.id; });
+    return found == m_rows.cend() ? -1 : static_cast<int>(found - m_rows.cbegin());
 }
 
 int DictationRows::rowCount(const QModelIndex &parent) const

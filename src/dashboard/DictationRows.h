@@ -23,6 +23,10 @@ public:
 
     /// The dictation in the row; none outside the list.
     const Dictation *at(int row) const;
+    /// What identifies the dictation in the row, whatever comes and goes; empty outside the list.
+    Q_INVOKABLE QString idAt(int row) const;
+    /// The row of the dictation with that id; -1 where there is none.
+    Q_INVOKABLE int rowOf(const QString &id) const;
 
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;

@@ -28,19 +28,19 @@ QVariantList InsightsView::figures() const
 {
     const QLocale locale;
     const FlowStats stats = m_store.computeStats();
-    return Figure::list({{locale.toString(stats.wordsToday), u"Words today"_s},
-                         {QString::number(stats.dictationsToday), u"Dictations today"_s},
-                         {locale.toString(stats.totalWords), u"Total words"_s},
-                         {StatsCard::wordsPerMinute(stats), u"Average wpm"_s},
-                         {QString::number(stats.dayStreak), u"Day streak"_s},
-                         {timeToPaste(), u"Average time to paste"_s}});
+    return Figure::list({{locale.toString(stats.wordsToday), tr("Words today")},
+                         {QString::number(stats.dictationsToday), tr("Dictations today")},
+                         {locale.toString(stats.totalWords), tr("Total words")},
+                         {StatsCard::wordsPerMinute(stats), tr("Average wpm")},
+                         {QString::number(stats.dayStreak), tr("Day streak")},
+                         {timeToPaste(), tr("Average time to paste")}});
 }
 
 QString InsightsView::timeToPaste() const
 {
     const auto milliseconds = m_store.stats().averageTimeToPasteMs;
-    return milliseconds ? Decimal::format(static_cast<double>(*milliseconds) / 1000, 1) + u" s"_s
-                        : u"not yet"_s;
+    return milliseconds ? tr("%1 s").arg(Decimal::format(static_cast<double>(*milliseconds) / 1000, 1))
+                        : tr("not yet");
 }
 
 WordsChart InsightsView::chart() const

@@ -15,7 +15,7 @@ QString StatsCard::wordsPerMinute(const FlowStats &stats)
 
 QList<Figure> StatsCard::figures(const FlowStats &stats)
 {
-    return {{QLocale().toString(stats.totalWords), u"words dictated"_s},
-            {wordsPerMinute(stats), u"average wpm"_s},
-            {QString::number(stats.dayStreak), u"day streak"_s}};
+    return {{QLocale().toString(stats.totalWords), tr("words dictated")},
+            {wordsPerMinute(stats), tr("average wpm")},
+            {QString::number(stats.dayStreak), tr("day streak")}};
 }

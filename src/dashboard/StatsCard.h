@@ -2,16 +2,18 @@
 
 #include "dashboard/Figure.h"
 
+#include <QCoreApplication>
 #include <QList>
 
 struct FlowStats;
 
 /// The three figures above the list of dictations, in the user's number format.
-namespace StatsCard {
+struct StatsCard
+{
+    static QList<Figure> figures(const FlowStats &stats);
 
-QList<Figure> figures(const FlowStats &stats);
+    /// Rounded to the nearest whole number, halves away from zero.
+    static QString wordsPerMinute(const FlowStats &stats);
 
-/// Rounded to the nearest whole number, halves away from zero.
-QString wordsPerMinute(const FlowStats &stats);
-
-} // namespace StatsCard
+    Q_DECLARE_TR_FUNCTIONS(StatsCard)
+};

@@ -3,6 +3,7 @@
 #include "history/UsageSummary.h"
 #include "values/Provider.h"
 
+#include <QCoreApplication>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -34,4 +35,6 @@ public:
 
 private:
     QVariantList figures(const UsageSummary &summary) const;
+
+    Q_DECLARE_TR_FUNCTIONS(UsageCard)
 };

@@ -50,12 +50,13 @@ WordsChart WordsChart::of(const QList<DayWords> &days)
         chart.marks.append({locale.toString(mark), static_cast<double>(mark) / static_cast<double>(top)});
     for (qsizetype i = 0; i < days.size(); ++i) {
         const QString label = locale.toString(days[i].date.date(), u"d MMM"_s);
-        const QString words = days[i].words == 1 ? u"1 word"_s : locale.toString(days[i].words) + u" words"_s;
+        const QString words =
+            days[i].words == 1 ? tr("1 word") : tr("%1 words").arg(locale.toString(days[i].words));
         chart.bars.append({label, label + u": "_s + words,
                            static_cast<double>(days[i].words) / static_cast<double>(top),
                            i % daysPerMark == 0});
     }
-    chart.summary = u"%1 words in %2 days"_s.arg(locale.toString(total)).arg(days.size());
+    chart.summary = tr("%1 words in %2 days").arg(locale.toString(total)).arg(days.size());
     return chart;
 }
 

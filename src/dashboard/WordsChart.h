@@ -2,6 +2,7 @@
 
 #include "history/DayWords.h"
 
+#include <QCoreApplication>
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -54,4 +55,6 @@ public:
 private:
     QVariantList barList() const;
     QVariantList markList() const;
+
+    Q_DECLARE_TR_FUNCTIONS(WordsChart)
 };

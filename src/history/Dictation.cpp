@@ -9,7 +9,7 @@ namespace {
 
 QString seconds(qint64 milliseconds)
 {
-    return Decimal::format(static_cast<double>(milliseconds) / 1000, 1) + u" s"_s;
+    return Dictation::tr("%1 s").arg(Decimal::format(static_cast<double>(milliseconds) / 1000, 1));
 }
 
 } // namespace
@@ -23,8 +23,7 @@ std::optional<QString> Dictation::timingSummary() const
 {
     if (!transcribeMs)
         return std::nullopt;
-    QString summary = seconds(*transcribeMs) + u" transcribe"_s;
-    if (cleanupMs)
-        summary += u", "_s + seconds(*cleanupMs) + u" cleanup"_s;
-    return summary;
+    const QString transcribe = seconds(*transcribeMs);
+    return cleanupMs ? tr("%1 transcribe, %2 cleanup").arg(transcribe, seconds(*cleanupMs))
+                     : tr("%1 transcribe").arg(transcribe);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QString>
 #include <QUuid>
@@ -29,4 +30,6 @@ struct Dictation
 
     /// Such as "1.2 s transcribe, 0.6 s cleanup"; none when the transcription was not timed.
     std::optional<QString> timingSummary() const;
+
+    Q_DECLARE_TR_FUNCTIONS(Dictation)
 };

@@ -49,10 +49,7 @@ int FlowStats::dayStreakOf(const QList<Dictation> &records, const QDateTime &now
         }
     }
     const auto dayBefore = [&](qint64 day) {
-        do
-            --day;
-        while (!dictated.contains(day) && !days.startOf(day).isValid()); // the zone may have left one out
-        return day;
+        return dictated.contains(day - 1) ? day - 1 : days.dayBefore(day); // the former is far cheaper
     };
     int streak = 0;
     for (qint64 day = dictated.contains(today) ? today : dayBefore(today); dictated.contains(day);

@@ -3,21 +3,25 @@
 #include "history/DayWords.h"
 #include "history/Dictation.h"
 #include "history/FlowStats.h"
+#include "history/HistoryDisk.h"
 #include "history/UsageSummary.h"
 #include "values/Provider.h"
 
-#include <QByteArray>
 #include <QList>
 #include <QObject>
 #include <QString>
 
+#include <functional>
+
+class Background;
 class Clock;
 class Folders;
 
 /// The newest dictations, mirrored to one JSON file that is replaced whole on every change.
 ///
-/// A file that cannot be read is never overwritten: it is moved aside under a dated name, and when even
-/// that fails, writing stays off until the next start. No trouble with the file stops a dictation.
+/// The file is read and written beside the main thread. Until it is read there are no records; what changes
+/// by then is done to them once they are there. No trouble with the file stops a dictation. With the store,
+/// what was changed is on the disk.
 class HistoryStore final : public QObject
 {
     Q_OBJECT
@@ -25,12 +29,16 @@ public:
     /// More than this many records are not kept; a longer file is loaded whole.
     static constexpr qsizetype cap = 2000;
 
-    HistoryStore(Folders &folders, Clock &clock);
+    HistoryStore(Folders &folders, Clock &clock, Background &background);
+    ~HistoryStore() override;
 
     const QList<Dictation> &records() const { return m_records; }
     const FlowStats &stats() const { return m_stats; }
 
-    void append(const Dictation &dictation);
+    /// `settled` is told once the record is on the disk, or the file could not be written. With the record on
+    /// the disk the recording that it was made of is deleted.
+    void append(const Dictation &dictation, const QString &recording = {},
+                const std::function<void()> &settled = {});
     /// Removes every record with the dictation's id.
     void remove(const Dictation &dictation);
     void clear();
@@ -57,15 +65,17 @@ Q_SIGNALS:
     void recordsChanged();
 
 private:
-    void load();
-    void save();
-    void quarantineHistoryFile();
+    void adopt();
+    void change(std::function<void()> change);
+    void save(const QString &recording = {}, const std::function<void()> &settled = {});
     void publish();
 
     Clock &m_clock;
-    QString m_filePath;
-    QList<Dictation> m_records;  // newest first
-    QList<QByteArray> m_encoded; // of each record the form in the file; empty until the first save needs it
+    Background &m_background;
+    HistoryDisk m_disk;        // the background's alone, and
+    QList<Dictation> m_loaded; // this until it is adopted
+    bool m_isAdopted = false;
+    QList<std::function<void()>> m_early; // changes before that
+    QList<Dictation> m_records;           // newest first
     FlowStats m_stats;
-    bool m_savingBlocked = false;
 };

@@ -11,13 +11,17 @@
 class LocalDays
 {
 public:
-    explicit LocalDays(const QTimeZone &zone) : m_zone(zone) {}
+    /// An invalid zone counts as UTC.
+    explicit LocalDays(const QTimeZone &zone) : m_zone(zone.isValid() ? zone : QTimeZone::utc()) {}
 
     qint64 dayOf(const QDateTime &moment);
 
     /// The first moment of the day, in the zone. Invalid for a day that the zone never had, as where clocks
     /// were moved across the date line.
     QDateTime startOf(qint64 day) const { return QDate::fromJulianDay(day).startOfDay(m_zone); }
+
+    /// The day that came before this one in the zone: clocks moved across the date line leave one out.
+    qint64 dayBefore(qint64 day) const { return startOf(day - 1).isValid() ? day - 1 : day - 2; }
 
 private:
     /// From one change of the clocks to the next, in milliseconds since 1970.

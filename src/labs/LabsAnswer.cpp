@@ -19,6 +19,7 @@ std::expected<LabsAnswer, AccountError> LabsAnswer::decode(const QByteArray &jso
     if (!document.isObject() || !reply.isSound())
         return std::unexpected(AccountError::unreadable());
     if (answer.text.isEmpty())
-        return std::unexpected(AccountError::badResponse(u"Sayvane sent an empty answer back."_s));
+        return std::unexpected(
+            AccountError::badResponse(AccountError::tr("Sayvane sent an empty answer back.")));
     return answer;
 }

@@ -66,7 +66,9 @@ QCoro::Task<LabsClient::Result<LabsAnswer>> LabsClient::answer(QString prompt, L
 QCoro::Task<LabsClient::Result<HttpResponse>>
 LabsClient::exchange(QByteArray method, QString path, std::optional<QJsonObject> body, std::stop_token stop)
 {
-    const auto token = m_credentials.apiKey(Provider::sayvane);
+    const auto token = co_await m_credentials.apiKey(Provider::sayvane, stop);
+    if (stop.stop_requested())
+        co_return std::unexpected(AccountError::cancelled());
     if (!token)
         co_return std::unexpected(AccountError{std::nullopt, token.error().description, std::nullopt});
     auto request = m_account.request(method, path, *token, body);
@@ -80,11 +82,17 @@ LabsClient::exchange(QByteArray method, QString path, std::optional<QJsonObject>
 QCoro::Task<LabsClient::Result<HttpResponse>> LabsClient::send(HttpRequest request, bool usingSession,
                                                                bool mayRetry, std::stop_token stop)
 {
+    return attempt(request, usingSession, m_account.session(), mayRetry, stop);
+}
+
+QCoro::Task<LabsClient::Result<HttpResponse>>
+LabsClient::attempt(HttpRequest request, bool usingSession, int asked, bool mayRetry, std::stop_token stop)
+{
     const auto response = co_await m_http.send(request, stop);
     if (stop.stop_requested())
         co_return std::unexpected(AccountError::cancelled());
     if (!response)
-        co_return std::unexpected(AccountError::network());
+        co_return std::unexpected(AccountError::network(response.error()));
     if (response->isSuccess())
         co_return *response;
     const auto body = ServiceErrorBody::decode(response->body);
@@ -93,10 +101,10 @@ QCoro::Task<LabsClient::Result<HttpResponse>> LabsClient::send(HttpRequest reque
         co_await sleepFor(m_clock, *delay, stop);
         if (stop.stop_requested())
             co_return std::unexpected(AccountError::cancelled());
-        co_return co_await send(request, usingSession, false, stop);
+        co_return co_await attempt(request, usingSession, asked, false, stop);
     }
-    const auto credential =
-        usingSession ? AccountClient::Credential::session : AccountClient::Credential::none;
+    const auto credential = usingSession && m_account.session() == asked ? AccountClient::Credential::session
+                                                                         : AccountClient::Credential::none;
     co_return std::unexpected(m_account.failure(response->status, body, retryAfter, credential));
 }
 

@@ -49,6 +49,8 @@ public:
     }
 
 private:
+    QCoro::Task<Result<HttpResponse>> attempt(HttpRequest request, bool usingSession, int asked,
+                                              bool mayRetry, std::stop_token stop);
     QCoro::Task<Result<HttpResponse>> exchange(QByteArray method, QString path,
                                                std::optional<QJsonObject> body, std::stop_token stop);
 

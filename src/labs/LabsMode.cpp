@@ -20,11 +20,11 @@ QString LabsModes::title(LabsMode mode)
 {
     switch (mode) {
     case LabsMode::answer:
-        return u"Answer"_s;
+        return tr("Answer");
     case LabsMode::reply:
-        return u"Reply"_s;
+        return tr("Reply");
     case LabsMode::rewrite:
-        return u"Rewrite"_s;
+        return tr("Rewrite");
     }
     Q_UNREACHABLE();
 }

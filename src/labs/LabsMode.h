@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 
 #include <array>
@@ -8,15 +9,16 @@
 /// What an assistant is asked to do: answer a question, draft a reply, or rewrite a text.
 enum class LabsMode { answer, reply, rewrite };
 
-namespace LabsModes {
+struct LabsModes
+{
+    /// In the order of lists.
+    static constexpr std::array allCases{LabsMode::answer, LabsMode::reply, LabsMode::rewrite};
 
-/// In the order of lists.
-inline constexpr std::array allCases{LabsMode::answer, LabsMode::reply, LabsMode::rewrite};
+    /// The text that the service knows it by.
+    static QString rawValue(LabsMode mode);
+    /// The mode of exactly this text; none for any other.
+    static std::optional<LabsMode> fromRawValue(const QString &rawValue);
+    static QString title(LabsMode mode);
 
-/// The text that the service knows it by.
-QString rawValue(LabsMode mode);
-/// The mode of exactly this text; none for any other.
-std::optional<LabsMode> fromRawValue(const QString &rawValue);
-QString title(LabsMode mode);
-
-} // namespace LabsModes
+    Q_DECLARE_TR_FUNCTIONS(LabsModes)
+};

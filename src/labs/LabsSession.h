@@ -16,11 +16,16 @@
 #include <optional>
 #include <stop_token>
 
+class AccountStatus;
 class Clock;
+class Defaults;
 class LabsClient;
 class Prefs;
 
 /// What is being asked of an assistant and what it answered, for the screen that shows it.
+///
+/// It is the business of whoever is signed in: signing out forgets it and drops a question under way. What is
+/// offered is asked anew when somebody signs in or out, and of another service when its address changes.
 ///
 /// Texts that are not there are empty. QML knows providers and modes by their raw values.
 class LabsSession final : public QObject
@@ -40,7 +45,15 @@ class LabsSession final : public QObject
     /// Of `LabsHistoryItem`.
     Q_PROPERTY(QVariantList history READ historyValues NOTIFY historyChanged)
 public:
-    LabsSession(LabsClient &client, const Prefs &prefs, Clock &clock);
+    struct Collaborators
+    {
+        LabsClient &client;
+        AccountStatus &account;
+        Defaults &defaults;
+        const Prefs &prefs;
+        Clock &clock;
+    };
+    explicit LabsSession(const Collaborators &with);
     ~LabsSession() override;
 
     const QString &prompt() const { return m_prompt; }
@@ -52,6 +65,12 @@ public:
     void setMode(LabsMode mode);
     /// What the service offers, in the order of lists.
     const QList<LabsProvider> &availableProviders() const { return m_availableProviders; }
+    /// The one last chosen as long as the service offers it, else the first that it offers; Claude while none
+    /// is.
+    LabsProvider selectedProvider() const;
+    /// Whom a dictation goes to in answer mode: as selected, or the one last chosen where it is not known
+    /// what the service offers.
+    LabsProvider answeringProvider() const;
     bool loadingProviders() const { return m_loadingProviders; }
     const QString &providersError() const { return m_providersError; }
     bool busy() const { return m_busy; }
@@ -77,6 +96,9 @@ Q_SIGNALS:
     void historyChanged();
 
 private:
+    void followAccount();
+    void forgetProviders();
+    std::optional<LabsProvider> chosenProvider() const;
     QCoro::Task<> fetchProviders(std::stop_token stop);
     QCoro::Task<> fetchAnswer(LabsProvider provider, LabsMode mode, QString prompt, QString context,
                               std::stop_token stop);
@@ -88,8 +110,12 @@ private:
     QVariantList historyValues() const;
 
     LabsClient &m_client;
+    AccountStatus &m_account;
+    Defaults &m_defaults;
     const Prefs &m_prefs;
     Clock &m_clock;
+    bool m_signedIn;
+    int m_accountSession;
 
     QString m_prompt;
     QString m_context;
@@ -102,5 +128,7 @@ private:
     QString m_error;
     QList<LabsHistoryItem> m_history;
     bool m_didLoadProviders = false;
-    std::stop_source m_stop; // stopped when this object goes away
+    std::stop_source m_listing;  // stopped when a newer list is asked for
+    std::stop_source m_question; // stopped when the session is another or none
+    std::stop_source m_stop;     // stopped when this object goes away
 };

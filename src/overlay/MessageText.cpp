@@ -2,6 +2,7 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QTextBoundaryFinder>
 
 #include <algorithm>
 
@@ -23,8 +24,10 @@ MessageText::MessageText(const QString &message, const QFont &font, std::optiona
         const QTextLine last = m_layout.lineAt(lineLimit - 1);
         const QString whole = m_layout.text();
         // The ellipsis needs room on the last line.
-        for (int end = last.textStart() + last.textLength(); m_layout.lineCount() > lineLimit; --end) {
-            m_layout.setText(whole.first(end).trimmed() + ellipsis);
+        QTextBoundaryFinder ends(QTextBoundaryFinder::Grapheme, whole);
+        ends.setPosition(last.textStart() + last.textLength());
+        for (; m_layout.lineCount() > lineLimit && ends.position() > 0; ends.toPreviousBoundary()) {
+            m_layout.setText(whole.first(ends.position()).trimmed() + ellipsis);
             breakLines(width.value_or(unlimited));
         }
     }

@@ -115,8 +115,8 @@ QString OverlayDisplay::spoken() const
 {
     const OverlayModel &model = m_overlay.model();
     if (model.state() == FlowState::recording)
-        return u"Listening"_s;
+        return tr("Listening");
     if (model.state() == FlowState::processing)
-        return u"Transcribing"_s;
-    return model.message().value_or(u"Done"_s);
+        return tr("Transcribing");
+    return model.message().value_or(tr("Done"));
 }

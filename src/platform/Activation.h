@@ -10,4 +10,7 @@ public:
     virtual ~Activation() = default;
 
     virtual void setPolicy(ActivationPolicy policy) = 0;
+
+    /// Whether the desktop gives each window a place of its own choice, and cuts off what asks for more.
+    virtual bool tilesWindows() const = 0;
 };

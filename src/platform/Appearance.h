@@ -1,7 +1,7 @@
 #pragma once
 
-#include <functional>
-#include <memory>
+#include "platform/Listeners.h"
+
 #include <optional>
 
 /// Whether the desktop asks for light or dark windows.
@@ -22,14 +22,11 @@ struct AppearanceWishes
 class Appearance
 {
 public:
-    /// Called on the main thread whenever the wishes change; nobody's any more once it is given up.
-    using Listener = std::shared_ptr<const std::function<void()>>;
-
     virtual ~Appearance() = default;
 
     /// What is known so far; it may become known only after `follow`.
     virtual AppearanceWishes wishes() const = 0;
 
-    /// Asks the desktop, and calls the listener for as long as somebody keeps it.
+    /// Asks the desktop, and calls the listener whenever the wishes change.
     virtual void follow(const Listener &listener) = 0;
 };

@@ -25,7 +25,8 @@ public:
     /// The wall clock, in UTC. It may jump.
     virtual QDateTime now() const = 0;
 
-    /// Where the user is, for what is a day to them. It may change while the program runs.
+    /// Where the user is, for what is a day to them. Always a valid zone; it may change while the program
+    /// runs. Asked for on the main thread only.
     virtual QTimeZone timeZone() const = 0;
 
     /// Time since an arbitrary fixed instant; it never goes back and no clock setting moves it.

@@ -22,6 +22,8 @@ struct HttpRequest
     std::chrono::milliseconds timeout = std::chrono::seconds(60);
     /// How long the whole exchange may take.
     std::chrono::milliseconds resourceTimeout = std::chrono::seconds(180);
+    /// How many bytes the answer's body may have once it is unpacked.
+    qsizetype largestAnswer = qsizetype{256} * 1024;
 };
 
 struct HttpResponse
@@ -46,7 +48,7 @@ struct HttpResponse
 /// An exchange that brought no answer; the text is one complete sentence for the user.
 struct TransportError
 {
-    enum class Kind { timedOut, offline, cancelled, insecure, other };
+    enum class Kind { timedOut, offline, cancelled, insecure, tooLarge, other };
     Kind kind = Kind::other;
     QString message;
 };
@@ -58,7 +60,9 @@ public:
     virtual ~HttpTransport() = default;
 
     /// Performs one exchange; redirects are not followed. Any status is an answer; a body cut short is a
-    /// transport error. A stop request ends it with `cancelled`.
+    /// transport error. What is larger than the request allows is never held: a success is then a transport
+    /// error, and a refusal, whose status says enough, has an empty body. A stop request ends it with
+    /// `cancelled`.
     virtual QCoro::Task<std::expected<HttpResponse, TransportError>> send(HttpRequest request,
                                                                           std::stop_token stop) = 0;
 };

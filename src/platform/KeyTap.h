@@ -65,7 +65,9 @@ public:
 class KeyTaps
 {
 public:
-    /// Judges one event on the main thread. It must return quickly and must not destroy its tap.
+    /// Judges one event of a watched chord, on a thread of the taps' own, so that no key waits for the main
+    /// thread. It must return quickly and must not destroy its tap; once that is destroyed it is not called
+    /// again.
     using Handler = std::function<KeyVerdict(const KeyEvent &)>;
 
     virtual ~KeyTaps() = default;

@@ -66,3 +66,18 @@ inline QCoro::Task<> sleepFor(Clock &clock, Clock::Duration delay, std::stop_tok
     const Sleep::Awaiter awaiter(&sleep);
     co_await awaiter;
 }
+
+/// The same, ended by either.
+inline QCoro::Task<> sleepFor(Clock &clock, Clock::Duration delay, std::stop_token stop,
+                              std::stop_token other)
+{
+    std::stop_source either;
+    const std::function<void()> end = [either] {
+        std::stop_source held = either; // this wait is over before the request returns
+        held.request_stop();
+    };
+    const std::stop_callback onStop(stop, end);
+    const std::stop_callback onOther(other, end);
+    const std::stop_token ended = either.get_token();
+    co_await sleepFor(clock, delay, ended);
+}

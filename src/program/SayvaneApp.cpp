@@ -1,6 +1,7 @@
 #include "program/SayvaneApp.h"
 
 #include "app/FlowLog.h"
+#include "platform/Background.h"
 #include "platform/Platform.h"
 
 #include <QGuiApplication>
@@ -17,7 +18,7 @@ Q_LOGGING_CATEGORY(log, "com.sayvane.app")
 
 } // namespace
 
-SayvaneApp::SayvaneApp(Platform &platform, const QString &serviceAddress,
+SayvaneApp::SayvaneApp(Platform &platform, const QString &serviceAddress, const QString &iconsFolder,
                        const WindowEngine::Maker &makeWindowEngine)
     : m_leftRecordings(platform.folders, platform.clock),
       m_host(platform, serviceAddress),
@@ -41,19 +42,25 @@ SayvaneApp::SayvaneApp(Platform &platform, const QString &serviceAddress,
              {.openDashboard = [this] { m_windows.openDashboard(); },
               .openSettings = [this] { m_settings.open(); },
               .quit = &QCoreApplication::quit}),
-      m_tray(m_host.flow(), m_menu, [this] { m_windows.openDashboard(); }),
+      m_tray(m_host.flow(), m_menu, iconsFolder, [this] { m_windows.openDashboard(); }),
       m_control({.flow = m_host.flow(),
                  .signIn = m_host.signIn(),
                  .account = m_host.account(),
                  .answerMode = m_host.answerMode(),
                  .defaults = m_host.defaults(),
                  .prefs = m_host.prefs(),
-                 .transcriber = m_host.transcriber(),
-                 .clock = platform.clock},
+                 .transcriber = m_host.transcriber()},
                 {.open = [this](const QString &section) { return openSection(section); },
                  .quit = &QCoreApplication::quit})
 {
     FlowLog::follow(m_host.flow());
+    // Its folder may be on another disk. The history waits for the background before it goes, and us with it.
+    connect(&m_host.flow(), &FlowController::recordingKept, this,
+            [this, &background = platform.background](const QString &path) {
+                background.run(
+                    *this, [this, path] { m_leftRecordings.takeIn(path); },
+                    [this] { m_leftRecordings.watchAge(); });
+            });
     follow();
 }
 

@@ -22,7 +22,7 @@ class SayvaneApp final : public QObject
 public:
     /// `serviceAddress` is the hosted service that a user who chose none dictates to. Needs the profile's
     /// lock and a graphical application object.
-    SayvaneApp(Platform &platform, const QString &serviceAddress,
+    SayvaneApp(Platform &platform, const QString &serviceAddress, const QString &iconsFolder,
                const WindowEngine::Maker &makeWindowEngine);
 
     /// Begins to answer on the session bus, shows the icon and starts the shortcut.

@@ -9,6 +9,7 @@
 #include <QLoggingCategory>
 
 #include <algorithm>
+#include <cstdio>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -57,6 +58,19 @@ bool makePrivate(const QString &folder)
     return QDir().mkpath(folder) && QFile::setPermissions(folder, ownerOnly | QFile::ExeOwner);
 }
 
+/// Also to another disk, where a copy that was cut short must not stand for the whole one.
+bool move(const QString &path, const QString &target)
+{
+    const auto put = [](const QString &from, const QString &to) {
+        return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+    };
+    if (put(path, target))
+        return true;
+    const QString part = target + u".part"_s;
+    QFile::remove(part);
+    return QFile::copy(path, part) && put(part, target) && QFile::remove(path);
+}
+
 } // namespace
 
 LeftRecordings::LeftRecordings(const Folders &folders, Clock &clock) : m_folders(folders), m_clock(clock)
@@ -66,28 +80,32 @@ LeftRecordings::LeftRecordings(const Folders &folders, Clock &clock) : m_folders
 int LeftRecordings::takeIn()
 {
     int taken = 0;
-    const QString kept = keptFolder(m_folders);
     for (const QFileInfo &file : recordingsIn(m_folders.temporary())) {
-        const QString path = file.filePath();
-        if (soundIn(file) <= minimumSound) {
-            QFile::remove(path);
-            continue;
-        }
-        // Repaired before it moves: a copy to another disk takes a moment, and its time with it.
-        const QString target = kept + u'/' + file.fileName();
-        const QDateTime heard = file.lastModified();
-        if (!makePrivate(kept) || !repair(path) || !QFile::rename(path, target)) {
-            qCWarning(log, "A recording that a crash left behind could not be kept aside; it stays.");
-            continue;
-        }
-        if (QFile moved(target); moved.open(QIODevice::ReadWrite))
-            moved.setFileTime(heard, QFile::FileModificationTime);
-        ++taken;
+        if (soundIn(file) <= minimumSound)
+            QFile::remove(file.filePath());
+        else if (takeIn(file.filePath()))
+            ++taken;
     }
     removeOld();
     if (taken > 0)
-        qCInfo(log, "kept %d recording(s) that a crash left behind; see sayvane recover", taken);
+        qCInfo(log, "kept %d recording(s) without a transcript; see sayvane recover", taken);
     return taken;
+}
+
+bool LeftRecordings::takeIn(const QString &path)
+{
+    const QString kept = keptFolder(m_folders);
+    const QFileInfo file(path);
+    // Repaired before it moves: a copy to another disk takes a moment, and its time with it.
+    const QString target = kept + u'/' + file.fileName();
+    const QDateTime heard = file.lastModified();
+    if (!makePrivate(kept) || !repair(path) || !move(path, target)) {
+        qCWarning(log, "A recording without a transcript could not be kept aside; it stays.");
+        return false;
+    }
+    if (QFile moved(target); moved.open(QIODevice::ReadWrite))
+        moved.setFileTime(heard, QFile::FileModificationTime);
+    return true;
 }
 
 void LeftRecordings::watchAge()

@@ -10,10 +10,10 @@
 
 class Folders;
 
-/// What a crash in the middle of a dictation left behind: kept aside for its owner for a week, and no
-/// longer.
+/// Recordings whose words nobody has got: what the end of the program in the middle of a dictation left
+/// behind, and, where the user wants it, what could not be transcribed. Kept aside for a week, and no longer.
 ///
-/// A dictation that ends, however it ends, deletes its recording itself and never comes here.
+/// A dictation that ends otherwise deletes its recording itself, which never comes here.
 class LeftRecordings
 {
 public:
@@ -27,6 +27,9 @@ public:
     /// tells its true length, and deletes what was kept for long enough. Only when no dictation can be
     /// under way. Gives how many were taken.
     int takeIn();
+
+    /// Takes in one recording of a dictation that is over; false when it cannot be kept aside, and stays.
+    bool takeIn(const QString &path);
 
     /// Deletes what grows too old from now on while the program runs.
     void watchAge();

@@ -16,110 +16,110 @@ namespace {
 struct KeyName
 {
     qint64 code;
-    QStringView name;
+    const char *name;
 };
 
 constexpr auto names = std::to_array<KeyName>({
-    {0, u"A"},
-    {1, u"S"},
-    {2, u"D"},
-    {3, u"F"},
-    {4, u"H"},
-    {5, u"G"},
-    {6, u"Z"},
-    {7, u"X"},
-    {8, u"C"},
-    {9, u"V"},
-    {11, u"B"},
-    {12, u"Q"},
-    {13, u"W"},
-    {14, u"E"},
-    {15, u"R"},
-    {16, u"Y"},
-    {17, u"T"},
-    {18, u"1"},
-    {19, u"2"},
-    {20, u"3"},
-    {21, u"4"},
-    {22, u"6"},
-    {23, u"5"},
-    {24, u"="},
-    {25, u"9"},
-    {26, u"7"},
-    {27, u"-"},
-    {28, u"8"},
-    {29, u"0"},
-    {30, u"]"},
-    {31, u"O"},
-    {32, u"U"},
-    {33, u"["},
-    {34, u"I"},
-    {35, u"P"},
-    {36, u"Return"},
-    {37, u"L"},
-    {38, u"J"},
-    {39, u"'"},
-    {40, u"K"},
-    {41, u";"},
-    {42, u"\\"},
-    {43, u","},
-    {44, u"/"},
-    {45, u"N"},
-    {46, u"M"},
-    {47, u"."},
-    {48, u"Tab"},
-    {49, u"Space"},
-    {50, u"`"},
-    {51, u"Delete"},
-    {53, u"Escape"},
-    {64, u"F17"},
-    {65, u"Keypad ."},
-    {67, u"Keypad *"},
-    {69, u"Keypad +"},
-    {71, u"Clear"},
-    {75, u"Keypad /"},
-    {76, u"Enter"},
-    {78, u"Keypad -"},
-    {79, u"F18"},
-    {80, u"F19"},
-    {81, u"Keypad ="},
-    {82, u"Keypad 0"},
-    {83, u"Keypad 1"},
-    {84, u"Keypad 2"},
-    {85, u"Keypad 3"},
-    {86, u"Keypad 4"},
-    {87, u"Keypad 5"},
-    {88, u"Keypad 6"},
-    {89, u"Keypad 7"},
-    {90, u"F20"},
-    {91, u"Keypad 8"},
-    {92, u"Keypad 9"},
-    {96, u"F5"},
-    {97, u"F6"},
-    {98, u"F7"},
-    {99, u"F3"},
-    {100, u"F8"},
-    {101, u"F9"},
-    {103, u"F11"},
-    {105, u"F13"},
-    {106, u"F16"},
-    {107, u"F14"},
-    {109, u"F10"},
-    {111, u"F12"},
-    {113, u"F15"},
-    {114, u"Help"},
-    {115, u"Home"},
-    {116, u"Page Up"},
-    {117, u"Forward Delete"},
-    {118, u"F4"},
-    {119, u"End"},
-    {120, u"F2"},
-    {121, u"Page Down"},
-    {122, u"F1"},
-    {123, u"←"},
-    {124, u"→"},
-    {125, u"↓"},
-    {126, u"↑"},
+    {0, "A"},
+    {1, "S"},
+    {2, "D"},
+    {3, "F"},
+    {4, "H"},
+    {5, "G"},
+    {6, "Z"},
+    {7, "X"},
+    {8, "C"},
+    {9, "V"},
+    {11, "B"},
+    {12, "Q"},
+    {13, "W"},
+    {14, "E"},
+    {15, "R"},
+    {16, "Y"},
+    {17, "T"},
+    {18, "1"},
+    {19, "2"},
+    {20, "3"},
+    {21, "4"},
+    {22, "6"},
+    {23, "5"},
+    {24, "="},
+    {25, "9"},
+    {26, "7"},
+    {27, "-"},
+    {28, "8"},
+    {29, "0"},
+    {30, "]"},
+    {31, "O"},
+    {32, "U"},
+    {33, "["},
+    {34, "I"},
+    {35, "P"},
+    {36, QT_TRANSLATE_NOOP("HotkeySpec", "Return")},
+    {37, "L"},
+    {38, "J"},
+    {39, "'"},
+    {40, "K"},
+    {41, ";"},
+    {42, "\\"},
+    {43, ","},
+    {44, "/"},
+    {45, "N"},
+    {46, "M"},
+    {47, "."},
+    {48, QT_TRANSLATE_NOOP("HotkeySpec", "Tab")},
+    {49, QT_TRANSLATE_NOOP("HotkeySpec", "Space")},
+    {50, "`"},
+    {51, QT_TRANSLATE_NOOP("HotkeySpec", "Delete")},
+    {53, QT_TRANSLATE_NOOP("HotkeySpec", "Escape")},
+    {64, "F17"},
+    {65, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad .")},
+    {67, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad *")},
+    {69, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad +")},
+    {71, QT_TRANSLATE_NOOP("HotkeySpec", "Clear")},
+    {75, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad /")},
+    {76, QT_TRANSLATE_NOOP("HotkeySpec", "Enter")},
+    {78, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad -")},
+    {79, "F18"},
+    {80, "F19"},
+    {81, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad =")},
+    {82, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 0")},
+    {83, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 1")},
+    {84, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 2")},
+    {85, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 3")},
+    {86, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 4")},
+    {87, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 5")},
+    {88, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 6")},
+    {89, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 7")},
+    {90, "F20"},
+    {91, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 8")},
+    {92, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 9")},
+    {96, "F5"},
+    {97, "F6"},
+    {98, "F7"},
+    {99, "F3"},
+    {100, "F8"},
+    {101, "F9"},
+    {103, "F11"},
+    {105, "F13"},
+    {106, "F16"},
+    {107, "F14"},
+    {109, "F10"},
+    {111, "F12"},
+    {113, "F15"},
+    {114, QT_TRANSLATE_NOOP("HotkeySpec", "Help")},
+    {115, QT_TRANSLATE_NOOP("HotkeySpec", "Home")},
+    {116, QT_TRANSLATE_NOOP("HotkeySpec", "Page Up")},
+    {117, QT_TRANSLATE_NOOP("HotkeySpec", "Forward Delete")},
+    {118, "F4"},
+    {119, QT_TRANSLATE_NOOP("HotkeySpec", "End")},
+    {120, "F2"},
+    {121, QT_TRANSLATE_NOOP("HotkeySpec", "Page Down")},
+    {122, "F1"},
+    {123, "←"},
+    {124, "→"},
+    {125, "↓"},
+    {126, "↑"},
 });
 
 // F1 to F20
@@ -130,13 +130,13 @@ QString symbols(quint64 flags)
 {
     QString text;
     if (flags & KeyFlags::control)
-        text += u'⌃';
+        text += HotkeySpec::tr("⌃");
     if (flags & KeyFlags::option)
-        text += u'⌥';
+        text += HotkeySpec::tr("⌥");
     if (flags & KeyFlags::shift)
-        text += u'⇧';
+        text += HotkeySpec::tr("⇧");
     if (flags & KeyFlags::command)
-        text += u'⌘';
+        text += HotkeySpec::tr("⌘");
     return text;
 }
 
@@ -183,7 +183,7 @@ quint64 HotkeySpec::requiredFlags() const
 
 QString HotkeySpec::displayString() const
 {
-    return (fn ? u"Fn + "_s : QString()) + symbols(requiredFlags()) + keyNameFor(keyCode);
+    return (fn ? tr("Fn + ") : QString()) + symbols(requiredFlags()) + keyNameFor(keyCode);
 }
 
 bool HotkeySpec::isFunctionKey() const
@@ -194,7 +194,7 @@ bool HotkeySpec::isFunctionKey() const
 QString HotkeySpec::keyNameFor(qint64 keyCode)
 {
     const auto found = std::ranges::find(names, keyCode, &KeyName::code);
-    return found != names.end() ? found->name.toString() : u"Key "_s + QString::number(keyCode);
+    return found != names.end() ? tr(found->name) : tr("Key %1").arg(keyCode);
 }
 
 QString HotkeySpec::modifierDisplay(quint64 flags)
@@ -202,5 +202,5 @@ QString HotkeySpec::modifierDisplay(quint64 flags)
     const QString others = symbols(flags);
     if (!(flags & KeyFlags::fn))
         return others;
-    return others.isEmpty() ? u"Fn"_s : u"Fn + "_s + others;
+    return others.isEmpty() ? tr("Fn") : tr("Fn + ") + others;
 }

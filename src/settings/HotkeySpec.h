@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <QtGlobal>
 
@@ -35,4 +36,6 @@ struct HotkeySpec
 
     /// The modifiers held while a shortcut is being chosen; empty when there are none.
     static QString modifierDisplay(quint64 flags);
+
+    Q_DECLARE_TR_FUNCTIONS(HotkeySpec)
 };

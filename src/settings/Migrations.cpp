@@ -4,6 +4,7 @@
 #include "settings/Keychain.h"
 #include "settings/Prefs.h"
 
+#include <QPointer>
 #include <QStringList>
 
 #include <algorithm>
@@ -33,6 +34,10 @@ const QStringList priorInstallKeys{
     PrefsKey::languageDefaultMigratedToAuto,
 };
 
+// Stored while a first start has yet to be decided and the user has set something meanwhile: at the next
+// start that would look like an earlier installation.
+const QString firstStart = u"firstStartUndecided"_s;
+
 const QString groqPrefix = u"gsk_"_s;
 const QString openAIPrefix = u"sk-"_s;
 
@@ -43,19 +48,48 @@ bool isEmpty(const std::optional<QString> &value)
 
 } // namespace
 
-Migrations::Migrations(Defaults &defaults, Keychain &keychain) : m_defaults(defaults), m_keychain(keychain)
+Migrations::Migrations(Defaults &defaults, Keychain &keychain, std::function<void()> providerSettled)
+    : m_defaults(defaults),
+      m_keychain(keychain),
+      m_providerSettled(std::move(providerSettled))
 {
 }
 
 void Migrations::run()
 {
-    migrateToProviderSetting();
-    migrateGroqChatDefault();
-    migrateLanguageDefaultToAuto();
+    if (retiredChatModels.contains(m_defaults.storedText(PrefsKey::chatModel).value_or(QString()).trimmed()))
+        m_defaults.remove(PrefsKey::chatModel);
+    m_hadPreferences = !m_defaults.isStored(firstStart) &&
+                       std::ranges::any_of(priorInstallKeys,
+                                           [this](const QString &key) { return m_defaults.isStored(key); });
+    if (!m_hadPreferences)
+        connect(&m_defaults, &Defaults::changed, this, &Migrations::markFirstStart);
+    connect(&m_keychain, &Keychain::changed, this, &Migrations::goOn);
+    goOn();
+}
+
+void Migrations::goOn()
+{
+    if (!m_settled) {
+        if (!migrateToProviderSetting())
+            return; // the later steps leave marks that would tell of an earlier version
+        m_settled = true;
+        m_defaults.remove(firstStart);
+        migrateGroqChatDefault();
+        migrateLanguageDefaultToAuto();
+        if (m_providerSettled)
+            m_providerSettled();
+    }
     migrateMisfiledAPIKeys();
 }
 
-void Migrations::migrateToProviderSetting()
+void Migrations::markFirstStart(const QString &key)
+{
+    if (!m_settled && priorInstallKeys.contains(key))
+        m_defaults.set(firstStart, true);
+}
+
+bool Migrations::migrateToProviderSetting()
 {
     const auto stored = [this](const QString &key) {
         return m_defaults.storedText(key).value_or(QString()).trimmed();
@@ -64,30 +98,36 @@ void Migrations::migrateToProviderSetting()
         m_defaults.set(PrefsKey::provider, Providers::rawValue(provider));
     };
 
-    if (retiredChatModels.contains(stored(PrefsKey::chatModel)))
-        m_defaults.remove(PrefsKey::chatModel);
     if (m_defaults.storedText(PrefsKey::provider))
-        return;
-    if (!hasPriorInstall())
-        return choose(Provider::sayvane);
-    if (priorInstallProvider() == Provider::openai)
-        return choose(Provider::openai);
+        return true;
+    for (const Provider provider : Providers::apiKeyProviders) {
+        if (m_keychain.read(Providers::keychainAccount(provider)).isPending())
+            return false;
+    }
+    if (!hasPriorInstall()) {
+        choose(Provider::sayvane);
+        return true;
+    }
+    if (priorInstallProvider() == Provider::openai) {
+        choose(Provider::openai);
+        return true;
+    }
     for (const QString &key : {PrefsKey::transcriptionModel, PrefsKey::chatModel}) {
         const QString model = stored(key);
         if (model.isEmpty() || legacyOpenAIModels.contains(model))
             m_defaults.remove(key);
     }
     choose(Provider::groq);
+    return true;
 }
 
 bool Migrations::hasPriorInstall() const
 {
-    if (std::ranges::any_of(priorInstallKeys,
-                            [this](const QString &key) { return m_defaults.isStored(key); }))
+    if (m_hadPreferences)
         return true;
     return std::ranges::any_of(Providers::apiKeyProviders, [this](Provider provider) {
         const Keychain::ReadResult item = m_keychain.read(Providers::keychainAccount(provider));
-        return !item.isReliable() || !isEmpty(item.value);
+        return !(item.isReliable() || item.isAbsent()) || !isEmpty(item.value);
     });
 }
 
@@ -133,35 +173,40 @@ void Migrations::migrateLanguageDefaultToAuto()
         m_defaults.set(PrefsKey::language, QString());
 }
 
-void Migrations::migrateMisfiledAPIKeys()
+QCoro::Task<> Migrations::migrateMisfiledAPIKeys()
 {
-    if (m_defaults.boolean(PrefsKey::keychainKeysMigrated))
-        return;
+    if (m_moving || m_defaults.boolean(PrefsKey::keychainKeysMigrated))
+        co_return;
     const Keychain::ReadResult groq = m_keychain.read(Providers::keychainAccount(Provider::groq));
     const Keychain::ReadResult openai = m_keychain.read(Providers::keychainAccount(Provider::openai));
     if (!groq.isReliable() || !openai.isReliable())
-        return; // perhaps locked; the next launch tries again
+        co_return; // perhaps locked; as soon as it is not, or at the next launch
 
-    if (const auto key = misfiled(openai.value, Provider::openai)) {
-        if (!moveMisfiledKey(*key, Provider::openai, groq.value, Provider::groq))
-            return;
-    } else if (const auto mirrored = misfiled(groq.value, Provider::groq)) {
-        if (!moveMisfiledKey(*mirrored, Provider::groq, openai.value, Provider::openai))
-            return;
-    }
-    m_defaults.set(PrefsKey::keychainKeysMigrated, true);
+    const QPointer self(this);
+    m_moving = true; // once a launch: a keychain that refuses is not asked over and over
+    bool done = true;
+    if (const auto key = misfiled(openai.value, Provider::openai))
+        done = co_await moveMisfiledKey(*key, Provider::openai, groq.value, Provider::groq);
+    else if (const auto mirrored = misfiled(groq.value, Provider::groq))
+        done = co_await moveMisfiledKey(*mirrored, Provider::groq, openai.value, Provider::openai);
+    if (self && done)
+        m_defaults.set(PrefsKey::keychainKeysMigrated, true);
 }
 
-bool Migrations::moveMisfiledKey(const QString &key, Provider from, const std::optional<QString> &held,
-                                 Provider to)
+QCoro::Task<bool> Migrations::moveMisfiledKey(QString key, Provider from, std::optional<QString> held,
+                                              Provider to)
 {
     constexpr auto accessibility = Keychain::Accessibility::afterFirstUnlock;
+    const QPointer keychain(&m_keychain);
     const QString heldKey = held.value_or(QString()).trimmed();
     if (!heldKey.isEmpty() && heldKey != key)
-        return true; // two different keys: nobody can say which one is meant
-    if (heldKey.isEmpty() &&
-        m_keychain.save(key, Providers::keychainAccount(to), accessibility) != SecretStatus::success)
-        return false;
-    return m_keychain.save(QString(), Providers::keychainAccount(from), accessibility) ==
-           SecretStatus::success;
+        co_return true; // two different keys: nobody can say which one is meant
+    if (heldKey.isEmpty()) {
+        const int32_t saved = co_await keychain->save(key, Providers::keychainAccount(to), accessibility);
+        if (saved != SecretStatus::success || !keychain)
+            co_return false;
+    }
+    const int32_t removed =
+        co_await keychain->save(QString(), Providers::keychainAccount(from), accessibility);
+    co_return removed == SecretStatus::success;
 }

@@ -25,6 +25,8 @@ Prefs::Prefs(Defaults &defaults, const QString &defaultBaseURL)
 {
 }
 
+Prefs::~Prefs() = default;
+
 Provider Prefs::provider() const
 {
     return Providers::fromRawValue(m_defaults.textOrEmpty(PrefsKey::provider)).value_or(Provider::sayvane);
@@ -120,13 +122,20 @@ bool Prefs::isEnabled(const QString &key) const
 
 void Prefs::registerDefaults(Keychain &keychain)
 {
-    Migrations(m_defaults, keychain).run();
+    m_migrations = std::make_unique<Migrations>(m_defaults, keychain, [this] { registerDefaults(); });
+    registerDefaults();
+    m_migrations->run();
+}
+
+void Prefs::registerDefaults()
+{
     m_defaults.registerDefaults({
         {PrefsKey::provider, Providers::rawValue(Provider::sayvane)},
         {PrefsKey::accountBaseURL, m_defaultBaseURL},
         {PrefsKey::cleanupEnabled, true},
         {PrefsKey::restoreClipboard, true},
         {PrefsKey::soundsEnabled, true},
+        {PrefsKey::keepFailedRecordings, false},
         {PrefsKey::language, QString()},
         {PrefsKey::transcriptionModel, defaultModel(provider(), ModelPurpose::transcription)},
         {PrefsKey::chatModel, defaultModel(provider(), ModelPurpose::chat)},

@@ -6,10 +6,12 @@
 #include <QDateTime>
 #include <QString>
 
+#include <memory>
 #include <optional>
 
 class Defaults;
 class Keychain;
+class Migrations;
 
 /// The preference keys. Screens bind to the same ones.
 namespace PrefsKey {
@@ -18,6 +20,7 @@ inline const QString accountBaseURL = QStringLiteral("accountBaseURL");
 inline const QString cleanupEnabled = QStringLiteral("cleanupEnabled");
 inline const QString restoreClipboard = QStringLiteral("restoreClipboard");
 inline const QString soundsEnabled = QStringLiteral("soundsEnabled");
+inline const QString keepFailedRecordings = QStringLiteral("keepFailedRecordings");
 inline const QString language = QStringLiteral("language");
 inline const QString transcriptionModel = QStringLiteral("transcriptionModel");
 inline const QString chatModel = QStringLiteral("chatModel");
@@ -33,12 +36,15 @@ inline const QString groqChatDefaultMigratedTo120b = QStringLiteral("groqChatDef
 inline const QString languageDefaultMigratedToAuto = QStringLiteral("languageDefaultMigratedToAuto");
 } // namespace PrefsKey
 
-/// Typed access to the preferences. It holds no state: every read looks afresh.
+/// Typed access to the preferences. Every read looks afresh.
 class Prefs
 {
 public:
     /// `defaultBaseURL` is the service that a user who chose none dictates to.
     Prefs(Defaults &defaults, const QString &defaultBaseURL);
+    ~Prefs();
+    Prefs(const Prefs &) = delete;
+    Prefs &operator=(const Prefs &) = delete;
 
     /// The chosen provider; the hosted service when none or an unknown one is stored.
     Provider provider() const;
@@ -69,15 +75,17 @@ public:
     QString vocabulary() const;
     bool isEnabled(const QString &key) const;
 
-    /// Brings values of an earlier version up to date, then registers the defaults. Once, at launch,
-    /// before anything reads a preference.
+    /// Brings values of an earlier version up to date and registers the defaults. Once, at launch, before
+    /// anything reads a preference; what a keychain that cannot be read yet would tell comes when it can.
     void registerDefaults(Keychain &keychain);
 
     static QString defaultModel(Provider provider, ModelPurpose purpose);
 
 private:
     QString model(const QString &key, ModelPurpose purpose) const;
+    void registerDefaults();
 
     Defaults &m_defaults;
     QString m_defaultBaseURL;
+    std::unique_ptr<Migrations> m_migrations;
 };

@@ -7,10 +7,11 @@ using namespace Qt::StringLiterals;
 const QList<SpokenLanguage> &SpokenLanguage::all()
 {
     static const QList<SpokenLanguage> languages{
-        {u""_s, u"Auto-detect"_s},  {u"en"_s, u"English"_s}, {u"gu"_s, u"Gujarati"_s}, {u"hi"_s, u"Hindi"_s},
-        {u"pa"_s, u"Punjabi"_s},    {u"ur"_s, u"Urdu"_s},    {u"mr"_s, u"Marathi"_s},  {u"ta"_s, u"Tamil"_s},
-        {u"bn"_s, u"Bengali"_s},    {u"es"_s, u"Spanish"_s}, {u"fr"_s, u"French"_s},   {u"de"_s, u"German"_s},
-        {u"pt"_s, u"Portuguese"_s}, {u"ar"_s, u"Arabic"_s},
+        {u""_s, tr("Auto-detect")},  {u"en"_s, tr("English")}, {u"gu"_s, tr("Gujarati")},
+        {u"hi"_s, tr("Hindi")},      {u"pa"_s, tr("Punjabi")}, {u"ur"_s, tr("Urdu")},
+        {u"mr"_s, tr("Marathi")},    {u"ta"_s, tr("Tamil")},   {u"bn"_s, tr("Bengali")},
+        {u"es"_s, tr("Spanish")},    {u"fr"_s, tr("French")},  {u"de"_s, tr("German")},
+        {u"pt"_s, tr("Portuguese")}, {u"ar"_s, tr("Arabic")},
     };
     return languages;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QList>
 #include <QString>
 
@@ -20,4 +21,6 @@ struct SpokenLanguage
 
     /// Whether the code is listed exactly as it stands.
     static bool isListed(const QString &code);
+
+    Q_DECLARE_TR_FUNCTIONS(SpokenLanguage)
 };

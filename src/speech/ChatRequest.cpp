@@ -37,7 +37,8 @@ bool ChatRequest::isGPT5(const QString &model)
 
 std::expected<QString, FlowError> ChatRequest::answer(const QByteArray &json, const QString &transcript)
 {
-    const auto unreadable = std::unexpected(FlowError::platform(u"The answer could not be read."_s));
+    const auto unreadable =
+        std::unexpected(FlowError::platform(FlowError::tr("The answer could not be read.")));
     const QJsonValue choices = QJsonDocument::fromJson(json).object().value("choices"_L1);
     if (!choices.isArray())
         return unreadable;

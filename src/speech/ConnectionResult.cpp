@@ -1,6 +1,7 @@
 #include "speech/ConnectionResult.h"
 
 #include "speech/ModelResolver.h"
+#include "support/Text.h"
 
 using namespace Qt::StringLiterals;
 
@@ -13,19 +14,20 @@ ConnectionResult ConnectionResult::applyResolvedModels(const QStringList &availa
                                const QString &current) -> std::optional<QString> {
         const auto model = ModelResolver::resolve(purpose, provider, available, current);
         if (!model)
-            notes.append(u"No "_s + name.toLower() + u" model here matches "_s + current + u'.');
+            notes.append(tr("No %1 model here matches %2.").arg(name.toLower(), current));
         else if (*model != current)
-            notes.append(name + u" model updated to "_s + *model + u'.');
+            notes.append(tr("%1 model updated to %2.").arg(name, Text::quoted(*model)));
         return model == current ? std::nullopt : model;
     };
     ConnectionResult result;
-    result.status = u"Connected to "_s + Providers::displayName(provider) + u": "_s +
-                    QString::number(available.size()) + u" models available"_s;
+    result.status = tr("Connected to %1: %2 models available")
+                        .arg(Providers::displayName(provider), QString::number(available.size()));
     result.transcriptionModel =
-        successor(ModelPurpose::transcription, u"Transcription"_s, transcriptionModel);
-    result.chatModel = successor(ModelPurpose::chat, u"Cleanup"_s, chatModel);
-    notes.append(u"In use: "_s + result.transcriptionModel.value_or(transcriptionModel) +
-                 u" for transcription, "_s + result.chatModel.value_or(chatModel) + u" for cleanup."_s);
+        successor(ModelPurpose::transcription, tr("Transcription"), transcriptionModel);
+    result.chatModel = successor(ModelPurpose::chat, tr("Cleanup"), chatModel);
+    notes.append(tr("In use: %1 for transcription, %2 for cleanup.")
+                     .arg(Text::quoted(result.transcriptionModel.value_or(transcriptionModel)),
+                          Text::quoted(result.chatModel.value_or(chatModel))));
     result.detail = notes.join(u' ');
     return result;
 }

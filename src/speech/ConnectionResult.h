@@ -2,6 +2,7 @@
 
 #include "values/Provider.h"
 
+#include <QCoreApplication>
 #include <QString>
 #include <QStringList>
 
@@ -20,4 +21,6 @@ struct ConnectionResult
     /// not chosen another provider meanwhile.
     static ConnectionResult applyResolvedModels(const QStringList &available, Provider provider,
                                                 const QString &transcriptionModel, const QString &chatModel);
+
+    Q_DECLARE_TR_FUNCTIONS(ConnectionResult)
 };

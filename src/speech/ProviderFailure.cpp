@@ -1,5 +1,7 @@
 #include "speech/ProviderFailure.h"
 
+#include "support/Text.h"
+
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -28,11 +30,11 @@ QString detail(int status, const QByteArray &body)
     // A member of another type makes the body another form altogether.
     if (error.isObject() && isTextOrAbsent(message) && isTextOrAbsent(code)) {
         if (message.isString())
-            return message.toString();
+            return Text::quoted(message.toString());
         if (code.isString())
-            return code.toString();
+            return Text::quoted(code.toString());
     }
-    return u"HTTP "_s + QString::number(status);
+    return FlowError::tr("HTTP %1").arg(status);
 }
 
 } // namespace
@@ -41,7 +43,7 @@ FlowError ProviderFailure::failure(Provider provider, int status, const QByteArr
 {
     const QString name = Providers::displayName(provider);
     if (status == 401)
-        return FlowError::api(name + u": API key rejected. Check it in Settings."_s);
+        return FlowError::api(FlowError::tr("%1: API key rejected. Check it in Settings.").arg(name));
     return FlowError::api(name + u": "_s + detail(status, body));
 }
 

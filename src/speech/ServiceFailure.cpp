@@ -15,8 +15,10 @@ using namespace std::chrono_literals;
 
 namespace {
 
-const FlowError dailyMinutesUsedUp =
-    FlowError::api(u"Sayvane: daily minutes used up. Resets at midnight UTC."_s);
+FlowError dailyMinutesUsedUp()
+{
+    return FlowError::api(FlowError::tr("Sayvane: daily minutes used up. Resets at midnight UTC."));
+}
 
 bool isRateLimit(const std::optional<QString> &code)
 {
@@ -54,23 +56,24 @@ ServiceFailure::accountRetryDelay(int status, const std::optional<QString> &code
 ServiceFailure::Outcome ServiceFailure::accountFailure(int status,
                                                        const std::optional<AccountErrorBody> &body)
 {
-    const FlowError noSession = FlowError::api(u"Sayvane: not signed in. Sign in under Settings."_s);
+    const FlowError noSession =
+        FlowError::api(FlowError::tr("Sayvane: not signed in. Sign in under Settings."));
     const auto code = body ? body->code : std::nullopt;
     if (code == "quota_exceeded"_L1)
-        return {dailyMinutesUsedUp};
+        return {dailyMinutesUsedUp()};
     if (isRateLimit(code))
-        return {FlowError::api(u"Sayvane: busy, try again in a moment."_s)};
+        return {FlowError::api(FlowError::tr("Sayvane: busy, try again in a moment."))};
     if (code == "unauthorized"_L1 || code == "invalid_token"_L1 || status == 401) {
         // A known code decides before the status; here both come to the same.
         return {noSession, true};
     }
     if (status == 429 && body && body->remainingSeconds == 0)
-        return {dailyMinutesUsedUp};
+        return {dailyMinutesUsedUp()};
     if (status == 403)
-        return {FlowError::api(u"Sayvane: this account cannot be used. Please get in touch."_s)};
+        return {FlowError::api(FlowError::tr("Sayvane: this account cannot be used. Please get in touch."))};
     if (body && body->message)
-        return {FlowError::api(u"Sayvane: "_s + *body->message)};
+        return {FlowError::api(u"Sayvane: "_s + Text::quoted(*body->message))};
     if (code)
-        return {FlowError::api(u"Sayvane: "_s + *code)};
-    return {FlowError::api(u"Sayvane: HTTP "_s + QString::number(status))};
+        return {FlowError::api(u"Sayvane: "_s + Text::quoted(*code))};
+    return {FlowError::api(FlowError::tr("Sayvane: HTTP %1").arg(status))};
 }

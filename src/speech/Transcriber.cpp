@@ -18,7 +18,7 @@ constexpr auto minimumWarmUpInterval = 60s;
 
 FlowError unreadableAnswer()
 {
-    return FlowError::platform(u"The answer could not be read."_s);
+    return FlowError::platform(FlowError::tr("The answer could not be read."));
 }
 
 HttpRequest uploadRequest(const QUrl &url, const QString &credential, const MultipartBody &body)
@@ -27,7 +27,8 @@ HttpRequest uploadRequest(const QUrl &url, const QString &credential, const Mult
         .method = "POST",
         .url = url,
         .headers = {{"Authorization", "Bearer " + credential.toUtf8()}, {"Content-Type", body.contentType()}},
-        .body = body.bytes};
+        .body = body.bytes,
+        .largestAnswer = Transcriber::largestText};
 }
 
 Transcriber::Text textIn(const QByteArray &json)
@@ -71,7 +72,8 @@ std::expected<QUrl, FlowError> Transcriber::endpoint(const QString &path, Provid
     }
     QUrl url(base + path, QUrl::StrictMode);
     if (!url.isValid())
-        return std::unexpected(FlowError::api(Providers::displayName(provider) + u": invalid API address"_s));
+        return std::unexpected(
+            FlowError::api(FlowError::tr("%1: invalid API address").arg(Providers::displayName(provider))));
     return url;
 }
 
@@ -86,7 +88,7 @@ QCoro::Task<Transcriber::Text> Transcriber::transcribe(QString filePath, std::st
 QCoro::Task<Transcriber::Text> Transcriber::ownKeyTranscribe(Provider provider, QString filePath,
                                                              std::stop_token stop)
 {
-    const auto key = m_credentials.apiKey(provider);
+    const auto key = co_await m_credentials.apiKey(provider, stop);
     if (!key)
         co_return std::unexpected(key.error());
     const auto url = endpoint(u"/audio/transcriptions"_s, provider);
@@ -114,7 +116,7 @@ QCoro::Task<Transcriber::Text> Transcriber::ownKeyTranscribe(Provider provider, 
 
 QCoro::Task<Transcriber::Text> Transcriber::accountTranscribe(QString filePath, std::stop_token stop)
 {
-    const auto token = m_credentials.apiKey(Provider::sayvane);
+    const auto token = co_await m_credentials.apiKey(Provider::sayvane, stop);
     if (!token)
         co_return std::unexpected(token.error());
     const auto url = endpoint(u"/v1/transcribe"_s, Provider::sayvane);
@@ -132,6 +134,7 @@ QCoro::Task<Transcriber::Text> Transcriber::accountTranscribe(QString filePath, 
     HttpRequest request = uploadRequest(*url, *token, *upload);
     request.timeout = 180s;
 
+    const int session = m_account.session();
     const Answer reply = co_await send(request, Provider::sayvane, true, stop);
     if (!reply)
         co_return std::unexpected(reply.error());
@@ -139,34 +142,38 @@ QCoro::Task<Transcriber::Text> Transcriber::accountTranscribe(QString filePath, 
         co_return std::unexpected(FlowError::platform(u"Cancelled."_s));
     const Text text = textIn(reply->body);
     const QJsonObject answer = QJsonDocument::fromJson(reply->body).object();
-    if (const auto remaining = Json::wholeNumber(answer.value("remainingSeconds"_L1)); text && remaining)
+    if (const auto remaining = Json::wholeNumber(answer.value("remainingSeconds"_L1));
+        text && remaining && session == m_account.session())
         m_account.setRemainingSeconds(*remaining);
     co_return text;
 }
 
 void Transcriber::warmUp(std::stop_token stop)
 {
-    const Clock::Duration now = m_clock.monotonic();
-    if (m_lastWarmUp && now - *m_lastWarmUp < minimumWarmUpInterval)
-        return;
-    const Provider provider = m_prefs.provider();
-    const auto credential = m_credentials.apiKey(provider);
-    if (!credential)
-        return;
-    // Noted before the request, so that failures are throttled too.
-    m_lastWarmUp = now;
-    const auto url = endpoint(u"/models"_s, provider);
-    if (!url)
-        return;
-    sendWarmUp({.method = "GET",
-                .url = *url,
-                .headers = {{"Authorization", "Bearer " + credential->toUtf8()}},
-                .body = {},
-                .timeout = 10s},
-               stop);
+    sendWarmUp(m_prefs.provider(), stop);
 }
 
-QCoro::Task<> Transcriber::sendWarmUp(HttpRequest request, std::stop_token stop)
+QCoro::Task<> Transcriber::sendWarmUp(Provider provider, std::stop_token stop)
 {
+    const auto isDue = [this] {
+        return !m_lastWarmUp || m_clock.monotonic() - *m_lastWarmUp >= minimumWarmUpInterval;
+    };
+    if (!isDue())
+        co_return;
+    const auto credential = co_await m_credentials.apiKey(provider, stop);
+    if (!credential || !isDue())
+        co_return;
+    // Noted before the request, so that failures are throttled too.
+    m_lastWarmUp = m_clock.monotonic();
+    const auto url = endpoint(u"/models"_s, provider);
+    if (!url)
+        co_return;
+    const HttpRequest request{.method = "GET",
+                              .url = *url,
+                              .headers = {{"Authorization", "Bearer " + credential->toUtf8()}},
+                              .body = {},
+                              .timeout = 10s,
+                              .largestAnswer =
+                                  largestModelList}; // cut off, it would take the connection along
     co_await m_http.send(request, stop);
 }

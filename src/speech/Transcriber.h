@@ -43,6 +43,11 @@ public:
     /// Makes the request for a model id.
     using RequestBuilder = std::function<std::expected<HttpRequest, FlowError>(const QString &model)>;
 
+    /// The largest answers that are read, in bytes; an hour of speech, every letter escaped, is half of the
+    /// first.
+    static constexpr qsizetype largestText = qsizetype{1024} * 1024;
+    static constexpr qsizetype largestModelList = 4 * largestText;
+
     explicit Transcriber(const Collaborators &with);
 
     /// The transcript of the WAV file, as the provider sent it.
@@ -74,8 +79,10 @@ private:
     QCoro::Task<Text> accountTranscribe(QString filePath, std::stop_token stop);
     QCoro::Task<Text> ownKeyCleanup(Provider provider, QString transcript, std::stop_token stop);
     QCoro::Task<Text> accountCleanup(QString transcript, std::stop_token stop);
-    QCoro::Task<Answer> afterServiceRefusal(HttpRequest request, HttpResponse response, bool mayRetry,
-                                            std::stop_token stop);
+    QCoro::Task<Answer> attempt(HttpRequest request, Provider provider, int session, bool mayRetry,
+                                std::stop_token stop);
+    QCoro::Task<Answer> afterServiceRefusal(HttpRequest request, HttpResponse response, int session,
+                                            bool mayRetry, std::stop_token stop);
     QCoro::Task<Answer> buildAndSend(Provider provider, QString model, RequestBuilder build,
                                      std::stop_token stop);
     /// What to use instead of a model that is gone, stored for later requests too; none when there is
@@ -83,7 +90,7 @@ private:
     QCoro::Task<std::optional<QString>> successor(ModelPurpose purpose, Provider provider, QString model,
                                                   std::stop_token stop);
     FlowError rejectedToken(const FlowError &otherwise);
-    QCoro::Task<> sendWarmUp(HttpRequest request, std::stop_token stop);
+    QCoro::Task<> sendWarmUp(Provider provider, std::stop_token stop);
 
     Prefs &m_prefs;
     const Credentials &m_credentials;

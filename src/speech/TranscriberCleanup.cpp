@@ -32,7 +32,7 @@ QCoro::Task<Transcriber::Text> Transcriber::cleanup(QString transcript, std::sto
 QCoro::Task<Transcriber::Text> Transcriber::ownKeyCleanup(Provider provider, QString transcript,
                                                           std::stop_token stop)
 {
-    const auto key = m_credentials.apiKey(provider);
+    const auto key = co_await m_credentials.apiKey(provider, stop);
     if (!key)
         co_return std::unexpected(key.error());
     const QString prompt = CleanupPrompt::with(m_prefs.vocabulary());
@@ -47,7 +47,8 @@ QCoro::Task<Transcriber::Text> Transcriber::ownKeyCleanup(Provider provider, QSt
                                .url = address,
                                .headers = {{"Authorization", "Bearer " + apiKey.toUtf8()},
                                            {"Content-Type", "application/json"}},
-                               .body = ChatRequest::body(form, provider, model, prompt, transcript)};
+                               .body = ChatRequest::body(form, provider, model, prompt, transcript),
+                               .largestAnswer = largestText};
         };
     };
     const RequestBuilder full = inForm(ChatRequest::Form::full);
@@ -75,7 +76,7 @@ QCoro::Task<Transcriber::Text> Transcriber::ownKeyCleanup(Provider provider, QSt
 
 QCoro::Task<Transcriber::Text> Transcriber::accountCleanup(QString transcript, std::stop_token stop)
 {
-    const auto token = m_credentials.apiKey(Provider::sayvane);
+    const auto token = co_await m_credentials.apiKey(Provider::sayvane, stop);
     if (!token)
         co_return std::unexpected(token.error());
     const auto url = endpoint(u"/v1/cleanup"_s, Provider::sayvane);
@@ -91,7 +92,8 @@ QCoro::Task<Transcriber::Text> Transcriber::accountCleanup(QString transcript, s
         .method = "POST",
         .url = *url,
         .headers = {{"Authorization", "Bearer " + token->toUtf8()}, {"Content-Type", "application/json"}},
-        .body = QJsonDocument(object).toJson(QJsonDocument::Compact)};
+        .body = QJsonDocument(object).toJson(QJsonDocument::Compact),
+        .largestAnswer = largestText};
 
     const Answer reply = co_await send(request, Provider::sayvane, true, stop);
     if (!reply)
@@ -99,7 +101,7 @@ QCoro::Task<Transcriber::Text> Transcriber::accountCleanup(QString transcript, s
     const QJsonDocument answer = QJsonDocument::fromJson(reply->body);
     const QJsonValue text = answer.object().value("text"_L1);
     if (!answer.isObject() || !(text.isString() || text.isUndefined() || text.isNull()))
-        co_return std::unexpected(FlowError::platform(u"The answer could not be read."_s));
+        co_return std::unexpected(FlowError::platform(FlowError::tr("The answer could not be read.")));
     const QString edited = text.toString().trimmed();
     co_return edited.isEmpty() ? transcript : edited;
 }

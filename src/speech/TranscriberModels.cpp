@@ -15,7 +15,8 @@ namespace {
 
 Transcriber::Models idsIn(const QByteArray &json)
 {
-    const auto unreadable = std::unexpected(FlowError::platform(u"The answer could not be read."_s));
+    const auto unreadable =
+        std::unexpected(FlowError::platform(FlowError::tr("The answer could not be read.")));
     const QJsonValue data = QJsonDocument::fromJson(json).object().value("data"_L1);
     if (!data.isArray())
         return unreadable;
@@ -35,7 +36,7 @@ Transcriber::Models idsIn(const QByteArray &json)
 
 QCoro::Task<Transcriber::Models> Transcriber::listModels(Provider provider, std::stop_token stop)
 {
-    const auto credential = m_credentials.apiKey(provider);
+    const auto credential = co_await m_credentials.apiKey(provider, stop);
     if (!credential)
         co_return std::unexpected(credential.error());
     if (provider == Provider::sayvane) { // it has no list of models; that the session works is what counts
@@ -51,7 +52,8 @@ QCoro::Task<Transcriber::Models> Transcriber::listModels(Provider provider, std:
                               .url = *url,
                               .headers = {{"Authorization", "Bearer " + credential->toUtf8()}},
                               .body = {},
-                              .timeout = 30s};
+                              .timeout = 30s,
+                              .largestAnswer = largestModelList};
     const Answer reply = co_await send(request, provider, true, stop);
     if (!reply)
         co_return std::unexpected(reply.error());

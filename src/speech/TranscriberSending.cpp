@@ -40,6 +40,13 @@ QCoro::Task<Transcriber::Answer> Transcriber::buildAndSend(Provider provider, QS
 QCoro::Task<Transcriber::Answer> Transcriber::send(HttpRequest request, Provider provider, bool mayRetry,
                                                    std::stop_token stop)
 {
+    return attempt(request, provider, m_account.session(), mayRetry, stop);
+}
+
+/// `session` is the number of the one that the request belongs to.
+QCoro::Task<Transcriber::Answer> Transcriber::attempt(HttpRequest request, Provider provider, int session,
+                                                      bool mayRetry, std::stop_token stop)
+{
     const auto response = co_await m_http.send(request, stop);
     if (stop.stop_requested())
         co_return std::unexpected(cancelled);
@@ -48,12 +55,13 @@ QCoro::Task<Transcriber::Answer> Transcriber::send(HttpRequest request, Provider
     if (response->isSuccess())
         co_return *response;
     if (provider == Provider::sayvane)
-        co_return co_await afterServiceRefusal(request, *response, mayRetry, stop);
+        co_return co_await afterServiceRefusal(request, *response, session, mayRetry, stop);
     co_return std::unexpected(ProviderFailure::failure(provider, response->status, response->body));
 }
 
 QCoro::Task<Transcriber::Answer> Transcriber::afterServiceRefusal(HttpRequest request, HttpResponse response,
-                                                                  bool mayRetry, std::stop_token stop)
+                                                                  int session, bool mayRetry,
+                                                                  std::stop_token stop)
 {
     const auto body = AccountErrorBody::decode(response.body);
     if (mayRetry) {
@@ -63,18 +71,20 @@ QCoro::Task<Transcriber::Answer> Transcriber::afterServiceRefusal(HttpRequest re
             co_await sleepFor(m_clock, *delay, stop);
             if (stop.stop_requested())
                 co_return std::unexpected(cancelled);
-            co_return co_await send(request, Provider::sayvane, false, stop);
+            co_return co_await attempt(request, Provider::sayvane, session, false, stop);
         }
     }
-    if (body && body->remainingSeconds)
+    const bool isNews = session == m_account.session();
+    if (isNews && body && body->remainingSeconds)
         m_account.setRemainingSeconds(*body->remainingSeconds);
     const ServiceFailure::Outcome outcome = ServiceFailure::accountFailure(response.status, body);
-    co_return std::unexpected(outcome.rejectsSession ? rejectedToken(outcome.error) : outcome.error);
+    co_return std::unexpected(outcome.rejectsSession && isNews ? rejectedToken(outcome.error)
+                                                               : outcome.error);
 }
 
 FlowError Transcriber::rejectedToken(const FlowError &otherwise)
 {
     if (!m_account.dropRejectedSession(m_sessions))
         return otherwise;
-    return FlowError::api(u"Signed out. Sign in again in Settings."_s);
+    return FlowError::api(FlowError::tr("Signed out. Sign in again in Settings."));
 }

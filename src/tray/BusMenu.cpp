@@ -9,10 +9,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// An entry's id is its place, counted from 1; one of a submenu is that of the submenu followed by three
-// more digits. The menu itself is 0.
-constexpr int submenuFactor = 1000;
-
 /// The one or two names of the protocol for each part of the shortcut, such as {{"Control", "q"}}.
 QList<QStringList> keysOf(const QString &shortcut)
 {
@@ -21,41 +17,27 @@ QList<QStringList> keysOf(const QString &shortcut)
     return {parts};
 }
 
-QVariantMap propertiesOfMenu()
-{
-    return {{u"children-display"_s, u"submenu"_s}};
-}
-
-QVariantMap propertiesOf(const MenuEntry &entry)
+// Panels never reset what they are not told again: the defaults of the protocol are told, too.
+QVariantMap propertiesOfEntry(const MenuEntry &entry)
 {
     using Kind = MenuEntry::Kind;
-    if (entry.kind == Kind::separator)
-        return {{u"type"_s, u"separator"_s}};
+    QVariantMap properties{{u"type"_s, u"standard"_s},
+                           {u"visible"_s, true},
+                           {u"enabled"_s, entry.kind != Kind::text && entry.enabled}};
+    if (entry.kind == Kind::separator) {
+        properties.insert(u"type"_s, u"separator"_s);
+        return properties;
+    }
     const QString line = entry.text.simplified();
     // In a label an underscore would mark a key. Panels let a screen reader go on reading the first label of
     // an entry unless they are told otherwise.
-    QVariantMap properties{{u"label"_s, QString(line).replace(u'_', u"__"_s)}, {u"accessible-desc"_s, line}};
-    if (entry.kind == Kind::text || !entry.enabled)
-        properties.insert(u"enabled"_s, false);
+    properties.insert(u"label"_s, QString(line).replace(u'_', u"__"_s));
+    properties.insert(u"accessible-desc"_s, line);
     if (entry.kind == Kind::submenu)
         properties.insert(u"children-display"_s, u"submenu"_s);
     if (!entry.shortcut.isEmpty())
         properties.insert(u"shortcut"_s, QVariant::fromValue(keysOf(entry.shortcut)));
     return properties;
-}
-
-QList<QDBusVariant> layoutOf(const QList<MenuEntry> &entries, int firstId, int depth)
-{
-    QList<QDBusVariant> layout;
-    int id = firstId;
-    for (const MenuEntry &entry : entries) {
-        MenuLayout each{id, propertiesOf(entry), {}};
-        if (depth != 1) // 0 stops above, below 0 there is no limit
-            each.children = layoutOf(entry.submenu, id * submenuFactor + 1, depth - 1);
-        layout.append(QDBusVariant(QVariant::fromValue(each)));
-        ++id;
-    }
-    return layout;
 }
 
 } // namespace
@@ -79,36 +61,70 @@ void BusMenu::announce()
     Q_EMIT LayoutUpdated(++m_revision, 0);
 }
 
-MenuEntry BusMenu::shown(int id) const
+void BusMenu::lookAfresh()
 {
-    if (id < submenuFactor)
-        return m_shown.value(id - 1);
-    return m_shown.value(id / submenuFactor - 1).submenu.value(id % submenuFactor - 1);
+    m_isStale = false;
+    m_shown.clear();
+    m_unread.clear();
+    const Ids before = std::exchange(m_ids, {});
+    const QList<int> top = place(m_entries(), 0, before);
+    m_shown.insert(0, {{.kind = MenuEntry::Kind::submenu}, top});
+    m_unread.insert(0);
 }
 
-bool BusMenu::exists(int id) const
+// An id that is not in use any more never comes back.
+QList<int> BusMenu::place(const QList<MenuEntry> &entries, int parent, const Ids &before)
 {
-    const qsizetype entry = id < submenuFactor ? id : id / submenuFactor;
-    if (entry < 0 || entry > m_shown.size())
-        return false;
-    return id < submenuFactor ||
-           (id % submenuFactor > 0 && id % submenuFactor <= m_shown[entry - 1].submenu.size());
+    QList<int> children;
+    for (const MenuEntry &entry : entries) {
+        Meaning meaning{parent, entry.kind, entry.name, 0};
+        while (m_ids.contains(meaning))
+            ++std::get<3>(meaning);
+        const auto known = before.find(meaning);
+        const int id = known == before.end() ? ++m_lastId : known->second;
+        m_ids.emplace(meaning, id);
+        m_shown.insert(id, {entry, place(entry.submenu, id, before)});
+        if (entry.kind == MenuEntry::Kind::submenu)
+            m_unread.insert(id);
+        children.append(id);
+    }
+    return children;
 }
 
+QVariantMap BusMenu::propertiesOf(int id) const
+{
+    if (id == 0)
+        return {{u"children-display"_s, u"submenu"_s}};
+    const auto found = m_shown.find(id);
+    return found == m_shown.end() ? QVariantMap() : propertiesOfEntry(found->entry);
+}
+
+MenuLayout BusMenu::layoutOf(int id, int depth)
+{
+    MenuLayout layout{id, propertiesOf(id), {}};
+    if (depth == 0) // below it there is no limit
+        return layout;
+    m_unread.remove(id);
+    const QList<int> children = m_shown.value(id).children;
+    for (const int child : children)
+        layout.children.append(QDBusVariant(QVariant::fromValue(layoutOf(child, depth - 1))));
+    return layout;
+}
+
+// Some panels name but a few properties and nevertheless take only what the layout tells for news: they get
+// all.
 uint BusMenu::GetLayout(int parentId, int depth, const QStringList &, MenuLayout &layout)
 {
-    if (std::exchange(m_isStale, false))
-        m_shown = m_entries();
-    layout.id = parentId;
-    if (parentId == 0) {
-        layout.properties = propertiesOfMenu();
-        if (depth != 0)
-            layout.children = layoutOf(m_shown, 1, depth);
-    } else {
-        const MenuEntry parent = shown(parentId);
-        layout.properties = propertiesOf(parent);
-        if (depth != 0)
-            layout.children = layoutOf(parent.submenu, parentId * submenuFactor + 1, depth);
+    if (m_isStale)
+        lookAfresh();
+    layout = layoutOf(parentId, depth);
+    // Plasma reads one level at a time. A submenu that it did not know when it opens it the first time has no
+    // size yet, and comes up beyond the edge of the screen.
+    const QList<int> children = m_shown.value(parentId).children;
+    for (const int child : children) {
+        if (m_unread.contains(child))
+            QMetaObject::invokeMethod(
+                this, [this, child] { Q_EMIT LayoutUpdated(m_revision, child); }, Qt::QueuedConnection);
     }
     return m_revision;
 }
@@ -117,24 +133,20 @@ QList<MenuProperties> BusMenu::GetGroupProperties(const QList<int> &ids, const Q
 {
     QList<MenuProperties> found;
     for (const int id : ids) {
-        if (exists(id))
-            found.append({id, id == 0 ? propertiesOfMenu() : propertiesOf(shown(id))});
+        if (m_shown.contains(id))
+            found.append({id, propertiesOf(id)});
     }
     return found;
 }
 
 QDBusVariant BusMenu::GetProperty(int id, const QString &name)
 {
-    const QVariantMap properties = id == 0 ? propertiesOfMenu() : propertiesOf(shown(id));
-    // What is not set has the protocol's default.
-    const QVariant unset =
-        name == "enabled"_L1 || name == "visible"_L1 ? QVariant(true) : QVariant(QString());
-    return QDBusVariant(properties.value(name, unset));
+    return QDBusVariant(propertiesOf(id).value(name, QString()));
 }
 
 void BusMenu::Event(int id, const QString &type, const QDBusVariant &, uint)
 {
-    const MenuEntry entry = shown(id);
+    const MenuEntry entry = m_shown.value(id).entry;
     if (type != "clicked"_L1 || !entry.action || !entry.enabled)
         return;
     // The panel waits for an answer; what it asked for may take longer, or end the program.
@@ -145,7 +157,7 @@ QList<int> BusMenu::EventGroup(const QList<MenuEvent> &events)
 {
     QList<int> missing;
     for (const MenuEvent &event : events) {
-        if (exists(event.id))
+        if (m_shown.contains(event.id))
             Event(event.id, event.type, event.data, event.time);
         else
             missing.append(event.id);
@@ -153,16 +165,16 @@ QList<int> BusMenu::EventGroup(const QList<MenuEvent> &events)
     return missing;
 }
 
-bool BusMenu::AboutToShow(int)
+bool BusMenu::AboutToShow(int id)
 {
-    return m_isStale;
+    return m_isStale || m_unread.contains(id);
 }
 
 QList<int> BusMenu::AboutToShowGroup(const QList<int> &ids, QList<int> &missing)
 {
     QList<int> stale;
     for (const int id : ids) {
-        if (!exists(id))
+        if (!m_shown.contains(id))
             missing.append(id);
         else if (AboutToShow(id))
             stale.append(id);

@@ -6,15 +6,20 @@
 #include "tray/MenuProperties.h"
 
 #include <QDBusVariant>
+#include <QHash>
 #include <QList>
 #include <QObject>
+#include <QSet>
 
 #include <functional>
+#include <map>
+#include <tuple>
 
 /// A menu that a panel draws: com.canonical.dbusmenu, version 3, as libdbusmenu defines it.
 ///
-/// It is made when a panel asks for it. A click counts for the entry that the panel was shown, also when
-/// the menu is another by now.
+/// It is made when a panel asks for it. Panels keep what they know of an entry by its id and add to it, so an
+/// id stands for one meaning and one kind as long as this lives, and a click does what the entry meant that
+/// the panel showed, also where the menu is another by now.
 class BusMenu final : public QObject
 {
     Q_OBJECT
@@ -22,6 +27,7 @@ class BusMenu final : public QObject
     Q_PROPERTY(uint Version READ version CONSTANT)
     Q_PROPERTY(QString Status READ status CONSTANT)
     Q_PROPERTY(QString TextDirection READ textDirection CONSTANT)
+    Q_PROPERTY(QStringList IconThemePath READ iconThemePath CONSTANT)
 public:
     explicit BusMenu(std::function<QList<MenuEntry>()> entries);
 
@@ -35,6 +41,7 @@ public Q_SLOTS:
     Q_SCRIPTABLE void Event(int id, const QString &type, const QDBusVariant &data, uint time);
     /// As `Event` for each; gives the ids that there is no entry of.
     Q_SCRIPTABLE QList<int> EventGroup(const QList<MenuEvent> &events);
+    /// Whether the layout below this entry has to be asked for again.
     Q_SCRIPTABLE bool AboutToShow(int id);
     /// Gives the ids whose layout has to be asked for again, and those that there is no entry of.
     Q_SCRIPTABLE QList<int> AboutToShowGroup(const QList<int> &ids, QList<int> &missing);
@@ -43,15 +50,31 @@ Q_SIGNALS:
     Q_SCRIPTABLE void LayoutUpdated(uint revision, int parent);
 
 private:
+    /// An entry as panels know it.
+    struct Shown
+    {
+        MenuEntry entry;
+        QList<int> children;
+    };
+    /// The id of the parent, the kind, the name, and how many siblings of that kind and name stand above it.
+    using Meaning = std::tuple<int, MenuEntry::Kind, QString, int>;
+    using Ids = std::map<Meaning, int>;
+
     static uint version() { return 3; }
     static QString status() { return QStringLiteral("normal"); }
     static QString textDirection() { return QStringLiteral("ltr"); }
+    static QStringList iconThemePath() { return {}; }
 
-    MenuEntry shown(int id) const;
-    bool exists(int id) const;
+    void lookAfresh();
+    QList<int> place(const QList<MenuEntry> &entries, int parent, const Ids &before);
+    QVariantMap propertiesOf(int id) const;
+    MenuLayout layoutOf(int id, int depth);
 
     std::function<QList<MenuEntry>()> m_entries;
-    QList<MenuEntry> m_shown;
+    QHash<int, Shown> m_shown; // 0 is the menu itself
+    Ids m_ids;
+    int m_lastId = 0;
     uint m_revision = 1;
+    QSet<int> m_unread;    // whose children nobody has asked for since they were made
     bool m_isStale = true; // what is shown is not what there is
 };

@@ -5,6 +5,8 @@
 
 #include <QColor>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr QColor colorOf(FlowState state)
@@ -13,6 +15,19 @@ constexpr QColor colorOf(FlowState state)
 }
 
 } // namespace
+
+QString StateIcon::nameOf(FlowState state)
+{
+    switch (state) {
+    case FlowState::idle:
+        return u"app.sayvane.Sayvane-symbolic"_s;
+    case FlowState::recording:
+        return u"app.sayvane.Sayvane-recording-symbolic"_s;
+    case FlowState::processing:
+        return u"app.sayvane.Sayvane-processing-symbolic"_s;
+    }
+    Q_UNREACHABLE();
+}
 
 QList<QImage> StateIcon::of(FlowState state)
 {

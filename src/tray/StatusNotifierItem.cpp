@@ -1,9 +1,9 @@
 #include "tray/StatusNotifierItem.h"
 
-#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusMetaType>
+#include <QGuiApplication>
 
 #include <utility>
 
@@ -12,58 +12,91 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString itemPath = u"/StatusNotifierItem"_s;
+constexpr const char *activationToken = "XDG_ACTIVATION_TOKEN";
+
+/// Whether windows need a token of the compositor's to come to the front.
+bool tokensCount()
+{
+    return QGuiApplication::platformName().startsWith("wayland"_L1);
+}
 
 } // namespace
 
-StatusNotifierItem::StatusNotifierItem(std::function<QList<MenuEntry>()> entries,
-                                       std::function<void()> activate)
-    : m_activate(std::move(activate)),
-      m_menu(std::move(entries)),
-      m_name(u"org.kde.StatusNotifierItem-%1-1"_s.arg(QCoreApplication::applicationPid()))
+StatusNotifierItem::StatusNotifierItem(Needs needs) : m_needs(std::move(needs)), m_menu(m_needs.entries)
 {
     qDBusRegisterMetaType<ItemPixmap>();
     qDBusRegisterMetaType<QList<ItemPixmap>>();
     qDBusRegisterMetaType<ItemToolTip>();
+}
+
+StatusNotifierItem::~StatusNotifierItem()
+{
+    withdraw();
+}
+
+void StatusNotifierItem::offer()
+{
     QDBusConnection bus = QDBusConnection::sessionBus();
     constexpr auto contents =
         QDBusConnection::ExportScriptableContents | QDBusConnection::ExportAllProperties;
     bus.registerObject(itemPath, this, contents);
     bus.registerObject(menuPath().path(), &m_menu, contents);
-    bus.registerService(m_name);
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(u"org.kde.StatusNotifierWatcher"_s, u"/StatusNotifierWatcher"_s,
+                                       u"org.kde.StatusNotifierWatcher"_s, u"RegisterStatusNotifierItem"_s);
+    // The connection's own name: GNOME's extension AppIndicator forgets what it has read of an item that
+    // registers by another one, whenever it hears later that this name has an owner.
+    message.setArguments({bus.baseService()});
+    message.setAutoStartService(false);
+    bus.send(message);
 }
 
-StatusNotifierItem::~StatusNotifierItem()
+void StatusNotifierItem::withdraw()
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
-    bus.unregisterService(m_name);
     bus.unregisterObject(itemPath);
     bus.unregisterObject(menuPath().path());
 }
 
-void StatusNotifierItem::offer()
+void StatusNotifierItem::show(const Picture &picture)
 {
-    QDBusMessage message =
-        QDBusMessage::createMethodCall(u"org.kde.StatusNotifierWatcher"_s, u"/StatusNotifierWatcher"_s,
-                                       u"org.kde.StatusNotifierWatcher"_s, u"RegisterStatusNotifierItem"_s);
-    message.setArguments({m_name});
-    message.setAutoStartService(false);
-    QDBusConnection::sessionBus().send(message);
-}
-
-void StatusNotifierItem::setIcon(const QList<ItemPixmap> &icon, const QString &toolTip)
-{
-    m_icon = icon;
-    m_toolTip = toolTip;
+    m_picture = picture;
     Q_EMIT NewIcon();
     Q_EMIT NewToolTip();
 }
 
 void StatusNotifierItem::Activate(int, int)
 {
-    QMetaObject::invokeMethod(this, m_activate, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, m_needs.activate, Qt::QueuedConnection);
 }
 
-void StatusNotifierItem::SecondaryActivate(int, int)
+void StatusNotifierItem::SecondaryActivate(int x, int y)
 {
-    QMetaObject::invokeMethod(this, m_activate, Qt::QueuedConnection);
+    Activate(x, y);
+}
+
+void StatusNotifierItem::XAyatanaSecondaryActivate(uint)
+{
+    Activate(0, 0);
+}
+
+void StatusNotifierItem::ContextMenu(int x, int y)
+{
+    QMetaObject::invokeMethod(
+        this,
+        [this, x, y] {
+            m_needs.showMenu({x, y});
+        },
+        Qt::QueuedConnection);
+}
+
+void StatusNotifierItem::Scroll(int, const QString &)
+{
+    // Nothing here has a scale.
+}
+
+void StatusNotifierItem::ProvideXdgActivationToken(const QString &token)
+{
+    if (tokensCount())
+        qputenv(activationToken, token.toUtf8()); // where Qt looks for it when a window asks for the front
 }

@@ -4,15 +4,30 @@
 #include "app/MenuView.h"
 #include "tray/StateIcon.h"
 
+#include <QFile>
 #include <QGuiApplication>
 #include <QPixmap>
+#include <QWindow>
 
 #include <utility>
 
-TrayIcon::TrayIcon(const FlowController &flow, MenuView &menu, std::function<void()> activate)
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool isWayland()
+{
+    return QGuiApplication::platformName().startsWith("wayland"_L1);
+}
+
+} // namespace
+
+TrayIcon::TrayIcon(const FlowController &flow, MenuView &menu, const QString &iconsFolder,
+                   std::function<void()> activate)
     : m_flow(flow),
       m_view(menu),
-      m_activate(std::move(activate))
+      m_activate(std::move(activate)),
+      m_iconsFolder(iconsFolder)
 {
     connect(&m_flow, &FlowController::stateChanged, this, &TrayIcon::showState);
     connect(&m_view, &MenuView::changed, this, &TrayIcon::scheduleMenu);
@@ -26,32 +41,70 @@ void TrayIcon::show()
     m_host.follow();
 }
 
-// Qt decides once for the whole process which protocol its own icon speaks, when it makes the first one:
-// it is made only while no panel shows items, and then speaks the older protocol.
 void TrayIcon::choose()
 {
     if (m_host.isThere()) {
         m_fallback.reset();
+        m_menu.reset();
         if (!m_item)
-            m_item = std::make_unique<StatusNotifierItem>([this] { return m_view.entries(); }, m_activate);
+            m_item = std::make_unique<StatusNotifierItem>(
+                StatusNotifierItem::Needs{.entries = [this] { return m_view.entries(); },
+                                          .activate = m_activate,
+                                          .showMenu = [this](QPoint place) { showMenu(place); },
+                                          .iconThemePath = m_iconsFolder});
         showState();
         m_item->offer();
         return;
     }
-    m_item.reset();
+    if (m_item)
+        m_item->withdraw();
     // Wayland knows no older protocol.
-    if (m_fallback || QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
-        return;
-    m_fallback = std::make_unique<Fallback>();
-    m_fallback->icon.setContextMenu(&m_fallback->menu.menu());
-    connect(&m_fallback->icon, &QSystemTrayIcon::activated, this,
+    if (!m_fallback && !isWayland())
+        makeFallback();
+}
+
+// Qt decides once for the whole process which protocol its own icon speaks, when it makes the first one:
+// it is made only while no panel shows items, and then speaks the older protocol.
+void TrayIcon::makeFallback()
+{
+    m_fallback = std::make_unique<QSystemTrayIcon>();
+    m_fallback->setContextMenu(&ownMenu().menu());
+    connect(m_fallback.get(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
                 if (reason == QSystemTrayIcon::Trigger)
                     m_activate();
             });
-    updateMenu();
     showState();
-    m_fallback->icon.show();
+    m_fallback->show();
+}
+
+TrayMenu &TrayIcon::ownMenu()
+{
+    if (m_menu)
+        return *m_menu;
+    m_menu = std::make_unique<TrayMenu>();
+    // On Wayland nothing may place a window by itself, and a popup gets the keyboard from a click on a window
+    // of ours alone: the menu is a window among others, which goes when the keyboard goes elsewhere. Its
+    // submenus are popups.
+    if (isWayland()) {
+        QMenu &menu = m_menu->menu();
+        menu.setWindowFlags(Qt::Tool);
+        menu.setWindowTitle(QStringLiteral("Sayvane"));
+        connect(qGuiApp, &QGuiApplication::focusWindowChanged, &menu, [&menu](const QWindow *window) {
+            if (window != menu.windowHandle() && (!window || window->type() != Qt::Popup))
+                menu.close();
+        });
+    }
+    updateMenu();
+    return *m_menu;
+}
+
+void TrayIcon::showMenu(QPoint place)
+{
+    QMenu &menu = ownMenu().menu();
+    if (isWayland())
+        menu.setFixedSize(menu.sizeHint()); // such a window floats above those that compositors tile
+    menu.popup(place);
 }
 
 void TrayIcon::showState()
@@ -59,17 +112,21 @@ void TrayIcon::showState()
     const QString line = MenuView::stateLine(m_flow.state());
     const QList<QImage> images = StateIcon::of(m_flow.state());
     if (m_item) {
-        QList<ItemPixmap> icon;
+        StatusNotifierItem::Picture picture{.description = line};
+        const QString name = StateIcon::nameOf(m_flow.state());
+        // A name without a file would show nothing.
+        if (QFile::exists(m_iconsFolder + u"/hicolor/symbolic/apps/"_s + name + u".svg"_s))
+            picture.name = name;
         for (const QImage &image : images)
-            icon.append(ItemPixmap::of(image));
-        m_item->setIcon(icon, line);
+            picture.pixmaps.append(ItemPixmap::of(image));
+        m_item->show(picture);
     }
     if (m_fallback) {
         QIcon icon;
         for (const QImage &image : images)
             icon.addPixmap(QPixmap::fromImage(image));
-        m_fallback->icon.setIcon(icon);
-        m_fallback->icon.setToolTip(line);
+        m_fallback->setIcon(icon);
+        m_fallback->setToolTip(line);
     }
 }
 
@@ -84,6 +141,6 @@ void TrayIcon::updateMenu()
     m_updateIsDue = false;
     if (m_item)
         m_item->menu().announce();
-    if (m_fallback)
-        m_fallback->menu.show(m_view.entries());
+    if (m_menu)
+        m_menu->show(m_view.entries());
 }

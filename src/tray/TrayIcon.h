@@ -6,6 +6,7 @@
 #include "values/FlowState.h"
 
 #include <QObject>
+#include <QPoint>
 #include <QSystemTrayIcon>
 
 #include <functional>
@@ -22,21 +23,19 @@ class TrayIcon final : public QObject
 {
     Q_OBJECT
 public:
-    TrayIcon(const FlowController &flow, MenuView &menu, std::function<void()> activate);
+    /// The icons' folder is a theme path: it holds `hicolor`.
+    TrayIcon(const FlowController &flow, MenuView &menu, const QString &iconsFolder,
+             std::function<void()> activate);
     ~TrayIcon() override;
 
     /// Begins to show, and goes on as panels come and go.
     void show();
 
 private:
-    /// By the older protocol.
-    struct Fallback
-    {
-        TrayMenu menu;
-        QSystemTrayIcon icon;
-    };
-
     void choose();
+    void makeFallback();
+    void showMenu(QPoint place);
+    TrayMenu &ownMenu();
     void showState();
     void scheduleMenu();
     void updateMenu();
@@ -44,8 +43,10 @@ private:
     const FlowController &m_flow;
     MenuView &m_view;
     std::function<void()> m_activate;
+    QString m_iconsFolder;
     TrayHost m_host;
     std::unique_ptr<StatusNotifierItem> m_item;
-    std::unique_ptr<Fallback> m_fallback;
+    std::unique_ptr<TrayMenu> m_menu; // where no panel draws it
+    std::unique_ptr<QSystemTrayIcon> m_fallback;
     bool m_updateIsDue = false;
 };

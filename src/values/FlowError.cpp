@@ -5,27 +5,27 @@ using namespace Qt::StringLiterals;
 FlowError FlowError::noAPIKey(Provider provider)
 {
     if (provider == Provider::sayvane)
-        return {Kind::noAPIKey, u"Sign in under Settings to start dictating"_s};
+        return {Kind::noAPIKey, tr("Sign in under Settings to start dictating")};
     return {Kind::noAPIKey,
-            u"No "_s + Providers::displayName(provider) + u" API key"_s + u". Open Settings to add one."_s};
+            tr("No %1 API key. Open Settings to add one.").arg(Providers::displayName(provider))};
 }
 
 FlowError FlowError::nothingHeard()
 {
-    return {Kind::nothingHeard, u"Nothing heard"_s};
+    return {Kind::nothingHeard, tr("Nothing heard")};
 }
 
 FlowError FlowError::noInputDevice()
 {
-    return {Kind::noInputDevice, u"No microphone found"_s};
+    return {Kind::noInputDevice, tr("No microphone found")};
 }
 
 FlowError FlowError::recorderFailed()
 {
-    return {Kind::recorderFailed, u"Microphone is busy or unavailable"_s};
+    return {Kind::recorderFailed, tr("Microphone is busy or unavailable")};
 }
 
 FlowError FlowError::lowDiskSpace()
 {
-    return {Kind::lowDiskSpace, u"Not enough disk space to record. Free up 50 MB and try again"_s};
+    return {Kind::lowDiskSpace, tr("Not enough disk space to record. Free up 50 MB and try again")};
 }

@@ -2,6 +2,7 @@
 
 #include "values/Provider.h"
 
+#include <QCoreApplication>
 #include <QString>
 
 /// Why a dictation failed, with the one complete sentence that the user sees.
@@ -29,4 +30,6 @@ struct FlowError
     static FlowError platform(const QString &message) { return {Kind::platform, message}; }
 
     bool operator==(const FlowError &) const = default;
+
+    Q_DECLARE_TR_FUNCTIONS(FlowError)
 };

@@ -1,30 +1,16 @@
 #include "windows/DashboardWindowController.h"
 
 #include "platform/Activation.h"
+#include "windows/WindowPlace.h"
 
 #include <QGuiApplication>
-#include <QScreen>
+#include <QWindow>
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-void centre(QWindow &window)
-{
-    const QRect desk = QGuiApplication::primaryScreen()->availableGeometry();
-    QRect frame(QPoint(), window.size());
-    frame.moveCenter(desk.center());
-    window.setPosition(std::max(frame.left(), desk.left()), std::max(frame.top(), desk.top()));
-}
-
-bool isOnSomeScreen(const QWindow &window)
-{
-    return std::ranges::any_of(QGuiApplication::screens(), [&](const QScreen *screen) {
-        return screen->availableGeometry().intersects(window.geometry());
-    });
-}
 
 bool isRegular(const QWindow &window)
 {
@@ -45,7 +31,8 @@ DashboardWindowController::~DashboardWindowController() = default;
 
 void DashboardWindowController::show()
 {
-    if (!m_window && !make())
+    const bool isNew = !m_window;
+    if (isNew && !make())
         return;
     m_needs.activation.setPolicy(ActivationPolicy::regular);
     m_needs.installMainMenu();
@@ -53,8 +40,10 @@ void DashboardWindowController::show()
     // On another workspace it is mapped but not exposed: mapping it anew brings it to this one.
     if (m_window->isVisible() && !m_window->isExposed())
         m_window->hide();
-    if (!m_window->isVisible() && !isOnSomeScreen(*m_window))
-        centre(*m_window);
+    if (!m_window->isVisible())
+        WindowPlace::fit(*m_window, m_needs.activation.tilesWindows() ? QSize() : m_leastSize);
+    if (isNew || (!m_window->isVisible() && !WindowPlace::isOnSomeScreen(*m_window)))
+        WindowPlace::centre(*m_window);
     m_window->setWindowStates(m_window->windowStates() & ~Qt::WindowMinimized);
     m_window->show();
     m_window->raise();
@@ -67,7 +56,7 @@ bool DashboardWindowController::make()
     if (!m_engine)
         return false;
     m_window = m_engine->makeWindow(u"DashboardWindow"_s, m_needs.models());
-    centre(*m_window);
+    m_leastSize = m_window->minimumSize();
     if (!m_closeObserver)
         m_closeObserver.emplace([this](QWindow *window) { closing(window); });
     return true;

@@ -3,6 +3,7 @@
 #include "windows/WindowCloseObserver.h"
 #include "windows/WindowEngine.h"
 
+#include <QSize>
 #include <QVariantMap>
 
 #include <functional>
@@ -52,5 +53,6 @@ private:
     Needs m_needs;
     std::unique_ptr<WindowEngine> m_engine;
     std::unique_ptr<QWindow> m_window;
+    QSize m_leastSize; // where the screen has room for it
     std::optional<WindowCloseObserver> m_closeObserver;
 };

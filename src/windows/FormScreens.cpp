@@ -18,12 +18,11 @@ FormScreens::FormScreens(Host &host, Platform &platform, std::function<void()> o
                   .transcriber = host.transcriber(),
                   .recorder = host.hotkeyRecorder(),
                   .updateHotkey = [&host](const HotkeySpec &spec) { host.flow().updateHotkey(spec); }}),
-      m_inserter(platform.pasteboard, platform.keyPoster, platform.trust, host.prefs(), platform.clock),
       m_labs({.session = host.labs(),
               .answerMode = host.answerMode(),
               .defaults = host.defaults(),
               .pasteboard = platform.pasteboard,
-              .inserter = m_inserter,
+              .inserter = host.flow().inserter(),
               .dictation = {.state = [&host] { return host.flow().state(); },
                             .captureNextTranscript =
                                 [&host](auto into) { host.flow().captureNextTranscript(std::move(into)); },

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "capture/TextInserter.h"
 #include "dashboard/labs/LabsView.h"
 #include "settings/screen/SettingsForms.h"
 
@@ -25,6 +24,5 @@ public:
 
 private:
     SettingsForms m_settings;
-    TextInserter m_inserter;
     LabsView m_labs;
 };

@@ -3,6 +3,7 @@
 #include "platform/Activation.h"
 #include "settings/screen/SettingsForms.h"
 #include "windows/DashboardWindowController.h"
+#include "windows/WindowPlace.h"
 
 #include <utility>
 
@@ -41,6 +42,7 @@ bool SettingsWindow::make()
         return false;
     m_window =
         m_engine->makeWindow(u"settings/SettingsWindow"_s, {{u"forms"_s, QVariant::fromValue(&m_forms)}});
+    WindowPlace::fit(*m_window, m_activation.tilesWindows() ? QSize() : m_window->minimumSize());
     // While it tells that it was closed the window is still in use.
     connect(m_window.get(), &QWindow::visibleChanged, this, &SettingsWindow::dropIfClosed,
             Qt::QueuedConnection);

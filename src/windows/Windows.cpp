@@ -60,6 +60,6 @@ void Windows::tellOfUpdate()
     if (m_host.flow().state() != FlowState::idle)
         return;
     OverlayPanel &overlay = m_host.flow().overlay();
-    overlay.show(FlowState::idle, u"Sayvane was updated. Quit and start it again."_s, OverlayTone::warning);
+    overlay.show(FlowState::idle, tr("Sayvane was updated. Quit and start it again."), OverlayTone::warning);
     overlay.hide(updateNoticeDuration);
 }

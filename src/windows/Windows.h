@@ -48,4 +48,6 @@ private:
     FormScreens m_forms;
     DashboardWindowController m_dashboard;
     SettingsWindow m_settings;
+
+    Q_DECLARE_TR_FUNCTIONS(Windows)
 };

@@ -35,6 +35,7 @@ private Q_SLOTS:
     void explainsARefusal_data();
     void explainsARefusal();
     void onlyTheSessionOfThisComputerIsDropped();
+    void lateNewsOfASessionChangesNoOther();
     void aReadIsTriedAgainOnce();
     void readsSessions();
     void readsAVerifiedSession();
@@ -70,6 +71,8 @@ void AccountClientTest::saysWhatTheServiceExpects()
     m->machine.http.willAnswer(std::unexpected(TransportError{}));
     QCOMPARE(told(QCoro::waitFor(client().requestCode({}, {}, {}))),
              u"network: Could not reach Sayvane. Check the network and try again."_s);
+    m->machine.http.willAnswer(std::unexpected(TransportError{TransportError::Kind::tooLarge, {}}));
+    QCOMPARE(told(QCoro::waitFor(client().requestCode({}, {}, {}))), u"bad_response: "_s + unreadable);
 }
 
 void AccountClientTest::explainsARefusal_data()
@@ -120,17 +123,19 @@ void AccountClientTest::explainsARefusal()
     const QString normalised = code.trimmed().toLower();
     const QString otherwise = own == signedOut ? u"unauthorized"_s : u"-"_s;
     const bool isRateLimit = normalised.endsWith(u"rate_limited"_s);
-    for (const QString &message : {u""_s, u" \\n"_s, u" Their words. "_s}) {
+    for (const QString &message :
+         {u""_s, u" \\n"_s, u" Their words. "_s, u" "_s + u"Their words. "_s.repeated(99999)}) {
         m->machine.http.willAnswer(status,
                                    u"{\"error\":{\"code\":\"%1\",\"message\":\"%2\"}}"_s.arg(code, message).toUtf8(),
                                    {{"retry-after", "7.2"}});
         const AccountError error = QCoro::waitFor(client().requestCode(u"a@b.test"_s, {}, {})).error();
-        QCOMPARE(error.message, serviceWins && message.contains(u"words"_s) ? u"Their words."_s : own);
+        const QString words = message.size() > 1000 ? message.sliced(1, 1000) + u'…' : u"Their words."_s;
+        QCOMPARE(error.message, serviceWins && message.contains(u"words"_s) ? words : own);
         QCOMPARE(error.code.value_or(u"-"_s), normalised.isEmpty() ? otherwise : normalised);
         QCOMPARE(error.isRateLimited(), isRateLimit);
         QCOMPARE(error.retryAfterSeconds.value_or(-1), isRateLimit || status == 429 ? 8 : -1);
     }
-    QCOMPARE(m->machine.http.requests.size(), 3); // nothing that is sent is sent twice
+    QCOMPARE(m->machine.http.requests.size(), 4); // nothing that is sent is sent twice
 }
 
 void AccountClientTest::onlyTheSessionOfThisComputerIsDropped()
@@ -150,6 +155,29 @@ void AccountClientTest::onlyTheSessionOfThisComputerIsDropped()
     QVERIFY(!drops(u"svs_1"_s, [this](const QString &token) { return client().logout(token, {}); }));
     QVERIFY(!drops(u"key_1"_s, me));
     QCOMPARE(rejections.size(), 3);
+}
+
+void AccountClientTest::lateNewsOfASessionChangesNoOther()
+{
+    const QByteArray news = R"({"email":"old@b.test","remainingSeconds":5})";
+    for (const bool isNewer : {false, true}) { // or there is none
+        for (const QList<int> &statuses : {QList{200}, QList{401}, QList{503, 401}, QList{503, 200}}) {
+            m->signIn(u"svs_1"_s);
+            client().me(u"svs_1"_s, {});
+            m->sessions.clear();
+            m->account.signOut();
+            if (isNewer)
+                m->signIn(u"svs_2"_s);
+            for (const int status : statuses) {
+                m->machine.http.answer(status, news);
+                m->machine.clock.advance(1s);
+            }
+            QCOMPARE(m->sessions.token(), isNewer ? std::optional(u"svs_2"_s) : std::nullopt);
+            QCOMPARE(m->account.signedIn(), isNewer);
+            QCOMPARE(m->prefs.accountEmail(), isNewer ? u"a@b.test"_s : QString());
+            QCOMPARE(m->account.remainingSeconds(), std::nullopt);
+        }
+    }
 }
 
 void AccountClientTest::aReadIsTriedAgainOnce()

@@ -183,6 +183,27 @@ void AccountSignInTest::aKeyringThatRefusesIsTriedAgain()
     QVERIFY(model().error().isEmpty() && waiting() == 2);
     model().discardUnsavedSession(); // there is none any more
     QVERIFY(m->account.signedIn());
+    // Whoever signs in once more ends the session from before.
+    while (waiting() > 0)
+        http().answer(500, {});
+    m->sessions.save(u"svs_1"_s);
+    verify();
+    const HttpRequest end = http().requests.value(http().requests.size() - 3);
+    QVERIFY(end.url.path() == u"/v1/auth/logout" &&
+            end.headers.contains(std::pair<QByteArray, QByteArray>("Authorization", "Bearer svs_1")));
+    QCOMPARE(m->sessions.token(), u"svs_9"_s);
+    // The keyring has a question, and the user goes back instead of answering: that session is ended too.
+    m->machine.secrets.setHangs(true);
+    while (waiting() > 0)
+        http().answer(500, {});
+    reachTheCode();
+    model().enter(u"123456"_s);
+    http().answer(200, R"({"token":"svs_10"})");
+    QVERIFY(model().busy());
+    model().reset();
+    m->machine.secrets.setHangs(false);
+    QCOMPARE(m->sent(), u"POST /v1/auth/logout svs_10 {}"_s);
+    QCOMPARE(m->sessions.token(), u"svs_9"_s); // the one from before stays
 }
 
 void AccountSignInTest::listsAndEndsDevices()
@@ -226,11 +247,18 @@ void AccountSignInTest::signingOutCutsOffLateNews()
     model().refresh();
     model().loadDevices();
     m->machine.secrets.removeStatus = SecretStatus::interactionNotAllowed;
-    http().willAnswer(204, {}); // the end of the session
-    model().signOutThisMac();
-    QVERIFY(!m->account.signedIn() && !model().loadingDevices() && waiting() == 0);
+    model().signOutThisMac(); // which the keyring does not allow: nothing changes
+    QVERIFY(m->account.signedIn() && model().loadingDevices() && waiting() == 2);
     QCOMPARE(model().error(), u"Couldn't remove from Keychain: The keyring is locked."_s);
+    m->machine.secrets.removeStatus = SecretStatus::success;
+    m->machine.secrets.setHangs(true); // and its owner is asked first
+    model().signOutThisMac();
+    QVERIFY(m->account.signedIn() && model().error().isEmpty());
+    http().willAnswer(204, {}); // the end of the session
+    m->machine.secrets.setHangs(false);
+    QVERIFY(!m->account.signedIn() && !model().loadingDevices() && waiting() == 0);
     // So does leaving in the middle of everything.
+    m->signIn(u"svs_2"_s);
     reachTheCode();
     model().enter(u"123456"_s);
     model().refresh();

@@ -33,8 +33,12 @@ private:
 
 void AnswerModeTest::anAnswerIsPasted()
 {
-    for (const QString &stored : {u"ChatGPT"_s, u"chatgpt"_s}) {
-        m->machine.defaults.values.insert(u"labsProvider"_s, stored);
+    for (const QString &stored : {u"ChatGPT"_s, u"chatgpt"_s, u"chatgpt, not offered"_s}) {
+        if (stored.contains(u"not"_s)) {
+            m->machine.http.willAnswer(200, R"({"claude":true,"chatgpt":false})");
+            m->host().labs().loadProviders();
+        }
+        m->machine.defaults.values.insert(u"labsProvider"_s, stored.section(u',', 0, 0));
         m->machine.defaults.values.insert(u"language"_s, u"en"_s);
         m->dictate(u"um what is the highest mountain"_s, u"What is the highest mountain?"_s);
         QVERIFY(m->overlayModel().message() == u"Answering…" && m->overlayModel().tone() == OverlayTone::warning);
@@ -85,9 +89,12 @@ void AnswerModeTest::aSessionRevokedMeanwhile()
     const QString failed = u"Pasted transcript. Answer mode failed: "_s;
     const QString signedOut = u"Signed out. Sign in again in Settings."_s;
     const QString nobody = u"Sign in under Settings to start dictating"_s;
-    const QStringList notices{nobody, signedOut, failed + nobody, failed + signedOut};
+    // Signing out ends answer mode.
+    const QStringList notices{nobody, signedOut, u"Pasted raw transcript. Cleanup failed: "_s + signedOut,
+                              failed + signedOut};
     for (int moment = 0; moment < notices.size(); ++moment) { // recording, transcribing, cleaning up, answering
         m->host().sessions().save(u"svs_2"_s);
+        m->host().answerMode().setEnabled(true);
         m->tapShortcut();
         m->machine.clock.advance(2s);
         if (moment == 0) {
@@ -102,6 +109,7 @@ void AnswerModeTest::aSessionRevokedMeanwhile()
         m->finishPaste();
         QCOMPARE(m->flow().lastError(), notices.at(moment));
         QVERIFY(!m->host().account().signedIn() && m->machine.secrets.items.isEmpty());
+        QVERIFY(!m->host().answerMode().enabled());
         // What was transcribed is kept and pasted.
         QCOMPARE(m->machine.keyPoster.posted.size(), std::max(0, moment - 1));
         QCOMPARE(m->host().history().records().size(), std::max(0, moment - 1));

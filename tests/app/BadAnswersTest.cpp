@@ -57,7 +57,7 @@ void BadAnswersTest::aBadAnswerIsToldAndLosesNothing_data()
     http(400, "{\"error\":{\"message\":null,\"code\":\"too_long\"}}", u"Groq: too_long"_s);
     http(429, "{\"error\":{\"message\":\"મર્યાદા\\nreached\",\"code\":\"c\"}}", u"Groq: મર્યાદા\nreached"_s);
     http(500, "{\"error\":{\"message\":\"" + QByteArray(2'000'000, 'x') + "\"}}",
-         u"Groq: "_s + QString(2'000'000, u'x'));
+         u"Groq: "_s + QString(1000, u'x') + u'…');
     const auto silence = [](TransportError::Kind kind, const QString &message) {
         QTest::newRow(qPrintable(message)) << Reply(std::unexpected(TransportError{kind, message})) << message;
     };
@@ -85,7 +85,7 @@ void BadAnswersTest::aBadAnswerIsToldAndLosesNothing()
     m.host();
     m.speak();
     deliver();
-    QVERIFY(m.flow().lastError() == sentence); // too long to print
+    QCOMPARE(m.flow().lastError(), sentence);
     QCOMPARE(m.flow().state(), FlowState::idle);
     QVERIFY(m.host().history().records().isEmpty() && m.machine.folders.recordings().isEmpty());
     QCOMPARE(m.machine.http.requests.size(), 1);

@@ -44,7 +44,14 @@ private Q_SLOTS:
     void aRejectedSessionSignsOut();
     void signingOutWhileRecordingKeepsTheMeter();
     void soundsCanBeSwitchedOff();
-    void aLostMicrophoneStillTranscribesWhatItHeard();
+    void theKeystrokeWaitsForTheDisk_data();
+    void theKeystrokeWaitsForTheDisk();
+    void aLossDeliversWhatWasHeard_data();
+    void aLossDeliversWhatWasHeard();
+    void aMicrophoneThatTakesItsTimeIsWaitedForByNobody();
+    void whoLeavesIsHeardButNotTypedFor();
+    void aFailedDictationIsKeptOnlyIfWanted_data();
+    void aFailedDictationIsKeptOnlyIfWanted();
     void leavingInTheMiddleKeepsWhatIsNotSafeYet_data();
     void leavingInTheMiddleKeepsWhatIsNotSafeYet();
     void historyHoldsTheNewestFifty();
@@ -71,10 +78,14 @@ void FlowControllerTest::aTapBeginsARecording()
 
 void FlowControllerTest::aDictationIsPastedStoredAndForgotten()
 {
-    m->machine.pasteboard.setItems({{{u"image/png"_s, "pixels"}, {u"text/html"_s, "<b>x</b>"}}});
+    m->machine.pasteboard.contents = {{{u"image/png"_s, "pixels"}, {u"text/html"_s, "<b>x</b>"}}};
     const auto before = m->machine.pasteboard.contents;
     m->host();
-    m->dictate(u" um hello there dear world \n"_s, u"Hello there, dear world."_s);
+    m->speak();
+    QCOMPARE(m->machine.pasteboard.asked, 1); // its owner delivers while the service works
+    m->answerText(u" um hello there dear world \n"_s);
+    m->answerText(u"Hello there, dear world."_s);
+    QCOMPARE(m->machine.pasteboard.asked, 1);
     QCOMPARE(m->flow().state(), FlowState::processing);
     QCOMPARE(m->flow().lastTranscript(), u"Hello there, dear world."_s);
     QVERIFY(m->machine.keyPoster.posted.isEmpty());
@@ -147,6 +158,7 @@ void FlowControllerTest::aShortRecordingLeavesNoTrace_data()
 {
     QTest::addColumn<int>("milliseconds");
     QTest::addColumn<bool>("isKept");
+    QTest::newRow("both taps before anything could run") << -1 << false;
     QTest::newRow("at once") << 0 << false;
     QTest::newRow("just under") << 399 << false;
     QTest::newRow("exactly the minimum") << 400 << false;
@@ -158,8 +170,12 @@ void FlowControllerTest::aShortRecordingLeavesNoTrace()
     QFETCH(int, milliseconds);
     QFETCH(bool, isKept);
     m->host();
-    m->tapShortcut();
-    m->machine.clock.advance(std::chrono::milliseconds(milliseconds));
+    if (milliseconds >= 0) {
+        m->tapShortcut();
+        m->machine.clock.advance(std::chrono::milliseconds(milliseconds));
+    } else {
+        m->machine.keyTaps.send({KeyEventType::keyDown, 49, KeyFlags::fn, false});
+    }
     m->tapShortcut();
     QCOMPARE(m->flow().state(), isKept ? FlowState::processing : FlowState::idle);
     QCOMPARE(m->overlay().isVisible(), isKept);
@@ -228,10 +244,7 @@ void FlowControllerTest::aRecordingThatCannotStartSaysWhy_data()
         "one byte too few", [](FakeMachine &machine) { machine.volumes.capacity = 52428799; },
         u"Not enough disk space to record. Free up 50 MB and try again"_s);
     row(
-        "not prepared", [](FakeMachine &machine) { machine.microphone.prepares = false; },
-        u"Microphone is busy or unavailable"_s);
-    row(
-        "not recording", [](FakeMachine &machine) { machine.microphone.records = false; },
+        "busy", [](FakeMachine &machine) { machine.microphone.records = false; },
         u"Microphone is busy or unavailable"_s);
     row(
         "no file", [](FakeMachine &machine) { machine.microphone.openError = u"The folder is gone."_s; },
@@ -394,6 +407,7 @@ void FlowControllerTest::aCaptureTakesTheTranscript()
     QCOMPARE(m->flow().lastTranscript(), captured);
     QVERIFY(m->host().history().records().isEmpty());
     QCOMPARE(m->machine.pasteboard.count, 1);
+    QCOMPARE(m->machine.pasteboard.asked, 0);
     // It is taken once.
     m->dictate(u"next"_s, {});
     QCOMPARE(captured, u"what is this"_s);
@@ -435,9 +449,6 @@ void FlowControllerTest::theMeterShowsTheLevel()
     m->machine.microphone.power = 0;
     m->machine.clock.advance(30 * 50ms);
     QCOMPARE(m->overlayModel().levels(), QList<double>(24, 1.0));
-    m->machine.microphone.isLost = true;
-    m->machine.clock.advance(50ms);
-    QCOMPARE(m->overlayModel().levels().last(), 0.0);
     m->tapShortcut();
     QCOMPARE(m->overlayModel().levels(), QList<double>(24, 0.0));
 }
@@ -557,28 +568,213 @@ void FlowControllerTest::soundsCanBeSwitchedOff()
     QVERIFY(m->machine.sounds.played.isEmpty());
 }
 
-void FlowControllerTest::aLostMicrophoneStillTranscribesWhatItHeard()
+void FlowControllerTest::aLossDeliversWhatWasHeard_data()
 {
+    using Lose = void (*)(FakeMicrophone &);
+    QTest::addColumn<Lose>("lose");
+    QTest::addColumn<QString>("sentence");
+    QTest::addColumn<bool>("isDelivered");
+    const auto row = [](const char *name, Lose lose, const QString &sentence, bool isDelivered) {
+        QTest::newRow(name) << lose << sentence << isDelivered;
+    };
+    const QString microphoneLost = u"Microphone lost, transcribing what was heard"_s;
+    row(
+        "unplugged", [](FakeMicrophone &microphone) { microphone.loss = Recording::Loss::microphone; }, microphoneLost,
+        true);
+    row(
+        "no samples", [](FakeMicrophone &microphone) { microphone.isDumb = true; }, microphoneLost, true);
+    row(
+        "disk full", [](FakeMicrophone &microphone) { microphone.loss = Recording::Loss::disk; },
+        u"Disk full, transcribing what was heard"_s, true);
+    row(
+        "nothing heard from it",
+        [](FakeMicrophone &microphone) {
+            microphone.isDumb = true;
+            microphone.fileSize = 44;
+        },
+        u"Microphone is busy or unavailable"_s, false);
+    row(
+        "no room for anything",
+        [](FakeMicrophone &microphone) {
+            microphone.loss = Recording::Loss::disk;
+            microphone.fileSize = 44;
+        },
+        u"Not enough disk space to record. Free up 50 MB and try again"_s, false);
+}
+
+void FlowControllerTest::aLossDeliversWhatWasHeard()
+{
+    using Lose = void (*)(FakeMicrophone &);
+    QFETCH(Lose, lose);
+    QFETCH(QString, sentence);
+    QFETCH(bool, isDelivered);
     m->host();
     m->tapShortcut();
     m->machine.clock.advance(5s);
-    m->machine.microphone.isLost = true;
-    m->machine.clock.advance(5s);
-    m->tapShortcut();
+    lose(m->machine.microphone);
+    m->machine.clock.advance(m->machine.microphone.loss ? 50ms : 2950ms);
+    QCOMPARE(m->flow().state(), m->machine.microphone.loss && isDelivered ? FlowState::processing
+                                : m->machine.microphone.loss              ? FlowState::idle
+                                                                          : FlowState::recording);
+    m->machine.clock.advance(50ms);
+    QCOMPARE(m->overlayModel().message(), sentence);
+    QCOMPARE(m->overlayModel().tone(), isDelivered ? OverlayTone::warning : OverlayTone::failure);
+    QVERIFY(!m->flow().hotkey()->interceptEscape());
+    QCOMPARE(m->flow().state(), isDelivered ? FlowState::processing : FlowState::idle);
+    if (!isDelivered)
+        return;
     m->answerText(u"what was heard"_s);
     m->finishPaste();
     QCOMPARE(m->machine.keyPoster.clipboardWhenPosted, QStringList{u"what was heard"_s});
+}
+
+void FlowControllerTest::theKeystrokeWaitsForTheDisk_data()
+{
+    QTest::addColumn<int>("diskMs"); // until the disk has done its work
+    QTest::addColumn<int>("keysMs"); // from the answer to the keystroke
+    QTest::newRow("faster than the window") << 20 << 50;
+    QTest::newRow("slow") << 400 << 400;
+    QTest::newRow("hangs") << 60000 << 5050;
+}
+
+void FlowControllerTest::theKeystrokeWaitsForTheDisk()
+{
+    QFETCH(int, diskMs);
+    QFETCH(int, keysMs);
+    m->machine.defaults.values.insert(u"cleanupEnabled"_s, false);
+    m->host();
+    m->speak();
+    m->machine.background.held = true;
+    const auto disk =
+        m->machine.clock.after(std::chrono::milliseconds(diskMs), [&] { m->machine.background.release(); });
+    m->answerText(u"words"_s);
+    QCOMPARE(m->machine.folders.recordings().size(), 1); // the words are nowhere else yet
+    m->machine.clock.advance(std::chrono::milliseconds(keysMs - 1));
+    QVERIFY(m->machine.keyPoster.posted.isEmpty());
+    m->machine.clock.advance(1ms);
+    QCOMPARE(m->machine.keyPoster.clipboardWhenPosted, QStringList{u"words"_s});
+    QCOMPARE(m->machine.folders.recordings().size(), diskMs > keysMs ? 1 : 0);
+    m->finishPaste();
+    QCOMPARE(m->flow().state(), FlowState::idle);
+    m->machine.clock.advance(60s);
+    QVERIFY(m->machine.folders.recordings().isEmpty());
+    m->quit();
+    QCOMPARE(m->host().history().records().first().text, u"words"_s);
+}
+
+/// A sound server that hangs costs nobody else anything.
+void FlowControllerTest::aMicrophoneThatTakesItsTimeIsWaitedForByNobody()
+{
+    m->host();
+    m->machine.microphone.answers = false;
+    m->tapShortcut();
+    QCOMPARE(m->flow().state(), FlowState::idle);
+    QVERIFY(!m->overlay().isVisible());
+    m->tapShortcut(); // gives up
+    m->machine.microphone.answer();
+    QCOMPARE(m->flow().state(), FlowState::idle);
+
+    m->machine.microphone.answers = false;
+    m->tapShortcut();
+    m->machine.microphone.answer();
+    QCOMPARE(m->flow().state(), FlowState::recording);
+    m->machine.clock.advance(2s);
+    m->machine.microphone.answers = false;
+    m->tapShortcut();
+    m->tapShortcut();
+    QCOMPARE(m->tapEscape(), KeyVerdict::pass);
+    QVERIFY(m->machine.http.requests.isEmpty());
+    m->machine.clock.advance(2s); // what was heard is in the file all the same
+    QCOMPARE(m->flow().state(), FlowState::processing);
+    m->machine.microphone.answer();
+    QCOMPARE(m->flow().state(), FlowState::processing);
+    m->answerText(u"all of it"_s);
+    m->finishPaste();
+    QCOMPARE(m->host().history().records().first().durationSeconds, 2.0);
+
+    // The program may end at any of these moments.
+    m->machine.microphone.answers = false;
+    m->tapShortcut();
+    m->quit();
+    m->machine.microphone.answer();
+    QVERIFY(m->machine.folders.recordings().isEmpty());
+}
+
+void FlowControllerTest::whoLeavesIsHeardButNotTypedFor()
+{
+    m->host();
+    m->tapShortcut();
+    QCOMPARE(m->machine.presence.delays, 1);
+    m->machine.clock.advance(2s);
+    m->machine.presence.leave();
+    QCOMPARE(m->flow().state(), FlowState::processing);
+    m->answerText(u"so far"_s);
+    QCOMPARE(m->flow().state(), FlowState::idle);
+    QCOMPARE(m->machine.presence.delays, 0);
+    QCOMPARE(m->machine.pasteboard.text(), u"so far"_s);
+    QVERIFY(m->machine.keyPoster.posted.isEmpty());
+    QCOMPARE(m->host().history().records().size(), 1);
+    m->machine.clock.advance(1h);
+    QVERIFY(!m->overlay().isVisible());
+    m->machine.presence.comeBack();
+    QVERIFY(m->overlay().isVisible());
+    QCOMPARE(m->overlayModel().message(), u"Copied to clipboard while you were away."_s);
+    m->dictate(u"again"_s, {});
+    m->finishPaste();
+    QCOMPARE(m->machine.keyPoster.clipboardWhenPosted, QStringList{u"again"_s});
+
+    m->dictate(u"just then"_s, {});
+    m->machine.keyPoster.whileWaiting = [this] { m->machine.presence.leave(); };
+    m->finishPaste();
+    QCOMPARE(m->machine.keyPoster.posted.size(), 1);
+    QCOMPARE(m->machine.pasteboard.text(), u"just then"_s);
+
+    m->machine.presence.comeBack();
+    m->machine.background.held = true;
+    m->tapShortcut();
+    m->machine.clock.advance(2s);
+    m->machine.presence.leave();
+    m->answerText(u"disk first"_s);
+    QCOMPARE(m->machine.presence.delays, 1);
+    m->machine.background.release();
+    QCOMPARE(m->machine.presence.delays, 0);
+}
+
+void FlowControllerTest::aFailedDictationIsKeptOnlyIfWanted_data()
+{
+    QTest::addColumn<bool>("isWanted");
+    QTest::addColumn<int>("status");
+    QTest::newRow("not wanted") << false << 402;
+    QTest::newRow("refused") << true << 402;
+    QTest::newRow("no words in it") << true << 200;
+}
+
+void FlowControllerTest::aFailedDictationIsKeptOnlyIfWanted()
+{
+    QFETCH(bool, isWanted);
+    QFETCH(int, status);
+    if (isWanted)
+        m->machine.defaults.values.insert(u"keepFailedRecordings"_s, true);
+    QStringList kept;
+    connect(&m->flow(), &FlowController::recordingKept, this, [&kept](const QString &path) { kept.append(path); });
+    m->speak();
+    m->machine.http.answer(status, R"({"text": " "})");
+    QCOMPARE(m->flow().state(), FlowState::idle);
+    QCOMPARE(kept, isWanted ? QStringList{m->machine.microphone.lastPath} : QStringList());
+    QCOMPARE(m->machine.folders.recordings().size(), isWanted ? 1 : 0);
 }
 
 void FlowControllerTest::leavingInTheMiddleKeepsWhatIsNotSafeYet_data()
 {
     QTest::addColumn<int>("moment");
     QTest::addColumn<int>("kept");
-    QTest::newRow("recording") << 0 << 0;
+    QTest::newRow("recording") << 0 << 1;
+    QTest::newRow("recording next to nothing") << 6 << 0;
     QTest::newRow("transcribing") << 1 << 1;
     QTest::newRow("cleaning up") << 2 << 1;
     QTest::newRow("pasting") << 3 << 0;
     QTest::newRow("waiting to try again") << 4 << 1;
+    QTest::newRow("saving") << 5 << 0; // which is finished
 }
 
 void FlowControllerTest::leavingInTheMiddleKeepsWhatIsNotSafeYet()
@@ -586,13 +782,16 @@ void FlowControllerTest::leavingInTheMiddleKeepsWhatIsNotSafeYet()
     QFETCH(int, moment);
     QFETCH(int, kept);
     m->host();
-    if (moment == 0)
+    if (moment == 6)
+        m->machine.microphone.fileSize = 16000;
+    if (moment == 0 || moment == 6)
         m->tapShortcut();
     else
         m->speak();
-    if (moment == 2 || moment == 3)
+    m->machine.background.held = moment == 5;
+    if (moment == 2 || moment == 3 || moment == 5)
         m->answerText(u"one two three four"_s);
-    if (moment == 3)
+    if (moment == 3 || moment == 5)
         m->answerText(u"One two three four."_s);
     if (moment == 4)
         m->machine.http.answer(502, {});

@@ -136,7 +136,7 @@ void MenuViewTest::theMenuHoldsWhatTheStateAsksFor_data()
         "Fn + Space to start / stop|-|[Start Dictation]"_s);
     row(
         "signed out", [known](FlowFixture &at) { known(at), at.host().account().signOut(); },
-        u"Sayvane: ready|Answer mode on|Auto-detect|Fn + Space to start / stop|-|[Start Dictation]"_s);
+        u"Sayvane: ready|Auto-detect|Fn + Space to start / stop|-|[Start Dictation]"_s);
     row(
         "other preferences",
         [](FlowFixture &at) {

@@ -16,18 +16,22 @@ private Q_SLOTS:
     {
         FakeMachine machine;
         AudioRecorder recorder(machine.microphone, machine.folders, machine.volumes);
-        QCOMPARE(recorder.stop(), std::nullopt);
+        std::optional<QString> path;
+        const auto stopped = [&path](const std::optional<QString> &file) { path = file; };
+        recorder.stop(stopped);
+        QCOMPARE(path, std::nullopt);
         static const QRegularExpression name(u"/sayvane-[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\\.wav$"_s);
         QString last;
         for (int i = 0; i < 2; ++i) {
-            QVERIFY(recorder.start());
+            recorder.start([](const auto &started) { QVERIFY(started); });
             QVERIFY(recorder.recorder()->isRecording());
-            const auto path = recorder.stop();
+            recorder.stop(stopped);
             QVERIFY(path && name.match(*path).hasMatch() && path->startsWith(machine.folders.temporary()));
             QVERIFY(*path != last);
             last = *path;
             QCOMPARE(recorder.recorder(), nullptr);
-            QCOMPARE(recorder.stop(), std::nullopt);
+            recorder.stop(stopped);
+            QCOMPARE(path, std::nullopt);
         }
         const PcmFormat format = machine.microphone.lastFormat;
         QVERIFY(format.sampleRate == 16000 && format.channels == 1 && format.bitDepth == 16);

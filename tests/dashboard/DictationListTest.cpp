@@ -29,7 +29,7 @@ struct Fixture
         const QString folder = machine.folders.applicationSupport() + u"/Sayvane"_s;
         if (!QDir().mkpath(folder) || !AtomicFile::replace(folder + u"/history.json"_s, HistoryFile::encode(history)))
             qFatal("The history could not be written.");
-        m_store.emplace(machine.folders, machine.clock);
+        m_store.emplace(machine.folders, machine.clock, machine.background);
     }
 
     FakeMachine machine;

@@ -22,12 +22,13 @@ struct Fixture
 {
     VirtualClock clock;
     FakeFolders folders;
+    FakeBackground background;
     LogCapture log;
 
     HistoryStore &store()
     {
         if (!m_store)
-            m_store = std::make_unique<HistoryStore>(folders, clock);
+            m_store = std::make_unique<HistoryStore>(folders, clock, background);
         return *m_store;
     }
     HistoryStore &reopened()
@@ -95,6 +96,8 @@ private Q_SLOTS:
     void aFailedWriteKeepsTheOldFileAndIsTriedAgain();
     void aFolderThatCannotBeMadeIsSaidOnce();
     void nobodyElseMayReadTheFile();
+    void aSlowDiskLosesNothing_data();
+    void aSlowDiskLosesNothing();
 
 private:
     std::unique_ptr<Fixture> m;
@@ -242,6 +245,44 @@ void HistoryStoreTest::nobodyElseMayReadTheFile()
     m->store().append(m->dictation(u"secret"_s));
     const auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
     QCOMPARE(QFile::permissions(m->path()) & others, QFile::Permissions());
+}
+
+void HistoryStoreTest::aSlowDiskLosesNothing_data()
+{
+    QTest::addColumn<bool>("leaves"); // before the disk has answered
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QStringList>("texts");
+    const QByteArray good = HistoryFile::encode({Fixture().dictation(u"old"_s, 1s)});
+    QTest::newRow("it answers") << false << good << QStringList{u"new"_s, u"old"_s};
+    QTest::newRow("the program ends first") << true << good << QStringList{u"new"_s, u"old"_s};
+    QTest::newRow("damaged, it ends first") << true << good.chopped(1) << QStringList{u"new"_s};
+}
+
+void HistoryStoreTest::aSlowDiskLosesNothing()
+{
+    QFETCH(bool, leaves);
+    QFETCH(QByteArray, before);
+    m->write(before);
+    const QString recording = m->folders.temporary() + u"/said.wav"_s;
+    QVERIFY(QFile(recording).open(QIODevice::WriteOnly));
+    bool settled = false;
+    const Dictation gone = m->dictation(u"gone"_s);
+    m->background.held = true;
+    m->store().append(gone);
+    m->store().append(m->dictation(u"new"_s), recording, [&] { settled = true; });
+    m->store().remove(gone);
+    QVERIFY(m->store().records().isEmpty()); // nothing before the file is read
+    QCOMPARE(m->read(), before);
+    QVERIFY(QFile::exists(recording) && !settled);
+    if (!leaves)
+        m->background.release();
+    QCOMPARE(settled, !leaves);
+    m->background.held = leaves;
+    m->reopened();
+    m->background.release();
+    QVERIFY(!QFile::exists(recording));
+    QTEST(m->texts(), "texts");
+    QCOMPARE(m->files().contains(quarantineName), before.back() != ']');
 }
 
 QTEST_GUILESS_MAIN(HistoryStoreTest)

@@ -1,13 +1,16 @@
-"""Usage: house_test.py SOURCE QT_HEADERS"""
+"""Usage: house_test.py SOURCE QT_HEADERS LUPDATE WORDINGS"""
 
 import pathlib
+import re
+import subprocess
 import sys
 import tempfile
 import unittest
+import xml.etree.ElementTree
 
 from arrows import House
 
-SOURCE, QT_HEADERS = sys.argv[1:3]
+SOURCE, QT_HEADERS, LUPDATE, WORDINGS = sys.argv[1:5]
 
 ROOMS = {
     "support/CMakeLists.txt": "sayvane_room(support\n    SOURCES Text.h\n    LINKS Qt6::Core\n)",
@@ -63,6 +66,46 @@ class HouseTest(unittest.TestCase):
                     self.assertTrue(any(complaint in each for each in complaints), complaints)
                 else:
                     self.assertEqual(complaints, [])
+
+
+# What a Linux desktop has no such thing of.
+FOREIGN = re.compile("[⌘⌃⌥⇧🌐]|\\bMac\\b|macOS|[Kk]eychain|System Settings|menu bar|\\bFn\\b|Input Monitoring|Accessibility")
+# Text that a person reads, in a page, past the door to the wordings: words in quotes that are no product's name.
+WORDED = re.compile(r'qsTr\("[^"]*"\)|""')
+BARE = re.compile(
+    r"\b(?:text|title|message|confirmText|placeholderText|help|Accessible\.(?:name|description)):"
+    r'.*"(?!Sayvane")[^"]*[A-Za-z]{2}[^"]*"')
+
+
+def texts(file):
+    """Each text of a translation file, by where it is said and what the source says: what is shown instead."""
+    return {
+        (context.findtext("name"), message.findtext("source")): message.findtext("translation")
+        for context in xml.etree.ElementTree.parse(file).iter("context")
+        for message in context.iter("message")
+    }
+
+
+class WordingTest(unittest.TestCase):
+    maxDiff = None
+
+    def test_the_wording_fits_the_source(self):
+        with tempfile.TemporaryDirectory() as folder:
+            found = f"{folder}/source.ts"
+            subprocess.run([LUPDATE, "-silent", SOURCE, "-ts", found], check=True, stderr=subprocess.DEVNULL)
+            source = texts(found)
+        wording = texts(f"{WORDINGS}/linux_en.ts")
+        self.assertGreater(len(source), 300)
+        self.assertEqual([each for each in wording if each not in source], [], "texts that the source has no more")
+        self.assertEqual([each for each, said in wording.items() if not said or said == each[1]], [], "not worded")
+        self.assertEqual([each for each in source if FOREIGN.search(wording.get(each, each[1]))], [],
+                         "texts that speak of another machine")
+
+    def test_pages_say_nothing_past_the_wording(self):
+        bare = [f"{page.name}: {line.strip()}"
+                for page in pathlib.Path(SOURCE).rglob("*.qml")
+                for line in page.read_text().splitlines() if BARE.search(WORDED.sub("", line))]
+        self.assertEqual(bare, [])
 
 
 if __name__ == "__main__":

@@ -42,7 +42,8 @@ struct Fixture : AccountFixture
 
     Credentials credentials{keychain, sessions};
     LabsClient labs{client, credentials, machine.http, machine.clock};
-    std::unique_ptr<LabsSession> session = std::make_unique<LabsSession>(labs, prefs, machine.clock);
+    std::unique_ptr<LabsSession> session =
+        std::make_unique<LabsSession>(LabsSession::Collaborators{labs, account, defaults, prefs, machine.clock});
     std::unique_ptr<LabsAnswerMode> mode = std::make_unique<LabsAnswerMode>(prefs, machine.clock);
 };
 
@@ -57,6 +58,7 @@ private Q_SLOTS:
     void cleanup() { m.reset(); }
 
     void offersWhatTheServiceOffers();
+    void followsWhoIsSignedInWhere();
     void sendsTheQuestion();
     void keepsTheLastFiveAnswers();
     void triesAgainOnce();
@@ -82,6 +84,57 @@ void LabsTest::offersWhatTheServiceOffers()
     QCOMPARE(offered(R"({"claude":false,"chatgpt":false})"), u"Labs is not offered on this server right now."_s);
     m->ask(u"x"_s); // nobody to ask
     QVERIFY(!m->session->busy());
+}
+
+void LabsTest::followsWhoIsSignedInWhere()
+{
+    const QByteArray both = R"({"claude":true,"chatgpt":true})";
+    const auto offered = [this] { return m->session->property("availableProviders").toStringList().join(u','); };
+    const auto signOut = [this] {
+        m->sessions.clear();
+        m->account.signOut();
+    };
+    // Whoever never opened the screen asks nobody.
+    signOut();
+    m->signIn(u"svs_1"_s);
+    QVERIFY(m->machine.http.requests.isEmpty());
+    // Opened before signing in, it comes to life.
+    signOut();
+    m->session->setDidLoadProviders(true);
+    m->session->loadProviders();
+    QCOMPARE(m->session->providersError(), u"Sign in under Settings to start dictating"_s);
+    m->signIn(u"svs_2"_s);
+    QCOMPARE(m->sent(), u"GET /v1/labs/providers svs_2 "_s);
+    m->machine.http.answer(200, both);
+    QCOMPARE(offered() + m->session->providersError(), u"claude,chatgpt"_s);
+
+    // Another service is asked at once, and the one from before no more.
+    m->defaults.set(PrefsKey::accountBaseURL, u"https://slow.test"_s);
+    QCOMPARE(offered(), QString());
+    m->defaults.set(PrefsKey::accountBaseURL, u"https://other.test"_s);
+    QVERIFY(m->machine.http.waiting() == 1 && m->session->loadingProviders());
+    QCOMPARE(m->machine.http.requests.last().url.host(), u"other.test"_s);
+    m->machine.http.answer(200, R"({"claude":false,"chatgpt":true})");
+    QCOMPARE(offered(), u"chatgpt"_s);
+
+    // Signing out leaves nothing behind, nor does a question that is under way.
+    m->session->setContext(u"their letter"_s);
+    m->ask(u"first"_s);
+    m->machine.http.answer(200, R"({"text":"answer"})");
+    m->ask(u"second"_s);
+    signOut();
+    QVERIFY(m->machine.http.waiting() == 0 && !m->session->busy() && !m->session->loadingProviders());
+    QCOMPARE(m->session->prompt() + m->session->context() + m->session->error() + offered(), QString());
+    QVERIFY(!m->session->answer() && m->session->history().isEmpty());
+
+    // A session that the question itself shows to be over is told.
+    m->machine.http.willAnswer(200, both);
+    m->signIn(u"svs_3"_s);
+    m->ask(u"third"_s);
+    m->machine.http.answer(401, {});
+    QVERIFY(!m->account.signedIn() && !m->session->busy() && m->session->prompt().isEmpty());
+    QCOMPARE(m->session->error(), u"Signed out. Sign in again in Settings."_s);
+    QCOMPARE(m->session->providersError(), u"Sign in under Settings to start dictating"_s);
 }
 
 void LabsTest::sendsTheQuestion()

@@ -5,6 +5,7 @@
 #include "support/VirtualClock.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFontInfo>
 #include <QGuiApplication>
 #include <QTest>
@@ -92,6 +93,7 @@ private Q_SLOTS:
         QTest::newRow("300 characters") << longMessage << QRect(1920, 24, 1440, 876) << 520 << 5;
         QTest::newRow("narrow screen") << u"Copied to clipboard."_s << QRect(0, 0, 200, 800) << 180 << 2;
         QTest::newRow("lines of its own") << u"a\nb\nc"_s << QRect(0, 0, 1440, 900) << 180 << 3;
+        QTest::newRow("2,000,000 characters") << u"🙂x "_s.repeated(500'000) << QRect(0, 0, 1440, 900) << 520 << 20;
     }
 
     void thePanelStandsLowInTheMiddle()
@@ -102,7 +104,10 @@ private Q_SLOTS:
         QFETCH(const int, lines);
         Fixture f;
         f.desktop.visibleFrame = screen;
+        QElapsedTimer timer;
+        timer.start();
         f.overlay.show(FlowState::idle, message, OverlayTone::failure);
+        QVERIFY2(timer.elapsed() < 1000, "everything waits for it");
         QCOMPARE(f.desktop.frame.width(), width);
         QCOMPARE(qRound((f.desktop.frame.height() - 18) / 16.0), lines);
         QCOMPARE(f.desktop.frame.bottom() + 36, screen.bottom());

@@ -1,5 +1,6 @@
 #include "LoopbackService.h"
 
+#include "service/accounts/SignInCode.h"
 #include "service/machine/Certificate.h"
 
 #include <QJsonDocument>
@@ -19,13 +20,14 @@ std::filesystem::path ensured(const std::filesystem::path &certificate, const st
 
 LoopbackService::Running::Running(LoopbackService &owner, AccountRoutes::SignUps signUps)
     : accounts(owner.path("db"), owner.clock()),
-      signIns(owner.path("db"), owner.clock()),
+      signIns(owner.path("db"), SignInCode::keyIn(owner.path("code.key")), owner.clock()),
       server(ensured(owner.path("certificate.pem"), owner.path("key.pem")), owner.path("key.pem")),
       routes(server, accounts, signIns, signUps,
              [&owner](const SignIns::Code &code, const std::string &, const std::string &device) {
                  const std::lock_guard lock(owner.m_mutex);
                  owner.m_code = QString::fromStdString(code.digits);
                  owner.m_device = QString::fromStdString(device);
+                 return owner.m_outcome.load();
              }),
       labs(server, accounts, *owner.m_assistants),
       port(server.bind("127.0.0.1", 0)),

@@ -19,11 +19,14 @@ public:
     explicit LoopbackService(AccountRoutes::SignUps signUps = AccountRoutes::SignUps::open);
     ~LoopbackService();
 
+    /// What becomes of the codes that are sent from now on.
+    void setDelivery(Mailer::Outcome outcome) { m_outcome = outcome; }
     void end() { m_running.reset(); }
     /// Ends the server and starts another one on the same data.
     void restart(AccountRoutes::SignUps signUps = AccountRoutes::SignUps::open);
     /// The assistants that the next server has.
     void configure(const Assistants &assistants) { m_assistants = std::make_unique<Assistants>(assistants); }
+    std::chrono::sys_seconds now() const { return clock()(); }
     void advance(std::chrono::seconds time) { m_seconds += time.count(); }
 
     Exchange::Answer post(const char *path, const QJsonObject &body, const QByteArray &token = {});
@@ -57,6 +60,7 @@ private:
 
     QTemporaryDir m_folder;
     std::atomic<std::int64_t> m_seconds;
+    std::atomic<Mailer::Outcome> m_outcome = Mailer::Outcome::sent;
     std::mutex m_mutex; // for what is shown, by the server's threads
     QString m_code;
     QString m_device;

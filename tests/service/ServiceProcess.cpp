@@ -64,10 +64,10 @@ ServiceProcess::Output ServiceProcess::run(const QStringList &arguments) const
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
-QByteArray ServiceProcess::session(int dailyMinutes) const
+QByteArray ServiceProcess::session(int dailyMinutes, const QString &email) const
 {
-    return run({u"session"_s, u"--email"_s, u"maren@example.com"_s, u"--daily-minutes"_s, QString::number(dailyMinutes),
-                u"--data"_s, folder()})
+    return run({u"session"_s, u"--email"_s, email, u"--daily-minutes"_s, QString::number(dailyMinutes), u"--data"_s,
+                folder()})
         .out.trimmed();
 }
 

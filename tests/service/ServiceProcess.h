@@ -28,7 +28,7 @@ public:
     };
     Output run(const QStringList &arguments) const;
     /// The token of a new session.
-    QByteArray session(int dailyMinutes = 60) const;
+    QByteArray session(int dailyMinutes = 60, const QString &email = QStringLiteral("maren@example.com")) const;
 
     bool isRunning() const { return m_process.state() == QProcess::Running; }
     quint16 port() const { return m_port; }

@@ -2,6 +2,7 @@
 
 #include "support/FakeMachine.h"
 
+#include <QCoroTask>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -29,9 +30,11 @@ private Q_SLOTS:
         store.items.insert(account, "gsk_\xFF");
         QCOMPARE(keychain.read(account).value, std::nullopt);
         QVERIFY(keychain.read(account).isReliable());
-        store.findStatus = SecretStatus::interactionNotAllowed;
-        QCOMPARE(keychain.read(account).value, std::nullopt);
+        store.items.insert(account, "gsk_2");
+        store.setTrouble(SecretStatus::interactionNotAllowed);
         QVERIFY(!keychain.read(account).isReliable());
+        QCOMPARE(keychain.read(account).value, u"gsk_2"_s); // as it was last read
+        QVERIFY(Keychain(store).read(account).isPending());
     }
 
     void saves_data()
@@ -50,13 +53,16 @@ private Q_SLOTS:
     void saves()
     {
         FakeSecretStore store;
-        store.items = {{account, "old"}, {u"other"_s, "untouched"}};
+        store.items = FakeSecrets::Base{{account, "old"}, {u"other"_s, "untouched"}};
         QFETCH(QString, value);
         QFETCH(int32_t, removeStatus);
         QFETCH(int32_t, addStatus);
         store.removeStatus = removeStatus;
         store.addStatus = addStatus;
-        QCOMPARE(Keychain(store).save(value, account, accessibility), removeStatus + addStatus);
+        Keychain keychain(store);
+        QCOMPARE(QCoro::waitFor(keychain.save(value, account, accessibility)), removeStatus + addStatus);
+        QCOMPARE(keychain.read(account).value.value_or(u"none"_s),
+                 QString::fromUtf8(store.items.value(account, "none")));
         QTEST(store.items.value(account, "none"), "after");
         QCOMPARE(store.items.value(u"other"_s), "untouched");
         for (const QString &service : store.services)

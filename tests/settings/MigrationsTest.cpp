@@ -2,6 +2,7 @@
 
 #include "settings/Defaults.h"
 #include "settings/Keychain.h"
+#include "settings/Prefs.h"
 #include "support/FakeMachine.h"
 
 #include <QJsonDocument>
@@ -64,6 +65,8 @@ private Q_SLOTS:
     void bringsAnInstallationUpToDate();
     void aFailingKeychainLosesNothing_data();
     void aFailingKeychainLosesNothing();
+    void nothingIsDecidedBeforeTheKeyringAnswers_data();
+    void nothingIsDecidedBeforeTheKeyringAnswers();
     void anyOldPreferenceMarksAnInstallation();
 };
 
@@ -148,12 +151,10 @@ void MigrationsTest::aFailingKeychainLosesNothing_data()
     QTest::addColumn<QByteArray>("keysOnceItWorks");
     const auto row = [](const char *name, Break breakIt, const QByteArray &groq, const QByteArray &openAI,
                         const QByteArray &keys) { QTest::newRow(name) << breakIt << groq << openAI << keys; };
-    const Break noGroq = [](FakeSecretStore &s) { s.unreadable = QStringList{groqAccount}; };
-    const Break noOpenAI = [](FakeSecretStore &s) { s.unreadable = QStringList{openAIAccount}; };
+    const Break refused = [](FakeSecretStore &s) { s.findStatus = SecretStatus::authFailed; };
     const Break noAdd = [](FakeSecretStore &s) { s.addStatus = SecretStatus::ioError; };
     const Break noRemove = [](FakeSecretStore &s) { s.removeStatus = SecretStatus::authFailed; };
-    row("groq unreadable", noGroq, "", "sk-1", "|sk-1");
-    row("openai unreadable", noOpenAI, "sk-1", "", "|sk-1");
+    row("refused", refused, "sk-1", "", "|sk-1");
     row("cannot add groq", noAdd, "", "gsk_1", "gsk_1|");
     row("cannot remove the copy", noRemove, "gsk_1", "gsk_1", "gsk_1|");
     row("cannot remove the moved key", noRemove, "", "gsk_1", "gsk_1|");
@@ -178,12 +179,60 @@ void MigrationsTest::aFailingKeychainLosesNothing()
     QVERIFY(!user.store.values.contains(u"keychainKeysMigrated"_s));
     // The next launch tries again.
     FakeSecretStore working;
-    working.items = user.secrets.items;
+    working.items = user.secrets.items.all();
     Defaults defaults(user.store);
     Keychain keychain(working);
     Migrations(defaults, keychain).run();
     QTEST(working.items.value(groqAccount) + '|' + working.items.value(openAIAccount), "keysOnceItWorks");
     QCOMPARE(user.store.value(u"keychainKeysMigrated"_s), QJsonValue(true));
+}
+
+void MigrationsTest::nothingIsDecidedBeforeTheKeyringAnswers_data()
+{
+    QTest::addColumn<int32_t>("trouble"); // success: it hangs
+    QTest::addColumn<QByteArray>("openAIKey");
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<QString>("after");
+    const auto row = [](const char *name, int32_t trouble, const QByteArray &key, const QString &before,
+                        const QString &after) { QTest::newRow(name) << trouble << key << before << after; };
+    row("locked, new user", SecretStatus::interactionNotAllowed, "", {}, u"sayvane"_s);
+    row("locked, own key", SecretStatus::interactionNotAllowed, "sk-1", {}, u"openai"_s);
+    row("in trouble, own key", SecretStatus::ioError, "sk-1", {}, u"openai"_s);
+    row("hanging, new user", SecretStatus::success, "", {}, u"sayvane"_s);
+    row("hanging, own key", SecretStatus::success, "sk-1", {}, u"openai"_s);
+    row("not there: an empty one", SecretStatus::notAvailable, "", u"sayvane"_s, u"sayvane"_s);
+}
+
+void MigrationsTest::nothingIsDecidedBeforeTheKeyringAnswers()
+{
+    QFETCH(int32_t, trouble);
+    QFETCH(QByteArray, openAIKey);
+    QFETCH(QString, after);
+    Installation user;
+    user.setKey(openAIAccount, openAIKey);
+    user.secrets.findStatus = trouble;
+    user.secrets.setHangs(trouble == SecretStatus::success);
+    Keychain keychain(user.secrets);
+    Defaults defaults(user.store);
+    Prefs prefs(defaults, u"https://service.test"_s);
+    prefs.registerDefaults(keychain);
+    QTEST(user.store.value(u"provider"_s).toString(), "before");
+    QVERIFY(prefs.provider() == Provider::sayvane && prefs.transcriptionModel().isEmpty());
+    QVERIFY(!user.store.values.contains(u"keychainKeysMigrated"_s));
+    defaults.set(u"soundsEnabled"_s, false);          // by the user, meanwhile: no mark of an earlier version
+    if (!user.store.values.contains(u"provider"_s)) { // nor is it one at the next start
+        Installation later;
+        later.store.values = user.store.values;
+        later.setKey(openAIAccount, openAIKey);
+        later.launch();
+        QCOMPARE(later.store.value(u"provider"_s).toString(), after);
+        QVERIFY(!later.store.values.contains(u"firstStartUndecided"_s));
+    }
+    user.secrets.setHangs(false);
+    user.secrets.setTrouble(SecretStatus::success);
+    QCOMPARE(user.store.value(u"provider"_s).toString(), after);
+    QCOMPARE(prefs.transcriptionModel(), Prefs::defaultModel(prefs.provider(), ModelPurpose::transcription));
+    QVERIFY(user.store.values.contains(u"keychainKeysMigrated"_s));
 }
 
 void MigrationsTest::anyOldPreferenceMarksAnInstallation()

@@ -102,7 +102,7 @@ void CleanupTest::asksInTheModelsForm()
     QCOMPARE(request.url.toString(), isGroq ? u"https://api.groq.com/openai/v1/chat/completions"_s
                                             : u"https://api.openai.com/v1/chat/completions"_s);
     QCOMPARE(request.method, "POST");
-    QVERIFY(request.timeout == std::chrono::seconds(60));
+    QVERIFY(request.timeout == std::chrono::seconds(60) && request.largestAnswer == 1 << 20);
     QCOMPARE(request.headers,
              (QList<std::pair<QByteArray, QByteArray>>{{"Authorization", isGroq ? "Bearer gsk_1" : "Bearer sk-1"},
                                                        {"Content-Type", "application/json"}}));
@@ -221,6 +221,7 @@ void CleanupTest::asksTheService()
     QCOMPARE(request.headers, (QList<std::pair<QByteArray, QByteArray>>{{"Authorization", "Bearer svs_1"},
                                                                         {"Content-Type", "application/json"}}));
     QVERIFY(request.method == "POST" && request.timeout == std::chrono::seconds(60));
+    QCOMPARE(request.largestAnswer, 1 << 20);
     const QJsonObject expected{{u"text"_s, spoken}, {u"language"_s, u"gu"_s}, {u"vocabulary"_s, u"Tobin"_s}};
     QCOMPARE(bodyOf(request), expected);
 }

@@ -140,6 +140,7 @@ void ModelsTest::listsWhatIsOffered()
     QCOMPARE(request.headers.contains({"Accept", "application/json"}), provider == Provider::sayvane);
     QVERIFY(request.headers.contains({"Authorization", "Bearer " + key}));
     QVERIFY(request.method == "GET" && request.timeout == 30s && request.body.isEmpty());
+    QCOMPARE(request.largestAnswer, request.url.path().endsWith("/models"_L1) ? 4 << 20 : 256 << 10);
     if (provider != Provider::sayvane)
         QVERIFY(request.url.path().endsWith(u"/v1/models"_s));
     m->secrets().items.clear();

@@ -26,7 +26,7 @@ private Q_SLOTS:
     void stoppingEndsTheWait();
     void explainsARefusal_data();
     void explainsARefusal();
-    void aSecondRejectionSignsNobodyOut();
+    void lateNewsOfASessionChangesNoOther();
     void keepsAccountOfTheTimeLeft();
 
 private:
@@ -124,6 +124,8 @@ void ServiceTest::explainsARefusal_data()
     row("429, overdrawn", 429, R"({"remainingSeconds":-5})", u"Sayvane: HTTP 429"_s, 0);
     row("429, a fraction", 429, R"({"error":{"message":"m"},"remainingSeconds":0.5})", u"Sayvane: HTTP 429"_s);
     row("429, a message", 429, R"({"error":{"message":" Slow. "},"remainingSeconds":9})", u"Sayvane:  Slow. "_s, 9);
+    row("a message without end", 400, "{\"error\":{\"message\":\"" + QByteArray(2'000'000, 'x') + "\"}}",
+        u"Sayvane: "_s + QString(1000, u'x') + u'…');
     row("403", 403, R"({"error":{"code":"x","message":"m"}})",
         u"Sayvane: this account cannot be used. Please get in touch."_s);
     row("a code", 400, R"({"error":{"code":" Bad_Audio "}})", u"Sayvane: bad_audio"_s);
@@ -155,13 +157,31 @@ void ServiceTest::explainsARefusal()
     expectOutcome();
 }
 
-void ServiceTest::aSecondRejectionSignsNobodyOut()
+void ServiceTest::lateNewsOfASessionChangesNoOther()
 {
     QSignalSpy rejections(&m->account, &AccountStatus::sessionRejected);
-    m->transcribe();
-    m->sessions.clear(); // signed out meanwhile
-    m->http().answer(401, {});
-    QVERIFY(m->outcome().startsWith(u"! Sayvane: "_s));
+    const QByteArray news = R"({"text":"hi","error":{"message":"Late."},"remainingSeconds":5})";
+    for (const bool isNewer : {false, true}) { // or there is none
+        for (const QList<int> &statuses : {QList{200}, QList{401}, QList{502, 401}, QList{429}}) {
+            m->sessions.save(u"svs_1"_s);
+            m->transcribe();
+            m->sessions.clear();
+            m->account.signOut();
+            if (isNewer) {
+                m->sessions.save(u"svs_2"_s);
+                m->account.adopt({.token = u"svs_2"_s, .email = u"a@b.test"_s, .expiresAt = {}});
+            }
+            for (const int status : statuses) {
+                m->http().answer(status, news);
+                m->machine.clock.advance(1500ms);
+            }
+            const QString outcome = m->outcome();
+            QVERIFY2(outcome == u"hi" || outcome.startsWith(u"! Sayvane: "_s), qPrintable(outcome));
+            QCOMPARE(m->sessions.token(), isNewer ? std::optional(u"svs_2"_s) : std::nullopt);
+            QCOMPARE(m->account.signedIn(), isNewer);
+            QCOMPARE(m->account.remainingSeconds(), std::nullopt);
+        }
+    }
     QCOMPARE(rejections.size(), 0);
 }
 

@@ -95,7 +95,7 @@ void TranscriptionTest::uploadsTheRecording()
                           "Content-Type: audio/wav\r\n\r\n" +
                           m->recording + "\r\n--BOUNDARY--\r\n";
     QCOMPARE(request.body, expected.replace("BOUNDARY", match.captured(1).toUtf8()));
-    QVERIFY(request.timeout == (provider == u"sayvane" ? 180s : 60s));
+    QVERIFY(request.timeout == (provider == u"sayvane" ? 180s : 60s) && request.largestAnswer == 1 << 20);
     QVERIFY(request.resourceTimeout == 180s);
     m->answerJson({{u"text"_s, u" untouched\n"_s}});
     QCOMPARE(m->outcome(), u" untouched\n"_s);
@@ -242,7 +242,8 @@ void TranscriptionTest::theProviderOfTheRequestIsTheOneBlamed()
 
 void TranscriptionTest::warmsUpOnceAMinute()
 {
-    const auto items = std::exchange(m->secrets().items, {});
+    const auto items = m->secrets().items.all();
+    m->secrets().items.clear();
     const auto warmUpsAfter = [this](Clock::Duration wait) {
         m->machine.clock.advance(wait);
         m->transcriber.warmUp(m->stop.get_token());
@@ -257,7 +258,7 @@ void TranscriptionTest::warmsUpOnceAMinute()
     QCOMPARE(request.url.toString(), u"https://api.groq.com/openai/v1/models"_s);
     QCOMPARE(request.method, "GET");
     QCOMPARE(request.headers, (QList<std::pair<QByteArray, QByteArray>>{{"Authorization", "Bearer gsk_1"}}));
-    QVERIFY(request.timeout == 10s && request.body.isEmpty());
+    QVERIFY(request.timeout == 10s && request.body.isEmpty() && request.largestAnswer == 4 << 20);
 }
 
 void TranscriptionTest::stoppingEndsItQuietly()

@@ -1,40 +1,80 @@
 #include "support/FakeMachine.h"
 
+#include "platform/Sleep.h"
+
 #include <QDir>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
-SecretStore::Found FakeSecretStore::find(const QString &service, const QString &account)
+QCoro::Task<SecretStore::Found> FakeSecretStore::find(QString service, QString account, Asking asking,
+                                                      std::stop_token stop)
 {
     services.append(service);
-    if (unreadable.contains(account))
-        return {std::nullopt, SecretStatus::interactionNotAllowed};
-    if (findStatus != SecretStatus::success)
-        return {std::nullopt, findStatus};
+    co_await answering(stop);
+    if (stop.stop_requested())
+        co_return Found{std::nullopt, SecretStatus::interactionNotAllowed};
+    const int32_t status = unreadable.contains(account) ? SecretStatus::interactionNotAllowed : findStatus;
+    if (status == SecretStatus::interactionNotAllowed && asking == Asking::allowed)
+        ++asked;
+    if (status != SecretStatus::success)
+        co_return Found{std::nullopt, status};
     if (!items.contains(account))
-        return {std::nullopt, SecretStatus::itemNotFound};
-    return {items.value(account), SecretStatus::success};
+        co_return Found{std::nullopt, SecretStatus::itemNotFound};
+    co_return Found{items.value(account), SecretStatus::success};
 }
 
-int32_t FakeSecretStore::add(const QString &service, const QString &account, const QByteArray &data,
-                             Accessibility accessibility)
+QCoro::Task<int32_t> FakeSecretStore::add(QString service, QString account, QByteArray data,
+                                          Accessibility accessibility)
 {
     services.append(service);
+    co_await answering({});
     if (items.contains(account))
-        return SecretStatus::duplicateItem;
+        co_return SecretStatus::duplicateItem;
     if (addStatus == SecretStatus::success) {
-        items.insert(account, data);
         accessibilities.insert(account, accessibility);
+        items.insert(account, data);
     }
-    return addStatus;
+    const int32_t status = addStatus;
+    co_return status;
 }
 
-int32_t FakeSecretStore::remove(const QString &service, const QString &account)
+QCoro::Task<int32_t> FakeSecretStore::remove(QString service, QString account)
 {
     services.append(service);
-    if (removeStatus != SecretStatus::success)
-        return removeStatus;
-    return items.remove(account) ? SecretStatus::success : SecretStatus::itemNotFound;
+    co_await answering({});
+    const int32_t status = removeStatus;
+    if (status != SecretStatus::success)
+        co_return status;
+    co_return items.remove(account) ? SecretStatus::success : SecretStatus::itemNotFound;
+}
+
+QCoro::Task<> FakeSecretStore::answering(std::stop_token stop)
+{
+    if (!m_hangs)
+        co_return;
+    const auto answer = std::make_shared<Completion<bool>>();
+    m_waiting.push_back(answer);
+    const std::function<void()> leave = [answer] { answer->complete(false); };
+    const std::stop_callback onStop(stop, leave);
+    const Completion<bool>::Awaiter awaiter{answer.get()};
+    co_await awaiter;
+}
+
+void FakeSecretStore::setHangs(bool hangs)
+{
+    m_hangs = hangs;
+    for (; !hangs && !m_waiting.empty(); m_waiting.pop_front()) {
+        const auto answer = m_waiting.front();
+        answer->complete(true);
+    }
+}
+
+void FakeSecretStore::setTrouble(int32_t status)
+{
+    findStatus = addStatus = removeStatus = status;
+    m_listeners.tell();
 }
 
 std::optional<QString> FakeSecretStore::message(int32_t status) const
@@ -42,6 +82,18 @@ std::optional<QString> FakeSecretStore::message(int32_t status) const
     if (status == SecretStatus::interactionNotAllowed)
         return u"The keyring is locked."_s;
     return std::nullopt;
+}
+
+QCoro::Task<QList<PasteboardItem>> FakePasteboard::items(std::chrono::milliseconds limit)
+{
+    ++asked;
+    const QList<PasteboardItem> there = contents;
+    const bool isSlow = !ours && ownerNeeds.count() > 0;
+    if (isSlow) {
+        const std::stop_token never;
+        co_await sleepFor(m_clock, std::min(ownerNeeds, limit), never);
+    }
+    co_return isSlow &&ownerNeeds > limit ? QList<PasteboardItem>() : there;
 }
 
 QString FakePasteboard::text() const
@@ -75,4 +127,19 @@ std::unique_ptr<LocalKeyMonitor> FakeLocalKeys::addMonitor(Handler handler)
 {
     m_handler = std::move(handler);
     return std::make_unique<Monitor>(*this);
+}
+
+class FakePresence::Delay final : public Presence::Wakefulness
+{
+public:
+    explicit Delay(int &held) : m_held(held) { ++m_held; }
+    ~Delay() override { --m_held; }
+
+private:
+    int &m_held;
+};
+
+std::unique_ptr<Presence::Wakefulness> FakePresence::delaySleep()
+{
+    return std::make_unique<Delay>(delays);
 }

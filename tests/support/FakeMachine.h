@@ -2,17 +2,21 @@
 
 #include "platform/AccessibilityTrust.h"
 #include "platform/Activation.h"
-#include "platform/AppearanceListeners.h"
+#include "platform/Appearance.h"
 #include "platform/Autostart.h"
+#include "platform/Background.h"
+#include "platform/Completion.h"
 #include "platform/ComputerName.h"
 #include "platform/DefaultsStore.h"
 #include "platform/FloatingPanels.h"
 #include "platform/Folders.h"
 #include "platform/Graphics.h"
 #include "platform/KeyPoster.h"
+#include "platform/Listeners.h"
 #include "platform/LocalKeys.h"
 #include "platform/Pasteboard.h"
 #include "platform/Platform.h"
+#include "platform/Presence.h"
 #include "platform/SecretStore.h"
 #include "platform/SoundPlayer.h"
 #include "platform/Volumes.h"
@@ -26,6 +30,11 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+#include <deque>
+#include <functional>
+#include <memory>
+#include <utility>
+
 /// Preferences in memory.
 class FakeDefaultsStore final : public DefaultsStore
 {
@@ -37,61 +46,135 @@ public:
     QHash<QString, QJsonValue> values;
 };
 
-/// A keyring in memory that can be told to fail.
+/// What a keyring holds, by account; it tells of every change.
+class FakeSecrets : private QHash<QString, QByteArray>
+{
+public:
+    using Base = QHash<QString, QByteArray>;
+    using Base::contains, Base::isEmpty, Base::value;
+
+    explicit FakeSecrets(std::function<void()> changed) : m_changed(std::move(changed)) {}
+    FakeSecrets(const FakeSecrets &) = delete;
+    FakeSecrets &operator=(const FakeSecrets &) = delete;
+    FakeSecrets &operator=(const Base &items)
+    {
+        Base::operator=(items);
+        m_changed();
+        return *this;
+    }
+    void insert(const QString &account, const QByteArray &data)
+    {
+        Base::insert(account, data);
+        m_changed();
+    }
+    bool remove(const QString &account)
+    {
+        const bool was = Base::remove(account);
+        m_changed();
+        return was;
+    }
+    void clear() { *this = Base(); }
+    const Base &all() const { return *this; }
+
+private:
+    std::function<void()> m_changed;
+};
+
+/// A keyring in memory that can be told to fail, and answers at once or when a test lets it.
 class FakeSecretStore final : public SecretStore
 {
 public:
-    Found find(const QString &service, const QString &account) override;
-    int32_t add(const QString &service, const QString &account, const QByteArray &data,
-                Accessibility accessibility) override;
-    int32_t remove(const QString &service, const QString &account) override;
+    ~FakeSecretStore() override { setHangs(false); }
+
+    QCoro::Task<Found> find(QString service, QString account, Asking asking, std::stop_token stop) override;
+    QCoro::Task<int32_t> add(QString service, QString account, QByteArray data, Accessibility accessibility) override;
+    QCoro::Task<int32_t> remove(QString service, QString account) override;
+    void follow(const Listener &listener) override { m_listeners.add(listener); }
     std::optional<QString> message(int32_t status) const override;
 
-    QHash<QString, QByteArray> items; ///< by account
+    /// While it hangs it answers nothing; then everything that was asked, in order.
+    void setHangs(bool hangs);
+    /// Every operation fails with the status from now on, or works with 0; whoever listens is told.
+    void setTrouble(int32_t status);
+
+    FakeSecrets items{[this] { m_listeners.tell(); }};
     QHash<QString, Accessibility> accessibilities;
     int32_t findStatus = SecretStatus::success; ///< anything else fails every look-up
     QStringList unreadable;                     ///< accounts whose look-up alone fails
     QStringList services;                       ///< every service asked for
     int32_t addStatus = SecretStatus::success;
     int32_t removeStatus = SecretStatus::success;
+    int asked = 0; ///< how often its owner would have been asked to open it
+
+private:
+    QCoro::Task<> answering(std::stop_token stop);
+
+    Listeners m_listeners;
+    bool m_hangs = false;
+    std::deque<std::shared_ptr<Completion<bool>>> m_waiting;
 };
 
 /// A clipboard in memory.
 class FakePasteboard final : public Pasteboard
 {
 public:
-    QCoro::Task<QList<PasteboardItem>> items() override { co_return contents; }
+    explicit FakePasteboard(Clock &clock) : m_clock(clock) {}
+
+    QCoro::Task<QList<PasteboardItem>> items(std::chrono::milliseconds limit) override;
     bool isReachable() const override { return reachable; }
     qint64 changeCount() const override { return count; }
-    void setString(const QString &text) override { setItems({{{QStringLiteral("text/plain"), text.toUtf8()}}}); }
-    void setItems(const QList<PasteboardItem> &items) override
-    {
-        contents = items;
-        ++count;
-    }
+    bool isOurs() const override { return ours; }
+    qint64 readCount() const override { return reads; }
+    void setItems(const QList<PasteboardItem> &items) override { replace(items, true); }
+    /// Another program copies a text.
+    void copy(const QString &text) { replace({{{QStringLiteral("text/plain"), text.toUtf8()}}}, false); }
     QString text() const;
 
     QList<PasteboardItem> contents;
     qint64 count = 1;
+    bool ours = false;
     bool reachable = true;
+    std::chrono::milliseconds ownerNeeds{0}; ///< for what it has copied
+    qint64 asked = 0;                        ///< how often we read
+    qint64 reads = 0;                        ///< how often others read what is ours
+
+private:
+    void setPlainText(const QString &text) override
+    {
+        replace({{{QStringLiteral("text/plain"), text.toUtf8()}}}, true);
+    }
+    void replace(const QList<PasteboardItem> &items, bool isOurs)
+    {
+        contents = items;
+        ours = isOurs;
+        ++count;
+    }
+
+    Clock &m_clock;
 };
 
 /// Notes what is typed.
 class FakeKeyPoster final : public KeyPoster
 {
 public:
-    QCoro::Task<bool> post(KeyChord chord) override
+    void prepare() override {}
+    QCoro::Task<bool> post(KeyChord chord, std::function<bool()> mayStill) override
     {
-        if (!works)
+        if (whileWaiting)
+            whileWaiting();
+        if (!works || !mayStill())
             co_return false;
         posted.append(chord);
         clipboardWhenPosted.append(pasteboard.text());
+        pasteboard.reads += isReadAtOnce;
         co_return true;
     }
     explicit FakeKeyPoster(FakePasteboard &watched) : pasteboard(watched) {}
 
     FakePasteboard &pasteboard;
     bool works = true;
+    std::function<void()> whileWaiting; ///< for the user to let go of the modifiers
+    bool isReadAtOnce = true;           ///< the application is not too busy to paste
     QList<KeyChord> posted;
     QStringList clipboardWhenPosted;
 };
@@ -145,6 +228,38 @@ public:
     bool on = false;
 };
 
+/// Does work at once, or when the test says so, as a slow disk would.
+class FakeBackground final : public Background
+{
+public:
+    void run(QObject &, std::function<void()> work, std::function<void()> then) override
+    {
+        m_waiting.append({std::move(work), std::move(then)});
+        if (!held)
+            release();
+    }
+    void finish() override
+    {
+        for (const auto &[work, then] : std::exchange(m_waiting, {}))
+            work();
+    }
+    void release()
+    {
+        held = false;
+        while (!m_waiting.isEmpty()) {
+            const auto [work, then] = m_waiting.takeFirst();
+            work();
+            if (then)
+                then();
+        }
+    }
+
+    bool held = false;
+
+private:
+    QList<std::pair<std::function<void()>, std::function<void()>>> m_waiting;
+};
+
 class FakeVolumes final : public Volumes
 {
 public:
@@ -195,8 +310,10 @@ class FakeActivation final : public Activation
 {
 public:
     void setPolicy(ActivationPolicy wanted) override { policy = wanted; }
+    bool tilesWindows() const override { return tiles; }
 
     ActivationPolicy policy = ActivationPolicy::accessory;
+    bool tiles = false;
 };
 
 class FakeGraphics final : public Graphics
@@ -219,7 +336,35 @@ public:
     AppearanceWishes wanted;
 
 private:
-    AppearanceListeners m_listeners;
+    Listeners m_listeners;
+};
+
+/// A user who comes and goes.
+class FakePresence final : public Presence
+{
+public:
+    bool isAway() const override { return away; }
+    void follow(const Listener &listener) override { m_listeners.add(listener); }
+    void followResume(const Listener &listener) override { m_resumeListeners.add(listener); }
+    std::unique_ptr<Wakefulness> delaySleep() override;
+
+    void leave() { become(true); }
+    void comeBack() { become(false); }
+    void wakeUp() { m_resumeListeners.tell(); }
+
+    bool away = false;
+    int delays = 0; ///< of sleep that are held
+
+private:
+    class Delay;
+    void become(bool wanted)
+    {
+        away = wanted;
+        m_listeners.tell();
+    }
+
+    Listeners m_listeners;
+    Listeners m_resumeListeners;
 };
 
 /// A machine for tests: public fields set the scene and tell what happened.
@@ -238,7 +383,7 @@ public:
     FakeMicrophone microphone;
     FakeSoundPlayer sounds;
     FakeKeyTaps keyTaps;
-    FakePasteboard pasteboard;
+    FakePasteboard pasteboard{clock};
     FakeKeyPoster keyPoster{pasteboard};
     FakeLocalKeys localKeys;
     FakeActivation activation;
@@ -246,8 +391,10 @@ public:
     FakeFloatingPanels panels;
     FakeGraphics graphics;
     FakeAutostart autostart;
+    FakeBackground background;
+    FakePresence presence;
 
-    Platform platform{clock,     folders,    volumes,    defaults, secrets,  computerName, workspace,
-                      http,      trust,      microphone, sounds,   keyTaps,  keyPoster,    pasteboard,
-                      localKeys, activation, appearance, panels,   graphics, autostart};
+    Platform platform{clock,      folders,    volumes,  defaults,  secrets,    computerName, workspace, http,
+                      trust,      microphone, sounds,   keyTaps,   keyPoster,  pasteboard,   localKeys, activation,
+                      appearance, panels,     graphics, autostart, background, presence};
 };

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/Completion.h"
 #include "platform/HttpTransport.h"
-#include "support/Completion.h"
 
 #include <deque>
 #include <memory>
@@ -19,8 +19,7 @@ public:
     void answer(int status, const QByteArray &body) { answer(HttpResponse{status, {}, body}); }
     /// Answers the next request as soon as it comes.
     void willAnswer(const Result &result) { m_prepared.push_back(result); }
-    void willAnswer(int status, const QByteArray &body,
-                    const QList<std::pair<QByteArray, QByteArray>> &headers = {})
+    void willAnswer(int status, const QByteArray &body, const QList<std::pair<QByteArray, QByteArray>> &headers = {})
     {
         willAnswer(HttpResponse{status, headers, body});
     }

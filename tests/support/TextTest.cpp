@@ -59,8 +59,29 @@ private Q_SLOTS:
     {
         QFETCH(QString, text);
         QTEST(Text::characterCount(text), "characters");
+        QFETCH(int, characters);
         QTEST(Text::firstCharacters(text, 2), "firstTwo");
         QCOMPARE(Text::firstCharacters(text, 0), QString());
+        // The same at the start of a text of any length.
+        QCOMPARE(Text::firstCharacters(text + u"|"_s + u"y\u0308"_s.repeated(100), characters), text);
+    }
+
+    void anExcerptEndsWithACharacter_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("excerpt");
+        QTest::newRow("fits") << u"abcd"_s << u"abcd"_s;
+        QTest::newRow("longer") << u"abcde"_s << u"abcd…"_s;
+        QTest::newRow("a pair of units in the way") << u"abc🙂"_s << u"abc…"_s;
+        QTest::newRow("an accent in the way") << u"abce\u0301"_s << u"abc…"_s;
+        QTest::newRow("a skin tone in the way") << u"ab👍🏽"_s << u"ab…"_s;
+        QTest::newRow("one endless character") << u"e"_s + u"\u0301"_s.repeated(9) << u"e\u0301\u0301\u0301…"_s;
+        QTest::newRow("one endless family") << u"👩‍👩‍👧‍👦"_s << u"👩\u200d…"_s;
+    }
+    void anExcerptEndsWithACharacter()
+    {
+        QFETCH(QString, text);
+        QTEST(Text::excerpt(text, 4), "excerpt");
     }
 };
 

@@ -1,6 +1,7 @@
 #include "dashboard/labs/LabsTexts.h"
 
 #include "labs/LabsProvider.h"
+#include "support/Text.h"
 
 #include <QStringList>
 
@@ -19,13 +20,13 @@ ModeTexts textsOf(LabsMode mode)
 {
     switch (mode) {
     case LabsMode::answer:
-        return {u"Ask a question and get a plain answer."_s, u"Your question"_s, {}};
+        return {LabsTexts::tr("Ask a question and get a plain answer."), LabsTexts::tr("Your question"), {}};
     case LabsMode::reply:
-        return {u"Draft a reply to a message you paste in below."_s, u"How to reply"_s,
-                u"Paste the message you are replying to"_s};
+        return {LabsTexts::tr("Draft a reply to a message you paste in below."),
+                LabsTexts::tr("How to reply"), LabsTexts::tr("Paste the message you are replying to")};
     case LabsMode::rewrite:
-        return {u"Rewrite text you paste in below, the way you ask."_s, u"How to rewrite it"_s,
-                u"Paste the text to rewrite"_s};
+        return {LabsTexts::tr("Rewrite text you paste in below, the way you ask."),
+                LabsTexts::tr("How to rewrite it"), LabsTexts::tr("Paste the text to rewrite")};
     }
     Q_UNREACHABLE();
 }
@@ -58,5 +59,6 @@ QString LabsTexts::contextLabel(LabsMode mode)
 QString LabsTexts::heading(const QString &provider, const QString &model)
 {
     const auto known = LabsProviderNames::fromRawValue(provider);
-    return (known ? LabsProviderNames::title(*known) : capitalised(provider)) + u" · "_s + model;
+    return (known ? LabsProviderNames::title(*known) : capitalised(Text::quoted(provider))) + u" · "_s +
+           Text::quoted(model);
 }

@@ -2,17 +2,19 @@
 
 #include "labs/LabsMode.h"
 
+#include <QCoreApplication>
 #include <QString>
 
 /// What the Labs screen says in each mode.
-namespace LabsTexts {
+struct LabsTexts
+{
+    static QString hint(LabsMode mode);
+    static QString promptLabel(LabsMode mode);
+    /// Empty in the mode that takes no text besides the prompt.
+    static QString contextLabel(LabsMode mode);
 
-QString hint(LabsMode mode);
-QString promptLabel(LabsMode mode);
-/// Empty in the mode that takes no text besides the prompt.
-QString contextLabel(LabsMode mode);
+    /// Who answered, by the service's names for assistant and model.
+    static QString heading(const QString &provider, const QString &model);
 
-/// Who answered, by the service's names for assistant and model.
-QString heading(const QString &provider, const QString &model);
-
-} // namespace LabsTexts
+    Q_DECLARE_TR_FUNCTIONS(LabsTexts)
+};

@@ -39,6 +39,7 @@ LabsView::LabsView(const Collaborators &with)
       m_openSettings(with.openSettings)
 {
     connect(&m_session, &LabsSession::changed, this, &LabsView::changed);
+    connect(&m_answerMode, &LabsAnswerMode::enabledChanged, this, &LabsView::changed);
     connect(&m_defaults, &Defaults::changed, this, [this](const QString &key) {
         if (key == PrefsKey::provider || key == PrefsKey::labsProvider)
             Q_EMIT changed();
@@ -72,15 +73,6 @@ QVariantList LabsView::modes()
     return all;
 }
 
-LabsProvider LabsView::selectedProvider() const
-{
-    const QList<LabsProvider> &available = m_session.availableProviders();
-    const auto stored = LabsProviderNames::fromRawValue(m_defaults.textOrEmpty(PrefsKey::labsProvider));
-    if (stored && available.contains(*stored))
-        return *stored;
-    return available.isEmpty() ? LabsProvider::claude : available.first();
-}
-
 void LabsView::selectProvider(const QString &rawValue)
 {
     m_defaults.set(PrefsKey::labsProvider, rawValue);
@@ -91,7 +83,7 @@ QString LabsView::providersNotice() const
     if (m_session.loadingProviders() || !m_session.availableProviders().isEmpty())
         return {};
     const QString &error = m_session.providersError();
-    return error.isEmpty() ? u"Labs is not offered on this server right now."_s : error;
+    return error.isEmpty() ? tr("Labs is not offered on this server right now.") : error;
 }
 
 QString LabsView::modeHint() const
@@ -132,10 +124,15 @@ QString LabsView::answerText() const
 
 QString LabsView::answerModeCaption() const
 {
-    return u"While this is on, an ordinary dictation is answered by %1 and the answer is pasted instead of "
-           u"the "
-           "transcript. Turns itself off after 30 minutes."_s.arg(
-               LabsProviderNames::title(selectedProvider()));
+    return tr("While this is on, an ordinary dictation is answered by %1 and the answer is pasted instead of "
+              "the "
+              "transcript. Turns itself off after 30 minutes.")
+        .arg(LabsProviderNames::title(m_session.answeringProvider()));
+}
+
+bool LabsView::canSwitchAnswerMode() const
+{
+    return m_answerMode.enabled() || !m_session.availableProviders().isEmpty();
 }
 
 void LabsView::appear()

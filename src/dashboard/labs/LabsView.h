@@ -40,6 +40,7 @@ class LabsView final : public QObject
     Q_PROPERTY(QString answerHeading READ answerHeading NOTIFY changed)
     Q_PROPERTY(QString answerText READ answerText NOTIFY changed)
     Q_PROPERTY(QString answerModeCaption READ answerModeCaption NOTIFY changed)
+    Q_PROPERTY(bool canSwitchAnswerMode READ canSwitchAnswerMode NOTIFY changed)
 public:
     struct Collaborators
     {
@@ -63,8 +64,7 @@ public:
 
     QVariantList providers() const;
     static QVariantList modes();
-    /// The one last chosen, as long as the service offers it.
-    LabsProvider selectedProvider() const;
+    LabsProvider selectedProvider() const { return m_session.selectedProvider(); }
     void selectProvider(const QString &rawValue);
     /// Why there is nobody to ask; empty while there is, or while that is being found out.
     QString providersNotice() const;
@@ -83,6 +83,8 @@ public:
     QString answerHeading() const;
     QString answerText() const;
     QString answerModeCaption() const;
+    /// On only while there is somebody to ask, off at any time.
+    bool canSwitchAnswerMode() const;
 
     /// The screen has come into view.
     Q_INVOKABLE void appear();

@@ -1,11 +1,16 @@
 #pragma once
 
+#include "account/AccountSignIn.h"
+#include "account/AccountStatus.h"
 #include "dashboard/DashboardNavigation.h"
 #include "dashboard/DashboardView.h"
 #include "dashboard/DictationListView.h"
 #include "dashboard/DictionaryView.h"
 #include "dashboard/Figure.h"
 #include "dashboard/InsightsView.h"
+#include "dashboard/labs/LabsView.h"
+#include "settings/screen/SettingsForms.h"
+#include "settings/screen/SettingsView.h"
 
 #include <qqml.h>
 
@@ -71,4 +76,124 @@ struct UsageCardType
     Q_GADGET
     QML_FOREIGN(UsageCard)
     QML_ANONYMOUS
+};
+
+struct LabsViewType
+{
+    Q_GADGET
+    QML_FOREIGN(LabsView)
+    QML_NAMED_ELEMENT(LabsView)
+    QML_UNCREATABLE("")
+};
+
+struct LabsSessionType
+{
+    Q_GADGET
+    QML_FOREIGN(LabsSession)
+    QML_NAMED_ELEMENT(LabsSession)
+    QML_UNCREATABLE("")
+};
+
+struct LabsAnswerModeType
+{
+    Q_GADGET
+    QML_FOREIGN(LabsAnswerMode)
+    QML_NAMED_ELEMENT(LabsAnswerMode)
+    QML_UNCREATABLE("")
+};
+
+struct SettingsFormsType
+{
+    Q_GADGET
+    QML_FOREIGN(SettingsForms)
+    QML_NAMED_ELEMENT(SettingsForms)
+    QML_UNCREATABLE("")
+};
+
+struct SettingsViewType
+{
+    Q_GADGET
+    QML_FOREIGN(SettingsView)
+    QML_NAMED_ELEMENT(SettingsView)
+    QML_UNCREATABLE("")
+};
+
+struct BoundPreferencesType
+{
+    Q_GADGET
+    QML_FOREIGN(BoundPreferences)
+    QML_NAMED_ELEMENT(BoundPreferences)
+    QML_UNCREATABLE("")
+};
+
+struct AccountAreaType
+{
+    Q_GADGET
+    QML_FOREIGN(AccountArea)
+    QML_NAMED_ELEMENT(AccountArea)
+    QML_UNCREATABLE("")
+};
+
+struct AccountSignInType
+{
+    Q_GADGET
+    QML_FOREIGN(AccountSignIn)
+    QML_NAMED_ELEMENT(AccountSignIn)
+    QML_UNCREATABLE("")
+};
+
+struct AccountStatusType
+{
+    Q_GADGET
+    QML_FOREIGN(AccountStatus)
+    QML_NAMED_ELEMENT(AccountStatus)
+    QML_UNCREATABLE("")
+};
+
+struct ConnectionTestType
+{
+    Q_GADGET
+    QML_FOREIGN(ConnectionTest)
+    QML_NAMED_ELEMENT(ConnectionTest)
+    QML_UNCREATABLE("")
+};
+
+struct KeyRowType
+{
+    Q_GADGET
+    QML_FOREIGN(KeyRow)
+    QML_NAMED_ELEMENT(KeyRow)
+    QML_UNCREATABLE("")
+};
+
+struct ServiceAddressType
+{
+    Q_GADGET
+    QML_FOREIGN(ServiceAddress)
+    QML_NAMED_ELEMENT(ServiceAddress)
+    QML_UNCREATABLE("")
+};
+
+struct LanguageChoiceType
+{
+    Q_GADGET
+    QML_FOREIGN(LanguageChoice)
+    QML_NAMED_ELEMENT(LanguageChoice)
+    QML_UNCREATABLE("")
+};
+
+struct PermissionRowsType
+{
+    Q_GADGET
+    QML_FOREIGN(PermissionRows)
+    QML_NAMED_ELEMENT(PermissionRows)
+    QML_UNCREATABLE("")
+};
+
+struct ShortcutRowsType
+{
+    Q_GADGET
+    QML_FOREIGN(ShortcutRows)
+    QML_NAMED_ELEMENT(ShortcutRows)
+    QML_UNCREATABLE("")
 };

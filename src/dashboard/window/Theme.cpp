@@ -2,9 +2,12 @@
 
 #include <QEvent>
 #include <QFontDatabase>
+#include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QPalette>
 #include <QQmlEngine>
+
+using namespace Qt::StringLiterals;
 
 Theme::Theme(Appearance &appearance)
     : m_appearance(appearance),
@@ -20,6 +23,17 @@ Theme *Theme::create(QQmlEngine *engine, QJSEngine *)
     auto *theme = engine->property("theme").value<Theme *>();
     QJSEngine::setObjectOwnership(theme, QJSEngine::CppOwnership);
     return theme;
+}
+
+double Theme::readingWidth() const
+{
+    static const double width = [] {
+        const QString sample = u"The quick brown fox jumps over the lazy dog."_s;
+        QFont font;
+        font.setPixelSize(s_textSize);
+        return 80 * QFontMetricsF(font).horizontalAdvance(sample) / static_cast<double>(sample.size());
+    }();
+    return width;
 }
 
 QString Theme::monospaced() const

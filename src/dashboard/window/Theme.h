@@ -56,6 +56,7 @@ class Theme final : public QObject
     Q_PROPERTY(int buttonRadius MEMBER s_buttonRadius CONSTANT)
     Q_PROPERTY(int controlHeight MEMBER s_controlHeight CONSTANT)
     /// About 80 characters of running text.
+    Q_PROPERTY(double readingWidth READ readingWidth CONSTANT)
     Q_PROPERTY(double disabledOpacity MEMBER s_disabledOpacity CONSTANT)
 
 public:
@@ -85,6 +86,7 @@ public:
     QColor outline() const { return m_colors.outline; }
     int motion() const { return m_reducedMotion ? 0 : 150; }
     QString monospaced() const;
+    double readingWidth() const;
 
 Q_SIGNALS:
     void changed();
@@ -114,7 +116,7 @@ private:
     static constexpr double s_disabledOpacity = 0.4;
 
     Appearance &m_appearance;
-    Appearance::Listener m_listener;
+    Listener m_listener;
     bool m_dark = false;
     bool m_highContrast = false;
     bool m_reducedMotion = false;

@@ -29,7 +29,9 @@ LinuxMachine::LinuxMachine(const Settings &settings)
                  .appearance = m_appearance,
                  .panels = m_panels,
                  .graphics = m_graphics,
-                 .autostart = m_autostart}
+                 .autostart = m_autostart,
+                 .background = m_background,
+                 .presence = m_presence}
 {
 }
 
@@ -37,8 +39,8 @@ LinuxMachine::LinuxMachine(const Settings &settings)
 // our windows get at it.
 Pasteboard &LinuxMachine::pasteboard()
 {
-    if (m_waylandPasteboard.isUsable())
-        return m_waylandPasteboard;
+    if (m_waylandPasteboard)
+        return *m_waylandPasteboard;
     if (m_desktop.connection().isOpen() || !QGuiApplication::platformName().startsWith(u"wayland"))
         return m_desktop.pasteboard();
     m_windowPasteboard = std::make_unique<WindowPasteboard>();

@@ -1,13 +1,16 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "platform/linux/clipboard/PasteboardThread.h"
 #include "platform/linux/panel/X11FloatingPanels.h"
 #include "platform/linux/sound/PulseConnection.h"
 #include "platform/linux/sound/PulseMicrophone.h"
 #include "platform/linux/sound/PulseSoundPlayer.h"
 #include "platform/linux/system/DesktopActivation.h"
+#include "platform/linux/system/DesktopPresence.h"
 #include "platform/linux/system/DesktopWorkspace.h"
 #include "platform/linux/system/DeviceGraphics.h"
+#include "platform/linux/system/DiskThread.h"
 #include "platform/linux/system/HostName.h"
 #include "platform/linux/system/NetworkTransport.h"
 #include "platform/linux/system/PortalAppearance.h"
@@ -17,7 +20,6 @@
 #include "platform/linux/system/SystemClock.h"
 #include "platform/linux/system/XdgAutostart.h"
 #include "platform/linux/system/XdgFolders.h"
-#include "platform/linux/wayland/WaylandConnection.h"
 #include "platform/linux/wayland/WaylandPasteboard.h"
 #include "platform/linux/windows/WindowKeys.h"
 #include "platform/linux/windows/WindowPasteboard.h"
@@ -46,8 +48,7 @@ private:
     Pasteboard &pasteboard();
 
     X11Desktop m_desktop;
-    WaylandConnection m_wayland;
-    WaylandPasteboard m_waylandPasteboard{m_wayland};
+    std::unique_ptr<PasteboardThread> m_waylandPasteboard = WaylandPasteboard::inThread();
     std::unique_ptr<WindowPasteboard> m_windowPasteboard; // where there is no other
     X11FloatingPanels m_panels{m_desktop.connection()};
     PulseConnection m_pulse; // begins to connect while the rest is made
@@ -66,5 +67,7 @@ private:
     PortalAppearance m_appearance;
     DeviceGraphics m_graphics;
     XdgAutostart m_autostart;
+    DiskThread m_background;
+    DesktopPresence m_presence;
     Platform m_platform;
 };

@@ -7,6 +7,8 @@
 #include <QObject>
 #include <QString>
 
+#include <stop_token>
+
 class AccountSessionStore;
 class Clock;
 class Workspace;
@@ -24,6 +26,7 @@ class AccountArea final : public QObject
     Q_PROPERTY(QString notice READ notice NOTIFY changed)
 public:
     explicit AccountArea(const SettingsCollaborators &with);
+    ~AccountArea() override;
 
     AccountSignIn *signIn() { return &m_signIn; }
     AccountStatus *status() { return &m_status; }
@@ -41,18 +44,21 @@ public:
     /// Opens the account's page.
     Q_INVOKABLE void manageAccount();
 
-    /// Asks the service for news of the account, once per form.
+    /// Looks for a session that is not known; the owner of a closed keyring may be asked to open it.
+    void lookForSession();
+    /// Asks the service for news of the account, once per form and not before the session is known.
     void checkAccountOnOpen();
 
 Q_SIGNALS:
     void changed();
 
 private:
-    const AccountSessionStore &m_sessions;
+    AccountSessionStore &m_sessions;
     AccountSignIn &m_signIn;
     AccountStatus &m_status;
     const Clock &m_clock;
     Workspace &m_workspace;
     QString m_notice;
     bool m_didCheckAccount = false;
+    std::stop_source m_stop; // stopped when this object goes away
 };

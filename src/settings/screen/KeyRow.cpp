@@ -1,22 +1,30 @@
 #include "settings/screen/KeyRow.h"
 
+#include "capture/ClipboardText.h"
 #include "platform/Pasteboard.h"
 #include "platform/Workspace.h"
 #include "settings/Keychain.h"
 #include "settings/Prefs.h"
-#include "settings/screen/ClipboardText.h"
 #include "settings/screen/ConnectionTest.h"
 
 #include <QPointer>
 #include <QUrl>
 
+#include <chrono>
 #include <utility>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
 constexpr qsizetype suffixLength = 4;
+constexpr auto readLimit = 1s; // somebody waits for it
+
+QString waiting()
+{
+    return KeyRow::tr("Waiting for the Keychain. It may ask you first.");
+}
 
 } // namespace
 
@@ -28,6 +36,12 @@ KeyRow::KeyRow(const Collaborators &with)
       m_connection(with.connection)
 {
     refreshKeyState();
+    connect(&m_keychain, &Keychain::changed, this, &KeyRow::refreshKeyState);
+}
+
+KeyRow::~KeyRow()
+{
+    m_stop.request_stop();
 }
 
 void KeyRow::setApiKey(const QString &text)
@@ -58,12 +72,24 @@ void KeyRow::setKeyFieldFocused(bool focused)
 QString KeyRow::keyPlaceholder() const
 {
     const QString start = OwnKey::prefix(m_prefs.provider()) + u'…';
-    return m_keyStored ? u"Key saved (%1%2). Enter a new key to replace it"_s.arg(start, m_keySuffix) : start;
+    return m_keyStored ? tr("Key saved (%1%2). Enter a new key to replace it").arg(start, m_keySuffix)
+                       : start;
 }
 
 QString KeyRow::consoleAddress() const
 {
     return OwnKey::consoleAddress(m_prefs.provider());
+}
+
+bool KeyRow::isPending() const
+{
+    return !account().isEmpty() && m_keychain.read(account()).isPending();
+}
+
+void KeyRow::lookForKey()
+{
+    if (isPending())
+        m_keychain.fetch(account(), m_stop.get_token());
 }
 
 bool KeyRow::storedKeyExists() const
@@ -83,20 +109,49 @@ void KeyRow::saveKey()
 {
     const Provider provider = m_prefs.provider();
     const QString key = m_apiKey.trimmed();
-    if (account().isEmpty())
+    if (account().isEmpty() || m_saving)
         return;
     if (key.isEmpty())
         return report({}, storedKeyExists()
-                              ? u"Nothing typed. The saved key is unchanged. Use Remove key to delete it."_s
-                              : u"Type or paste a key first."_s);
+                              ? tr("Nothing typed. The saved key is unchanged. Use Remove key to delete it.")
+                              : tr("Type or paste a key first."));
     if (const auto other = wrongCredential(key, provider))
-        return report(u"This looks like a %1 key. Switch Provider to %1 or paste a %2 key."_s.arg(
-                          Providers::displayName(*other), Providers::displayName(provider)),
+        return report(tr("This looks like a %1 key. Switch Provider to %1 or paste a %2 key.")
+                          .arg(Providers::displayName(*other), Providers::displayName(provider)),
                       {});
-    const int32_t status = m_keychain.save(key, account(), Keychain::Accessibility::afterFirstUnlock);
+    save(key, account());
+}
+
+/// The keychain's status; what is shown meanwhile is that it is waited for.
+QCoro::Task<int32_t> KeyRow::keep(QString key, QString account)
+{
+    const std::stop_token stop = m_stop.get_token();
+    const QString said = m_keyNotice;
+    m_saving = true;
+    QCoro::Task<int32_t> saved = m_keychain.save(key, account, Keychain::Accessibility::afterFirstUnlock);
+    if (!saved.isReady())
+        report({}, waiting());
+    const int32_t status = co_await saved;
+    if (stop.stop_requested())
+        co_return status;
+    m_saving = false;
+    if (m_keyNotice == waiting())
+        m_keyNotice = said;
+    co_return status;
+}
+
+QCoro::Task<> KeyRow::save(QString key, QString account)
+{
+    const std::stop_token stop = m_stop.get_token();
+    const int32_t status = co_await keep(key, account);
+    if (stop.stop_requested())
+        co_return;
     if (status != SecretStatus::success)
-        return report(u"Couldn't save to Keychain: %1"_s.arg(m_keychain.message(status)), m_keyNotice);
-    emptyField();
+        co_return report(tr("Couldn't save to Keychain: %1").arg(m_keychain.message(status)), m_keyNotice);
+    if (account != this->account())
+        co_return; // another provider's row by now
+    if (m_apiKey.trimmed() == key)
+        emptyField();
     m_showKey = false;
     m_keyFieldFocused = false;
     report({}, {});
@@ -114,12 +169,12 @@ void KeyRow::pasteKey()
 QCoro::Task<> KeyRow::takeFromClipboard()
 {
     const QPointer self(this);
-    const QList<PasteboardItem> items = co_await m_pasteboard.items();
+    const QList<PasteboardItem> items = co_await m_pasteboard.items(readLimit);
     if (!self)
         co_return;
     const QString text = ClipboardText::of(items).trimmed();
     if (text.isEmpty()) {
-        m_keyNotice = u"The clipboard has no text on it."_s;
+        m_keyNotice = tr("The clipboard has no text on it.");
         Q_EMIT changed();
         co_return;
     }
@@ -129,16 +184,25 @@ QCoro::Task<> KeyRow::takeFromClipboard()
 
 void KeyRow::removeKey()
 {
-    if (account().isEmpty())
-        return;
-    const int32_t status = m_keychain.save({}, account(), Keychain::Accessibility::afterFirstUnlock);
+    if (!account().isEmpty() && !m_saving)
+        remove(account());
+}
+
+QCoro::Task<> KeyRow::remove(QString account)
+{
+    const std::stop_token stop = m_stop.get_token();
+    const int32_t status = co_await keep({}, account);
+    if (stop.stop_requested())
+        co_return;
     if (status != SecretStatus::success) {
-        m_keyError = u"Couldn't remove from Keychain: %1"_s.arg(m_keychain.message(status));
+        m_keyError = tr("Couldn't remove from Keychain: %1").arg(m_keychain.message(status));
         Q_EMIT changed();
-        return;
+        co_return;
     }
+    if (account != this->account())
+        co_return; // another provider's row by now
     startOver();
-    m_keyNotice = u"Key removed."_s;
+    m_keyNotice = tr("Key removed.");
     Q_EMIT changed();
 }
 
@@ -146,7 +210,7 @@ void KeyRow::openConsole()
 {
     if (m_workspace.open(QUrl(consoleAddress())))
         return;
-    m_keyNotice = u"No browser could be opened. The page is %1"_s.arg(consoleAddress());
+    m_keyNotice = tr("No browser could be opened. The page is %1").arg(consoleAddress());
     Q_EMIT changed();
 }
 

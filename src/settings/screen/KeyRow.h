@@ -6,6 +6,8 @@
 #include <QObject>
 #include <QString>
 
+#include <stop_token>
+
 class ConnectionTest;
 class Keychain;
 class Pasteboard;
@@ -36,6 +38,7 @@ public:
         ConnectionTest &connection;
     };
     explicit KeyRow(const Collaborators &with);
+    ~KeyRow() override;
 
     /// What is typed; never the stored key.
     const QString &apiKey() const { return m_apiKey; }
@@ -57,9 +60,13 @@ public:
     QString keyPlaceholder() const;
     QString consoleAddress() const;
 
-    /// Reads the keychain now.
+    /// Whether the keychain has yet to say if there is a key.
+    bool isPending() const;
+    /// As far as is known now.
     bool storedKeyExists() const;
     void refreshKeyState();
+    /// Looks for a key that is not known; the owner of a closed keyring may be asked to open it.
+    void lookForKey();
 
     /// Stores what is typed, trimmed, and tests the connection with it.
     Q_INVOKABLE void saveKey();
@@ -86,6 +93,9 @@ private:
     void emptyField();
     void report(const QString &error, const QString &notice);
     QCoro::Task<> takeFromClipboard();
+    QCoro::Task<> save(QString key, QString account);
+    QCoro::Task<> remove(QString account);
+    QCoro::Task<int32_t> keep(QString key, QString account);
 
     const Prefs &m_prefs;
     Keychain &m_keychain;
@@ -102,4 +112,6 @@ private:
     bool m_keyStored = false;
     QString m_keySuffix;
     bool m_ignoreNextKeyChange = false;
+    bool m_saving = false;
+    std::stop_source m_stop; // stopped when this object goes away
 };

@@ -30,7 +30,7 @@ QVariantList LanguageChoice::entries()
     QVariantList all;
     for (const SpokenLanguage &language : SpokenLanguage::all())
         all.append(entry(language.code, language.name));
-    all.append(entry(otherTag, u"Other (code)"_s));
+    all.append(entry(otherTag, tr("Other (code)")));
     return all;
 }
 

@@ -27,12 +27,12 @@ void PermissionRows::refresh()
 void PermissionRows::openMicrophonePane()
 {
     open(SettingsPane::microphone,
-         u"This desktop has no settings page for the microphone. Look for its sound settings."_s);
+         tr("This desktop has no settings page for the microphone. Look for its sound settings."));
 }
 
 void PermissionRows::openAccessibilityPane()
 {
-    open(SettingsPane::accessibility, u"This desktop has no settings page for accessibility."_s);
+    open(SettingsPane::accessibility, tr("This desktop has no settings page for accessibility."));
 }
 
 void PermissionRows::open(SettingsPane pane, const QString &notice)

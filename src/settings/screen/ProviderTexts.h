@@ -2,16 +2,18 @@
 
 #include "values/Provider.h"
 
+#include <QCoreApplication>
 #include <QString>
 
 /// What the form says of a provider.
-namespace ProviderTexts {
+struct ProviderTexts
+{
+    /// The label of the group that holds everything about keys.
+    static QString advancedLabel(Provider provider);
 
-/// The label of the group that holds everything about keys.
-QString advancedLabel(Provider provider);
+    /// What the model fields may hold; empty for the hosted service.
+    static QString transcriptionCaption(Provider provider);
+    static QString cleanupCaption(Provider provider);
 
-/// What the model fields may hold; empty for the hosted service.
-QString transcriptionCaption(Provider provider);
-QString cleanupCaption(Provider provider);
-
-} // namespace ProviderTexts
+    Q_DECLARE_TR_FUNCTIONS(ProviderTexts)
+};

@@ -45,7 +45,7 @@ void ServiceAddress::applyServiceURL()
         return store(*address);
     show(m_prefs.accountBaseURL());
     m_serviceURLError =
-        u"That is not an https address. Use one like %1."_s.arg(m_prefs.defaultAccountBaseURL());
+        tr("That is not an https address. Use one like %1.").arg(m_prefs.defaultAccountBaseURL());
     Q_EMIT changed();
 }
 

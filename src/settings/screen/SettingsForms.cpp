@@ -8,7 +8,7 @@ SettingsForms::SettingsForms(SettingsCollaborators with) : m_with(std::move(with
 {
 }
 
-QObject *SettingsForms::open(QObject *owner)
+SettingsView *SettingsForms::open(QObject *owner)
 {
     return new SettingsView(m_with, owner);
 }

@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+class SettingsView;
+
 /// Makes the settings forms of the program's windows, each with a state of its own.
 class SettingsForms final : public QObject
 {
@@ -12,7 +14,7 @@ public:
     explicit SettingsForms(SettingsCollaborators with);
 
     /// A form that lives as long as its owner.
-    Q_INVOKABLE QObject *open(QObject *owner);
+    Q_INVOKABLE SettingsView *open(QObject *owner);
 
 private:
     SettingsCollaborators m_with;

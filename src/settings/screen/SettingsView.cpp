@@ -3,6 +3,7 @@
 #include "platform/Clock.h"
 #include "platform/Platform.h"
 #include "settings/Defaults.h"
+#include "settings/Keychain.h"
 #include "settings/Prefs.h"
 #include "settings/screen/ProviderTexts.h"
 
@@ -41,6 +42,10 @@ SettingsView::SettingsView(const SettingsCollaborators &with, QObject *parent)
       m_shortcut(with.defaults, with.recorder, with.updateHotkey),
       m_providerRaw(with.defaults.textOrEmpty(PrefsKey::provider))
 {
+    connect(&with.keychain, &Keychain::changed, this, [this] {
+        if (shown())
+            decideOnOpen();
+    });
     connect(&m_defaults, &Defaults::changed, this, [this](const QString &key) {
         if (key != PrefsKey::provider)
             return;
@@ -105,8 +110,9 @@ void SettingsView::setShown(bool shown)
     if (shown) {
         m_ticker = m_clock.every(refreshInterval, [this] { refresh(); });
         refresh();
-        autoExpandAdvancedIfNeeded();
-        m_account.checkAccountOnOpen();
+        m_key.lookForKey();
+        m_account.lookForSession();
+        decideOnOpen();
     } else {
         m_ticker.reset();
         if (m_shortcut.capturing())
@@ -147,10 +153,16 @@ void SettingsView::providerChanged(const QString &from, const QString &to)
 
 void SettingsView::autoExpandAdvancedIfNeeded()
 {
-    if (std::exchange(m_didAutoExpandAdvanced, true))
+    if (m_key.isPending() || std::exchange(m_didAutoExpandAdvanced, true))
         return;
     if (usesOwnKey() && !m_key.storedKeyExists())
         m_preferences.setAdvancedExpanded(true);
+}
+
+void SettingsView::decideOnOpen()
+{
+    autoExpandAdvancedIfNeeded();
+    m_account.checkAccountOnOpen();
 }
 
 void SettingsView::refresh()

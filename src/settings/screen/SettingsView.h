@@ -77,6 +77,8 @@ Q_SIGNALS:
 
 private:
     void providerChanged(const QString &from, const QString &to);
+    /// What opening the form brings about, as soon as the keychain has answered.
+    void decideOnOpen();
     void autoExpandAdvancedIfNeeded();
     void refresh();
 

@@ -33,9 +33,9 @@ struct Fixture
     Credentials credentials{keychain, sessions};
     AccountClient account{{prefs, sessions, status, machine.http, machine.clock}};
     LabsClient client{account, credentials, machine.http, machine.clock};
-    LabsSession session{client, prefs, machine.clock};
+    LabsSession session{{client, status, defaults, prefs, machine.clock}};
     LabsAnswerMode answerMode{prefs, machine.clock};
-    TextInserter inserter{machine.pasteboard, machine.keyPoster, machine.trust, prefs, machine.clock};
+    TextInserter inserter{machine.pasteboard, machine.keyPoster, machine.trust, machine.presence, prefs, machine.clock};
     FlowState flow = FlowState::idle;
     std::function<void(const QString &)> capture;
     int finished = 0;
@@ -77,6 +77,7 @@ private Q_SLOTS:
     void selectsAnAssistantThatIsOffered_data();
     void selectsAnAssistantThatIsOffered();
     void speaksOfTheMode();
+    void answerModeCanAlwaysBeLeft();
     void dictatesThePrompt();
     void headsTheAnswer_data();
     void headsTheAnswer();
@@ -169,6 +170,20 @@ void LabsViewTest::speaksOfTheMode()
     m->session.setMode(LabsMode::reply);
     QCOMPARE(m->view.modeHint(), u"Draft a reply to a message you paste in below."_s);
     QCOMPARE(m->view.contextCount(), u"4/4000"_s); // what was written is still there
+    QVERIFY(m->view.answerModeCaption().contains(u"answered by Claude and"_s));
+}
+
+void LabsViewTest::answerModeCanAlwaysBeLeft()
+{
+    const auto switchable = [this](bool isOn) {
+        m->answerMode.setEnabled(isOn);
+        return m->view.canSwitchAnswerMode();
+    };
+    m->defaults.set(PrefsKey::labsProvider, u"chatgpt"_s);
+    QVERIFY(!switchable(false) && switchable(true));
+    QVERIFY(m->view.answerModeCaption().contains(u"answered by ChatGPT and"_s)); // who is asked as things are
+    m->offer(R"({"claude":true,"chatgpt":false})");
+    QVERIFY(switchable(false) && switchable(true));
     QVERIFY(m->view.answerModeCaption().contains(u"answered by Claude and"_s));
 }
 

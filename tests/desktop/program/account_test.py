@@ -98,7 +98,7 @@ class AccountTest(DictationCase):
             self.named("That code is not right. Check it and try again.")
             self.assertEqual((self.text_of("Six digit code"), self.token()), ("", ""))
             xdotool("type", code)
-            for text in ("Signed in", "ada@example.com", "60 minutes a day", "60 minutes", "This Mac"):
+            for text in ("Signed in", "ada@example.com", "60 minutes a day", "60 minutes", "This computer"):
                 self.named(text)
             self.absent(SIGN_IN)
             self.assertEqual(self.nameless(), [])
@@ -114,7 +114,7 @@ class AccountTest(DictationCase):
             self.named("Sign out “Kitchen”?")
             self.confirm()
             self.absent("Kitchen")
-            self.named("This Mac")
+            self.named("This computer")
             self.assertEqual(self.get("/v1/me", other), 401)
 
         with self.subTest("a dictation with a term"):
@@ -222,8 +222,8 @@ class AccountTest(DictationCase):
         with self.subTest("sign-out"):
             self.activate("^Sayvane$")
             self.click("Settings", "list item")
-            self.press("Sign out on this Mac", "push button")
-            self.named("Sign out on this Mac?")
+            self.press("Sign out on this computer", "push button")
+            self.named("Sign out on this computer?")
             self.confirm()
             self.named("Email address")
             self.assertEqual(self.token(), "")

@@ -4,6 +4,7 @@ Drives the dashboard with the mouse and the keyboard, as screen_reader.py finds 
 """
 
 import json
+import re
 import subprocess
 import sys
 import unittest
@@ -59,7 +60,7 @@ class DashboardTest(ScreenReaderCase):
             self.named("Delete all 3 dictations?")
             self.confirm()
             eventually(lambda: stored(HISTORY) == [], "an empty history")
-            self.named("Press Fn + Space anywhere to start.")
+            self.named("Press Super + Space anywhere to start.")
             self.wait_for_focus("Search transcripts")
 
         with self.subTest("dictionary"):
@@ -81,6 +82,27 @@ class DashboardTest(ScreenReaderCase):
             eventually(lambda: not subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "^Sayvane$"],
                                                   capture_output=True, check=False).stdout, "a closed window")
             self.assertIsNone(self.program.poll())
+
+        with self.subTest("a screen of 640 by 400 points"):
+            self.program.terminate()
+            self.program.wait(10)
+            type(self).environment = {"QT_SCALE_FACTOR": "2"}
+            self.start()
+            self.assertEqual([place for place in self.frame() if place not in range(1281)], [])
+            self.assertLessEqual(self.frame()[3], 800)
+
+    def frame(self):
+        """The edges of the window with its frame: left, top, right, bottom."""
+        self.activate("^Sayvane$")
+        window = subprocess.run(["xdotool", "getactivewindow"], capture_output=True, check=True,
+                                text=True).stdout.strip()
+        told = subprocess.run(["xwininfo", "-id", window], capture_output=True, check=True, text=True).stdout
+        x, y, width, height = (int(re.search(rf"{word}: +(-?\d+)", told)[1])
+                               for word in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
+        told = subprocess.run(["xprop", "-id", window, "_NET_FRAME_EXTENTS"], capture_output=True, check=True,
+                              text=True).stdout
+        left, right, top, bottom = map(int, re.findall(r"\d+", told))
+        return x - left, y - top, x + width + right, y + height + bottom
 
 
 if __name__ == "__main__":

@@ -74,10 +74,10 @@ class SettingsTest(ScreenReaderCase):
             xdotool("key", "space")
             self.named("Press your shortcut")
             xdotool("key", "a")
-            self.named("A on its own would be taken from every app. Hold Fn, ⌘, ⌥, ⌃ or ⇧ as well, or choose a "
+            self.named("A on its own would be taken from every app. Hold Super, AltGr, Alt, Ctrl or Shift as well, or choose a "
                        "function key.")
             xdotool("key", "ctrl+F5")
-            self.named("⌃F5: tap once to start listening, tap again to stop and paste.")
+            self.named("Ctrl + F5: tap once to start listening, tap again to stop and paste.")
             self.assertIn('"keyCode":96', stored(PREFERENCES)["hotkeySpec"])
 
         with self.subTest("a dictation with that key and that shortcut"):

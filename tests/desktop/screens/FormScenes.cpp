@@ -13,6 +13,7 @@ namespace {
 
 constexpr QSize smallest(760, 520);
 constexpr QSize tall(960, 1000);
+constexpr QSize narrow(480, 1000);
 
 void signedOut(Stage &stage)
 {
@@ -177,13 +178,14 @@ QList<Scene> formScenes()
         {u"settings-code-wrong"_s, settings, wrongCode},
         {u"settings-keyring"_s, settings, keyringRefuses},
         {u"settings-signed-in"_s, settings, devices},
-        {u"settings-sign-out"_s, settings, devices, click(u"Sign out on this Mac"_s)},
+        {u"settings-sign-out"_s, settings, devices, click(u"Sign out on this computer"_s)},
         {u"settings-hosted"_s, settings, provider(u"sayvane"_s), {}, smallest},
         {u"settings-openai"_s, settings, provider(u"openai"_s), {}, tall},
+        {u"settings-narrow"_s, settings, provider(u"openai"_s), {}, narrow},
         {u"settings-groq-tested"_s, settings, groqKey, click(u"Test connection"_s), tall},
         {u"settings-dictation"_s, settings, [](Stage &stage) { prefer(stage, u"language"_s, u"ne"_s); },
-         lookAt(u"Open System Settings"_s)},
-        {u"settings-shortcut"_s, settings, {}, lookAt(u"Reset to Fn + Space"_s), smallest},
+         lookAt(u"Open Desktop Settings"_s)},
+        {u"settings-shortcut"_s, settings, {}, lookAt(u"Reset to Super + Space"_s), smallest},
         {u"settings-capture"_s, settings, {}, click(u"Change"_s)},
         {u"settings-large"_s, settings, devices, {}, QSize(2560, 1440)},
         {u"labs-notice"_s, labs, provider(u"groq"_s)},
@@ -197,5 +199,6 @@ QList<Scene> formScenes()
         {u"labs-busy"_s, labs, [](Stage &stage) { asked(stage, 0, {}); }},
         {u"labs-error"_s, labs, [](Stage &stage) { asked(stage, 402, R"({"error":{"code":"quota_exceeded"}})"); }},
         {u"labs-answered"_s, labs, answered, {}, tall},
+        {u"labs-narrow"_s, labs, answered, {}, narrow},
     });
 }

@@ -11,8 +11,8 @@ struct Scene
 {
     QString name; ///< the picture's file name without ending
     DashboardSection section;
-    std::function<void(Stage &)> set = [](Stage &) {};               ///< before the window opens
-    std::function<void(QQuickWindow &)> act = [](QQuickWindow &) {}; ///< on the open window
+    std::function<void(Stage &)> set;        ///< before the window opens
+    std::function<void(QQuickWindow &)> act; ///< on the open window
     QSize size = QSize(960, 640);
     bool dark = false;
 };

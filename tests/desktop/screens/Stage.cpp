@@ -99,6 +99,7 @@ QQuickWindow &Stage::open(DashboardSection section, const QSize &size)
     windows().navigation().setSection(section);
     windows().openDashboard();
     QQuickWindow &window = quick(*windows().dashboard().window());
+    window.setMinimumSize(window.minimumSize().boundedTo(size)); // a tiling desktop asks for none
     window.resize(size);
     if (!QTest::qWaitForWindowExposed(&window))
         qFatal("The window did not appear.");

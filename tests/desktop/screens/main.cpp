@@ -1,5 +1,6 @@
 #include "dashboard/window/QuickWindowEngine.h"
 #include "desktop/screens/Scene.h"
+#include "platform/linux/Wording.h"
 
 #include <QDir>
 #include <QGuiApplication>
@@ -12,8 +13,19 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+QtMessageHandler usual = nullptr;
+int warnings = 0;
+
+void listen(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    warnings += type != QtDebugMsg && type != QtInfoMsg;
+    usual(type, context, message);
+}
+
 /// Long enough for everything that moves to have arrived.
 constexpr int settlingMs = 400;
+/// Long enough for a screen to take the keyboard.
+constexpr int arrivingMs = 200;
 
 bool picture(QQuickWindow &window, const QString &path)
 {
@@ -45,18 +57,22 @@ bool show(const Scene &scene, const QDir &folder)
     if (scene.set)
         scene.set(stage);
     QQuickWindow &window = stage.open(scene.section, scene.size);
-    QTest::qWait(settlingMs);
-    if (scene.act)
+    if (scene.act) {
+        QTest::qWait(arrivingMs);
         scene.act(window);
+    }
     return picture(window, folder.filePath(scene.name + u".png"_s));
 }
 
 } // namespace
 
-/// sayvane-screens FOLDER [WORD…]: pictures of all scenes, or of those whose name has one of the words.
+/// sayvane-screens FOLDER [WORD…]: pictures of all scenes, or of those whose name has one of the words. It fails
+/// when one cannot be made, or when anything is warned of meanwhile.
 int main(int argc, char **argv)
 {
+    usual = qInstallMessageHandler(&listen);
     QGuiApplication application(argc, argv);
+    Wording::install(application);
     QStringList words = QGuiApplication::arguments().mid(1);
     if (words.isEmpty())
         return 64;
@@ -71,5 +87,7 @@ int main(int argc, char **argv)
     for (const Scene &scene : allScenes())
         if (wanted(scene.name))
             worked = show(scene, folder) && worked;
-    return worked ? 0 : 1;
+    if (warnings > 0)
+        std::fprintf(stderr, "%d warnings\n", warnings);
+    return worked && warnings == 0 ? 0 : 1;
 }

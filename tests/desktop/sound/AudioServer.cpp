@@ -44,6 +44,16 @@ void AudioServer::kill()
     m_process.waitForFinished();
 }
 
+void AudioServer::halt() const
+{
+    ::kill(static_cast<pid_t>(m_process.processId()), SIGSTOP);
+}
+
+void AudioServer::goOn() const
+{
+    ::kill(static_cast<pid_t>(m_process.processId()), SIGCONT);
+}
+
 QByteArray AudioServer::control(const QStringList &command) const
 {
     QProcess pactl;

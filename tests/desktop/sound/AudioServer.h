@@ -15,6 +15,10 @@ public:
     void start();
     void kill();
 
+    /// The server hangs, and goes on.
+    void halt() const;
+    void goOn() const;
+
     /// Gives the server one command, in the words of pactl, and returns what it says.
     QByteArray control(const QStringList &command) const;
 

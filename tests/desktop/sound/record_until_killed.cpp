@@ -1,20 +1,21 @@
 #include "platform/linux/sound/PulseConnection.h"
 #include "platform/linux/sound/PulseMicrophone.h"
 
+#include <QCoreApplication>
 #include <QFile>
 
-#include <unistd.h>
-
 /// Records into the file it is given for as long as it lives.
-int main(int, char **arguments)
+int main(int argc, char **argv)
 {
+    const QCoreApplication application(argc, argv);
     PulseConnection connection;
     PulseMicrophone microphone(connection);
-    if (!microphone.hasInputDevice())
+    const auto recording = microphone.open(QFile::decodeName(argv[1]), {});
+    if (!recording)
         return 1;
-    const auto recording = microphone.open(QFile::decodeName(arguments[1]), {});
-    if (!recording || !(*recording)->record())
-        return 1;
-    for (;;)
-        pause();
+    (*recording)->record([](bool begun) {
+        if (!begun)
+            QCoreApplication::exit(1);
+    });
+    return QCoreApplication::exec();
 }

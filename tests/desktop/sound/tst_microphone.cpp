@@ -1,4 +1,5 @@
 #include "desktop/sound/AudioServer.h"
+#include "desktop/sound/Awaited.h"
 #include "desktop/sound/HeardSound.h"
 #include "desktop/sound/PipeVoice.h"
 #include "platform/linux/sound/PulseConnection.h"
@@ -53,12 +54,11 @@ private Q_SLOTS:
         qputenv("PULSE_SERVER", server.isEmpty() ? "unix:" + mute.fullServerName().toUtf8() : server);
         PulseConnection connection;
         PulseMicrophone microphone(connection);
+        QVERIFY(!Awaited::inputDevice(microphone));
         QCOMPARE(microphone.authorization(), Authorization::authorized);
-        QVERIFY(!microphone.hasInputDevice());
         const auto recording = microphone.open(folder.filePath(QStringLiteral("a.wav")), {});
-        QVERIFY(!(*recording)->prepare());
-        QVERIFY(!(*recording)->record());
-        QVERIFY(!(*recording)->isRecording());
+        QVERIFY(!Awaited::record(**recording));
+        QVERIFY(!(*recording)->isRecording() && !(*recording)->loss());
     }
 
     void microphonesComeAndGo()
@@ -66,13 +66,13 @@ private Q_SLOTS:
         const AudioServer server({nullSink});
         PulseConnection connection;
         PulseMicrophone microphone(connection);
+        QVERIFY(!Awaited::inputDevice(microphone)); // a monitor is none
         QCOMPARE(microphone.authorization(), Authorization::authorized);
-        QVERIFY(!microphone.hasInputDevice()); // a monitor is none
         const QString pipe = server.path(QStringLiteral("voice"));
         server.control(load(PipeVoice::microphone(QStringLiteral("mic"), pipe)));
-        QTRY_VERIFY_WITH_TIMEOUT(microphone.hasInputDevice(), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(Awaited::inputDevice(microphone), 5000);
         server.control({QStringLiteral("unload-module"), QStringLiteral("module-pipe-source")});
-        QTRY_VERIFY_WITH_TIMEOUT(!microphone.hasInputDevice(), 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(!Awaited::inputDevice(microphone), 5000);
     }
 
     void aRealMicrophoneIsPreferredToAMonitor()
@@ -83,13 +83,13 @@ private Q_SLOTS:
         server.control({QStringLiteral("set-default-source"), QStringLiteral("speaker.monitor")});
         PulseConnection connection;
         PulseMicrophone microphone(connection);
-        QVERIFY(microphone.hasInputDevice());
+        QVERIFY(Awaited::inputDevice(microphone));
         const QString path = server.path(QStringLiteral("a.wav"));
         const auto recording = microphone.open(path, {});
-        QVERIFY((*recording)->record());
+        QVERIFY(Awaited::record(**recording));
         PipeVoice voice(pipe);
         voice.say(3200);
-        (*recording)->stop();
+        QVERIFY(Awaited::stop(**recording));
         QCOMPARE(HeardSound::read(path).samples, voice.said());
     }
 
@@ -100,14 +100,11 @@ private Q_SLOTS:
         server.control({QStringLiteral("suspend-source"), QStringLiteral("mic"), QStringLiteral("1")});
         PulseConnection connection;
         PulseMicrophone microphone(connection);
-        QVERIFY(microphone.hasInputDevice());
+        QVERIFY(Awaited::inputDevice(microphone));
         const auto recording = microphone.open(server.path(QStringLiteral("a.wav")), {});
-        QVERIFY(!(*recording)->prepare());
-        QVERIFY(!(*recording)->record());
+        QVERIFY(!Awaited::record(**recording));
         server.control({QStringLiteral("suspend-source"), QStringLiteral("mic"), QStringLiteral("0")});
-        QVERIFY((*recording)->prepare());
-        QVERIFY(!(*recording)->isRecording());
-        QVERIFY((*recording)->record());
+        QVERIFY(Awaited::record(**recording));
         QVERIFY((*recording)->isRecording());
     }
 
@@ -128,11 +125,11 @@ private Q_SLOTS:
         qputenv("PULSE_COOKIE", QFile::encodeName(ours));
         PulseConnection connection;
         PulseMicrophone microphone(connection);
+        QVERIFY(!Awaited::inputDevice(microphone));
         QCOMPARE(microphone.authorization(), Authorization::denied);
-        QVERIFY(!microphone.hasInputDevice());
         writeCookie(ours, 'a');
         microphone.requestAccess();
-        QCOMPARE(microphone.authorization(), Authorization::authorized);
+        QTRY_COMPARE_WITH_TIMEOUT(microphone.authorization(), Authorization::authorized, 5000);
         qunsetenv("PULSE_COOKIE");
     }
 
@@ -143,26 +140,21 @@ private Q_SLOTS:
         AudioServer server({PipeVoice::microphone(QStringLiteral("mic"), pipe)});
         PulseConnection connection;
         PulseMicrophone microphone(connection);
-        const auto generation = [&connection] {
-            const std::unique_lock lock(connection.loop());
-            return connection.context() ? connection.generation() : 0;
-        };
-        QVERIFY(microphone.hasInputDevice());
-        QCOMPARE(generation(), 1U);
+        QVERIFY(Awaited::inputDevice(microphone));
         server.kill();
-        QTRY_COMPARE_WITH_TIMEOUT(generation(), 0U, 5000);
-        QVERIFY(!microphone.hasInputDevice());
+        QTRY_COMPARE_WITH_TIMEOUT(connection.state(), PulseConnection::State::absent, 5000);
+        QVERIFY(!Awaited::inputDevice(microphone));
         QCOMPARE(microphone.authorization(), Authorization::authorized);
         QFile::remove(pipe); // the dead server's
         server.start();
-        QTRY_COMPARE_WITH_TIMEOUT(generation(), 2U, 5000); // unasked
+        QTRY_COMPARE_WITH_TIMEOUT(connection.state(), PulseConnection::State::ready, 5000); // unasked
 
         const QString path = server.path(QStringLiteral("a.wav"));
         const auto recording = microphone.open(path, {});
-        QVERIFY((*recording)->record());
+        QVERIFY(Awaited::record(**recording));
         PipeVoice voice(pipe);
         voice.say(1600);
-        (*recording)->stop();
+        QVERIFY(Awaited::stop(**recording));
         QCOMPARE(HeardSound::read(path).samples, voice.said());
     }
 };

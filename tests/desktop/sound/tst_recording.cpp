@@ -1,8 +1,10 @@
 #include "desktop/sound/AudioServer.h"
+#include "desktop/sound/Awaited.h"
 #include "desktop/sound/HeardSound.h"
 #include "desktop/sound/PipeVoice.h"
 #include "platform/linux/sound/PulseConnection.h"
 #include "platform/linux/sound/PulseMicrophone.h"
+#include "platform/linux/sound/PulseSoundPlayer.h"
 
 #include <QFileInfo>
 #include <QProcess>
@@ -55,7 +57,7 @@ struct PipeRoom
 {
     PipeRoom() : connection(std::make_unique<PulseConnection>()), microphone(*connection)
     {
-        QVERIFY(microphone.hasInputDevice());
+        QVERIFY(Awaited::inputDevice(microphone));
     }
 
     QString file(const char *name) const { return server.path(QString::fromLatin1(name)); }
@@ -63,7 +65,7 @@ struct PipeRoom
     std::unique_ptr<Recording> start(const char *name)
     {
         auto recording = microphone.open(file(name), {});
-        return recording && (*recording)->prepare() && (*recording)->record() ? std::move(*recording) : nullptr;
+        return recording && Awaited::record(**recording) ? std::move(*recording) : nullptr;
     }
 
     QTemporaryDir pipes;
@@ -87,9 +89,9 @@ private Q_SLOTS:
                                   QStringLiteral("module-remap-source source_name=mic master=speaker.monitor")});
         PulseConnection connection;
         PulseMicrophone microphone(connection);
-        QVERIFY(microphone.hasInputDevice());
+        QVERIFY(Awaited::inputDevice(microphone));
         const auto recording = microphone.open(server.path(QStringLiteral("a.wav")), {});
-        QVERIFY((*recording)->prepare() && (*recording)->record());
+        QVERIFY(Awaited::record(**recording));
         const auto power = [&recording] {
             (*recording)->updateMeters();
             return (*recording)->averagePower(0);
@@ -105,10 +107,10 @@ private Q_SLOTS:
         // Opened amid the tone, a recording has it from its first sample to its last.
         const QString path = server.path(QStringLiteral("b.wav"));
         const auto inside = microphone.open(path, {});
-        QVERIFY((*inside)->prepare() && (*inside)->record());
+        QVERIFY(Awaited::record(**inside));
         QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(path).size() > 16000, 5000);
         QVERIFY2(std::abs(power() - level) < 1, qPrintable(QString::number(power())));
-        (*inside)->stop();
+        QVERIFY(Awaited::stop(**inside));
         player.kill();
         player.waitForFinished();
 
@@ -123,7 +125,7 @@ private Q_SLOTS:
         }
     }
 
-    /// Every sample said between the return of record and the call of stop is in the file.
+    /// Every sample said between the answer of record and the call of stop is in the file.
     void nothingSaidIsLost()
     {
         PipeRoom room;
@@ -132,7 +134,7 @@ private Q_SLOTS:
             QVERIFY(recording);
             room.voice.forget();
             room.voice.say(800);
-            recording->stop();
+            QVERIFY(Awaited::stop(*recording));
             QVERIFY(!recording->isRecording());
             QCOMPARE(HeardSound::read(room.file(name)).samples, room.voice.said());
         }
@@ -159,11 +161,53 @@ private Q_SLOTS:
         QCOMPARE(sound.samples, room.voice.said().first(sound.samples.size()));
     }
 
+    /// The server hangs at each of the moments at which somebody could wait for it.
+    void aServerThatHangsHoldsUpNobody()
+    {
+        PipeRoom room;
+        PulseSoundPlayer player(*room.connection, QStringLiteral(SOUNDS));
+        std::optional<bool> begun;
+        auto recording = *room.microphone.open(room.file("a.wav"), {});
+        room.server.halt();
+        recording->record([&begun](bool isBegun) { begun = isBegun; });
+        player.play(QStringLiteral("Tink"));
+        QVERIFY(!begun); // the call is over, and the server has not gone on
+        QTRY_COMPARE_WITH_TIMEOUT(begun, std::optional(false), 5000);
+        recording.reset();
+        room.server.goOn();
+
+        recording = room.start("b.wav");
+        QVERIFY(recording);
+        room.voice.forget();
+        room.voice.say(8000);
+        QTRY_COMPARE_WITH_TIMEOUT(QFileInfo(room.file("b.wav")).size(), header + 16000, 5000);
+        room.server.halt();
+        bool isClosed = false;
+        recording->stop([&isClosed] { isClosed = true; });
+        QVERIFY(!isClosed);
+        QTRY_VERIFY_WITH_TIMEOUT(isClosed, 5000);
+        QCOMPARE(HeardSound::read(room.file("b.wav")).samples, room.voice.said());
+        room.server.goOn();
+
+        // One that is dropped says nothing any more, and its file is complete as it is.
+        room.voice.forget();
+        recording = room.start("c.wav");
+        QVERIFY(recording);
+        room.voice.say(8000);
+        QTRY_COMPARE_WITH_TIMEOUT(recording->heard(), 16000, 5000);
+        recording->stop([] { QFAIL("It is gone."); });
+        recording.reset();
+        QCOMPARE(HeardSound::read(room.file("c.wav")).samples, room.voice.said());
+    }
+
     void aLossKeepsWhatWasHeard_data()
     {
         QTest::addColumn<std::function<void(PipeRoom &)>>("lose");
+        QTest::addColumn<Recording::Loss>("loss");
         const auto row = [](const char *name, const std::function<void(PipeRoom &)> &lose) {
-            QTest::newRow(name) << lose;
+            QTest::newRow(name) << lose
+                                << (name == QByteArray("the disk is full") ? Recording::Loss::disk
+                                                                           : Recording::Loss::microphone);
         };
         row("the server dies", [](PipeRoom &room) { room.server.kill(); });
         row("the microphone is unplugged", [](PipeRoom &room) {
@@ -189,9 +233,9 @@ private Q_SLOTS:
         QVERIFY(recording->isRecording());
         lose(room);
         QTRY_VERIFY_WITH_TIMEOUT(!recording->isRecording(), 5000);
+        QTEST(recording->loss().value(), "loss");
         limitFiles(RLIM_INFINITY);
-        recording->stop();
-        recording->stop();
+        QVERIFY(Awaited::stop(*recording));
         QVERIFY(!recording->isRecording());
         QCOMPARE(HeardSound::read(room.file("a.wav")).samples, room.voice.said().first(16000));
     }

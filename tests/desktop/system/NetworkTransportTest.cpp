@@ -1,4 +1,5 @@
 #include "platform/linux/system/NetworkTransport.h"
+#include "platform/linux/system/NetworkChanges.h"
 #include "support/server/TlsServer.h"
 
 #include <QCoroTask>
@@ -10,6 +11,15 @@
 #include <set>
 #include <thread>
 
+#include <net/if.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sched.h>
+#include <sys/ioctl.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -17,9 +27,76 @@ using Result = std::expected<HttpResponse, TransportError>;
 using Kind = TransportError::Kind;
 
 Q_DECLARE_METATYPE(TlsServer::Answer)
+Q_DECLARE_METATYPE(TlsServer::Security)
 Q_DECLARE_METATYPE(TestCertificate)
 
 namespace {
+
+std::chrono::seconds timeAsleep{0}; // which the kernel's clocks then tell
+
+} // namespace
+
+/// The C library's function of this name, for a computer that sleeps when a test says so.
+extern "C" int clock_gettime(clockid_t clock, timespec *time) noexcept
+{
+    const int result = int(syscall(SYS_clock_gettime, clock, time));
+    if (clock == CLOCK_BOOTTIME)
+        time->tv_sec += timeAsleep.count();
+    return result;
+}
+
+namespace {
+
+/// Gives another name of the loopback an address, in network byte order, or takes it away again.
+void setAddress(const char *interface, in_addr_t address)
+{
+    const int control = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    ifreq request{};
+    std::strcpy(request.ifr_name, interface);
+    reinterpret_cast<sockaddr_in &>(request.ifr_addr) = {AF_INET, 0, {address}, {}};
+    if (address != 0)
+        ioctl(control, SIOCSIFADDR, &request);
+    else
+        ioctl(control, SIOCSIFFLAGS, &request); // not up: the name goes
+    close(control);
+}
+
+/// Our end of each connection to the server.
+QList<int> socketsTo(const TlsServer &server)
+{
+    QList<int> sockets;
+    for (int each = 3; each < 256; ++each) {
+        sockaddr_in peer{};
+        socklen_t size = sizeof peer;
+        if (getpeername(each, reinterpret_cast<sockaddr *>(&peer), &size) == 0 && peer.sin_family == AF_INET &&
+            ntohs(peer.sin_port) == server.serverPort())
+            sockets += each;
+    }
+    return sockets;
+}
+
+int option(int socket, int level, int name)
+{
+    int value = -1;
+    socklen_t size = sizeof value;
+    getsockopt(socket, level, name, &value, &size);
+    return value;
+}
+
+/// Has the connections give up sooner than they would; whether they would in about ten seconds.
+bool giveUpSooner(const TlsServer &server)
+{
+    bool is = true;
+    for (const int socket : socketsTo(server)) {
+        is = is && option(socket, IPPROTO_TCP, TCP_USER_TIMEOUT) == 10000 &&
+             option(socket, SOL_SOCKET, SO_KEEPALIVE) == 1 &&
+             option(socket, IPPROTO_TCP, TCP_KEEPIDLE) + option(socket, IPPROTO_TCP, TCP_KEEPINTVL) == 10;
+        for (const auto &[name, value] :
+             {std::pair(TCP_USER_TIMEOUT, 200), std::pair(TCP_KEEPIDLE, 1), std::pair(TCP_KEEPINTVL, 1)})
+            setsockopt(socket, IPPROTO_TCP, name, &value, sizeof value);
+    }
+    return is;
+}
 
 QCoro::Task<> keep(NetworkTransport &transport, HttpRequest request, std::stop_token stop, QList<Result> &results)
 {
@@ -147,6 +224,7 @@ private Q_SLOTS:
         const QByteArray head = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\n";
         const QByteArray chunked = head + "Transfer-Encoding: chunked\r\n\r\n";
         QTest::newRow("nothing") << QByteArray();
+        QTest::newRow("in the first line") << QByteArray("HTTP/1.1 2");
         QTest::newRow("in the head") << head;
         QTest::newRow("before the last byte") << head + "Content-Length: 17\r\n\r\n{\"text\":\"halves\"";
         QTest::newRow("in a chunk") << chunked + "11\r\n{\"text\":\"half";
@@ -159,14 +237,21 @@ private Q_SLOTS:
         for (const auto security : {TlsServer::Security::tls, TlsServer::Security::plain}) {
             TlsServer server(security);
             trust(server.authority());
-            NetworkTransport transport("Sayvane/0.1");
-            for (int i = 0; i < 5; ++i)
-                server.answer({.bytes = bytes, .afterwards = TlsServer::Afterwards::close});
-            const Result result = exchange(transport, post(server.url(u"/"_s), "body"));
-            QVERIFY(!result);
-            QCOMPARE(result.error().kind, Kind::other);
-            QVERIFY(result.error().message.contains(u"before its whole answer"_s));
-            QCOMPARE(server.requests().size(), 1); // not repeated: the server may have carried it out
+            for (const bool isKept : {false, bytes.contains('\n')}) {
+                NetworkTransport transport("Sayvane/0.1");
+                if (isKept)
+                    QVERIFY(exchange(transport, get(server.url(u"/"_s))));
+                const qsizetype before = server.requests().size();
+                for (int i = 0; i < 5; ++i)
+                    server.answer({.bytes = bytes, .afterwards = TlsServer::Afterwards::close});
+                const Result result = exchange(transport, post(server.url(u"/"_s), "body"));
+                server.forgetAnswers();
+                QVERIFY(!result);
+                QCOMPARE(result.error().kind, Kind::other);
+                QVERIFY2(result.error().message.contains(u"before its whole answer"_s),
+                         qPrintable(result.error().message));
+                QCOMPARE(server.requests().size(), before + 1); // the server may have carried it out
+            }
         }
     }
 
@@ -224,23 +309,145 @@ private Q_SLOTS:
         QCOMPARE(server.connections(), 2);
     }
 
-    void anAnswerOfEnormousSizeIsRefused_data()
+    void aConnectionThatLeadsNowhereIsGivenUp_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("announced") << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 9000000000\r\n\r\nx");
-        QTest::newRow("not announced")
-            << QByteArray("HTTP/1.1 200 OK\r\n\r\n").append(QByteArray(65 * 1024 * 1024, 'x'));
+        QTest::addColumn<QString>("moment");
+        QTest::addColumn<TlsServer::Security>("security");
+        QTest::addColumn<QString>("outcome");
+        const auto row = [](const QString &moment, TlsServer::Security security, const QString &outcome) {
+            QTest::addRow("%s %d %s", qPrintable(moment), int(security), qPrintable(outcome))
+                << moment << security << outcome;
+        };
+        for (const QString &moment : {u"kept"_s, u"uploading"_s}) {
+            row(moment, TlsServer::Security::tls, u"200"_s);
+            row(moment, TlsServer::Security::plain, u"200"_s);
+        }
+        row(u"uploading"_s, TlsServer::Security::tls, u"127.0.0.1 did not answer in time."_s); // nor then
+        row(u"waiting"_s, TlsServer::Security::tls, u"200"_s);
+        row(u"answering"_s, TlsServer::Security::tls, u"127.0.0.1 cannot be reached. Check the internet connection."_s);
     }
 
-    void anAnswerOfEnormousSizeIsRefused()
+    void aConnectionThatLeadsNowhereIsGivenUp()
+    {
+        QFETCH(QString, moment);
+        QFETCH(TlsServer::Security, security);
+        QFETCH(QString, outcome);
+        bool isLost = false;
+        TlsServer server(security);
+        trust(server.authority());
+        NetworkTransport transport("Sayvane/0.1");
+        HttpRequest request = post(server.url(u"/"_s), QByteArray(3'000'000, '\x7f'));
+        const auto lose = [&server, &isLost] {
+            if (!std::exchange(isLost, true)) {
+                server.loseAllConnections();
+                QVERIFY(giveUpSooner(server));
+            }
+        };
+        if (moment == u"kept") {
+            QVERIFY(exchange(transport, get(server.url(u"/"_s))));
+            lose();
+        } else if (moment == u"uploading") {
+            connect(&server, &TlsServer::bytesArrived, &server, lose);
+        } else {
+            const bool answers = moment == u"answering";
+            server.answer({.bytes = "HTTP/1.1 200 OK\r\n", .delay = answers ? 0s : 30s});
+            // Once the beginning of the answer is acknowledged, nothing more comes of it.
+            connect(&server, &TlsServer::requestArrived, &server,
+                    [&server, lose, answers] { QTimer::singleShot(answers ? 300ms : 0ms, &server, lose); });
+        }
+        if (outcome.contains(u"in time")) { // the limits are those of the whole
+            server.answer({.delay = 30s});
+            request.resourceTimeout = 3s;
+        }
+        const Result result = exchange(transport, request);
+        QCOMPARE(result ? QString::number(result->status) : result.error().message, outcome);
+        QCOMPARE(server.connections(), moment == u"answering" ? 1 : 2);
+        QCOMPARE(server.requests().size(), moment == u"kept" || moment == u"waiting" ? 2 : 1);
+    }
+
+    void aSleepEndsTheLifeOfConnections()
+    {
+        TlsServer server(TlsServer::Security::plain);
+        NetworkTransport transport("Sayvane/0.1");
+        QList<int> connections;
+        for (const auto sleep : {0s, 0s, 60s, 0s}) {
+            timeAsleep += sleep;
+            QVERIFY(exchange(transport, get(server.url(u"/"_s))));
+            connections += server.connections();
+        }
+        QCOMPARE(connections, (QList{1, 1, 2, 2}));
+    }
+
+    void anAddressThatComesOrGoesIsAChangeOfTheNetwork()
+    {
+        // In a network of its own, which nobody but a child without threads may make.
+        const pid_t child = fork();
+        if (child == 0) {
+            if (unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0)
+                _exit(100);
+            const in_addr_t one = htonl(0x0a090001);
+            NetworkChanges changes;
+            int wrong = changes.happened() ? 1 : 0;
+            setAddress("lo:1", one);
+            wrong |= changes.happened() && !changes.happened() ? 0 : 2;
+            wrong |= NetworkChanges().happened() ? 4 : 0; // it was there from the start
+            setAddress("lo:2", htonl(0x7f000002));        // leads nowhere else
+            wrong |= changes.happened() ? 8 : 0;
+            setAddress("lo:1", 0);
+            setAddress("lo:1", one); // as in another house whose router gives out the same
+            wrong |= changes.happened() ? 0 : 16;
+            for (int i = 0; i < 5000; ++i) // more than the kernel keeps
+                setAddress("lo:1", htonl(0x0a090002 + (i & 1)));
+            wrong |= changes.happened() && !changes.happened() ? 0 : 32;
+            setAddress("lo:1", 0);
+            wrong |= changes.happened() ? 0 : 64;
+            _exit(wrong);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        QVERIFY(WIFEXITED(status));
+        if (WEXITSTATUS(status) == 100)
+            QSKIP("No network of its own can be made here.");
+        QCOMPARE(WEXITSTATUS(status), 0);
+    }
+
+    void anAnswerLargerThanItCanBeIsNotHeld_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("outcome");
+        const QString unreadable = u"The answer could not be read."_s;
+        const QByteArray ok = "HTTP/1.1 200 OK\r\n";
+        const QByteArray huge(60'000'000, 'x');
+        const QByteArray packed = qCompress(huge).sliced(4); // what comes first is Qt's own
+        QTest::newRow("announced") << ok + "Content-Length: 9000000000\r\n\r\n" + QByteArray(2000, 'x') << unreadable;
+        QTest::newRow("not announced") << ok + "\r\n" + huge << unreadable;
+        QTest::newRow("packed") << ok + "Content-Encoding: deflate\r\nContent-Length: " +
+                                       QByteArray::number(packed.size()) + "\r\n\r\n" + packed
+                                << unreadable;
+        QTest::newRow("a head without end")
+            << ok + QByteArray("X: " + QByteArray(997, 'x') + "\r\n").repeated(400) << unreadable;
+        QTest::newRow("of a refusal") << "HTTP/1.1 429 Slow\r\nContent-Length: 60000000\r\nRetry-After: 7\r\n\r\n" +
+                                             huge
+                                      << u"429 after 7: 0 bytes"_s;
+        QTest::newRow("the largest") << ok + "Retry-After: 1\r\nContent-Length: 1000\r\n\r\n" + huge.first(1000)
+                                     << u"200 after 1: 1000 bytes"_s;
+    }
+
+    void anAnswerLargerThanItCanBeIsNotHeld()
     {
         QFETCH(QByteArray, bytes);
         TlsServer server(TlsServer::Security::plain);
         NetworkTransport transport("Sayvane/0.1");
         server.answer({.bytes = bytes, .pieceSize = 1024 * 1024});
-        const Result result = exchange(transport, get(server.url(u"/"_s)));
-        QCOMPARE(kindOf(result), Kind::other);
-        QVERIFY(result.error().message.contains(u"too large"_s));
+        HttpRequest request = get(server.url(u"/"_s));
+        request.largestAnswer = 1000;
+        const Result result = exchange(transport, request);
+        const QString outcome =
+            result ? u"%1 after %2: %3 bytes"_s.arg(result->status)
+                         .arg(result->header("Retry-After").value_or(QString()), QString::number(result->body.size()))
+                   : result.error().message;
+        QTEST(outcome, "outcome");
+        QVERIFY(result || result.error().kind == Kind::tooLarge);
     }
 
     void aServerThatCannotBeTrustedGetsNoRequest_data()

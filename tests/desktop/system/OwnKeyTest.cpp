@@ -145,9 +145,18 @@ void OwnKeyTest::whatTheNetworkDoesIsToldAndNothingElseIsDone_data()
     QTest::newRow("a page of an outage") << TlsServer::Answer::html(503, "<html>\xFF</html>") << u"! Groq: HTTP 503"_s;
     QTest::newRow("a refusal") << TlsServer::Answer::json(413, R"({"error":{"message":"Too large"}})")
                                << u"! Groq: Too large"_s;
+    QTest::newRow("words of a refusal without end")
+        << TlsServer::Answer::json(400, R"({"error":{"code":")" + QByteArray(1'000'000, 'x') + R"("}})")
+        << u"! Groq: "_s + QString(1000, u'x') + u'…';
     QTest::newRow("ten megabytes of a refusal")
-        << TlsServer::Answer::json(400, R"({"error":{"code":")" + QByteArray(10'000'000, 'x') + R"("}})")
-        << u"! Groq: "_s + QString(10'000'000, u'x');
+        << TlsServer::Answer::json(401, R"({"error":{"code":")" + QByteArray(10'000'000, 'x') + R"("}})")
+        << u"! Groq: API key rejected. Check it in Settings."_s;
+    QTest::newRow("ten megabytes of a transcript")
+        << TlsServer::Answer::json(200, R"({"text":")" + QByteArray(10'000'000, 'x') + R"("})")
+        << u"! The answer could not be read."_s;
+    QTest::newRow("a million letters") << TlsServer::Answer::json(200,
+                                                                  R"({"text":")" + QByteArray(1'000'000, 'x') + R"("})")
+                                       << QString(1'000'000, u'x');
 }
 
 void OwnKeyTest::whatTheNetworkDoesIsToldAndNothingElseIsDone()

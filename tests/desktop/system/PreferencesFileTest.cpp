@@ -8,11 +8,43 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <cerrno>
 #include <csignal>
+#include <cstdio>
+#include <dlfcn.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+const char *failing = ""; // the call of the system that a failing disk refuses
+
+int result(const char *call, auto... arguments)
+{
+    if (qstrcmp(call, failing) == 0) {
+        errno = EIO;
+        return -1;
+    }
+    return reinterpret_cast<int (*)(decltype(arguments)...)>(dlsym(RTLD_NEXT, call))(arguments...);
+}
+
+} // namespace
+
+// In the place of the C library's, also for the libraries that the test uses.
+extern "C" int fdatasync(int file)
+{
+    return result("fdatasync", file);
+}
+extern "C" int fsync(int file)
+{
+    return result("fsync", file);
+}
+extern "C" int rename(const char *from, const char *to) noexcept
+{
+    return result("rename", from, to);
+}
 
 class PreferencesFileTest : public QObject
 {
@@ -101,6 +133,8 @@ private Q_SLOTS:
         write(m_path, bytes);
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"was damaged and is kept as"_s));
         PreferencesFile file(m_folder, m_clock);
+        QCOMPARE(read(m_path), bytes); // until it is asked for; a command may have no right to it
+        file.value(u"any"_s);
         QCOMPARE(aside().size(), 1);
         QCOMPARE(read(m_folder + u'/' + aside().first()), bytes);
         QCOMPARE(stored(), kept);
@@ -115,7 +149,7 @@ private Q_SLOTS:
         for (int i = 0; i < 3; ++i) {
             write(m_path, "{" + QByteArray::number(i));
             QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"was damaged"_s));
-            const PreferencesFile file(m_folder, m_clock);
+            PreferencesFile(m_folder, m_clock).value(u"any"_s);
         }
         QCOMPARE(aside().size(), 3);
     }
@@ -130,8 +164,19 @@ private Q_SLOTS:
         QVERIFY(QFileInfo(m_path).isDir());
     }
 
-    void aFullDiskKeepsTheOldFile()
+    void aFailingDiskKeepsTheOldFile_data()
     {
+        QTest::addColumn<QByteArray>("call");
+        QTest::addColumn<bool>("replaces");
+        QTest::newRow("full") << QByteArray() << false;
+        QTest::newRow("data not on the disk") << QByteArray("fdatasync") << false;
+        QTest::newRow("no new name") << QByteArray("rename") << false;
+        QTest::newRow("name not on the disk") << QByteArray("fsync") << true;
+    }
+
+    void aFailingDiskKeepsTheOldFile()
+    {
+        QFETCH(QByteArray, call);
         PreferencesFile file(m_folder, m_clock);
         file.setValue(u"key"_s, u"old"_s);
         const QByteArray before = read(m_path);
@@ -141,16 +186,19 @@ private Q_SLOTS:
         rlimit limit{};
         getrlimit(RLIMIT_FSIZE, &limit);
         const rlimit tight{16, limit.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &tight);
+        if (call.isEmpty())
+            setrlimit(RLIMIT_FSIZE, &tight);
+        failing = call.constData();
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"cannot be written"_s));
         file.setValue(u"key"_s, u"a longer text than fits"_s);
+        failing = "";
         setrlimit(RLIMIT_FSIZE, &limit);
         std::signal(SIGXFSZ, usual);
 
-        QCOMPARE(read(m_path), before);
+        QTEST(read(m_path) != before, "replaces");
         QCOMPARE(QDir(m_folder).entryList(QDir::Files), QStringList{u"preferences.json"_s});
         QCOMPARE(file.value(u"key"_s), QJsonValue(u"a longer text than fits"_s));
-        file.setValue(u"other"_s, 1); // there is room again: everything is written
+        file.setValue(u"other"_s, 1); // the disk is well again: everything is written
         QCOMPARE(stored(), (QJsonObject{{u"key"_s, u"a longer text than fits"_s}, {u"other"_s, 1}}));
     }
 

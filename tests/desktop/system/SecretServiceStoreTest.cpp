@@ -2,6 +2,7 @@
 #include "desktop/system/KeyringDaemon.h"
 #include "platform/linux/system/SystemClock.h"
 
+#include <QCoroTask>
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -38,12 +39,20 @@ class SecretServiceStoreTest : public QObject
 
     int32_t add(SecretStore &store, const QByteArray &data)
     {
-        return store.add(m_service, m_account, data, Accessibility::afterFirstUnlock);
+        return QCoro::waitFor(store.add(m_service, m_account, data, Accessibility::afterFirstUnlock));
+    }
+    SecretStore::Found find(SecretStore &store, const QString &account)
+    {
+        return QCoro::waitFor(store.find(m_service, account, SecretStore::Asking::silently, {}));
+    }
+    int32_t remove(SecretStore &store, const QString &account)
+    {
+        return QCoro::waitFor(store.remove(m_service, account));
     }
 
     void expect(SecretStore &store, const QByteArray &data)
     {
-        const SecretStore::Found found = store.find(m_service, m_account);
+        const SecretStore::Found found = find(store, m_account);
         QCOMPARE(found.status, SecretStatus::success);
         QCOMPARE(found.data, std::optional(data));
     }
@@ -56,17 +65,17 @@ private Q_SLOTS:
     {
         start();
         SecretServiceStore store(m_clock, {});
-        QCOMPARE(store.find(m_service, m_account).status, SecretStatus::itemNotFound);
-        QCOMPARE(store.remove(m_service, m_account), SecretStatus::itemNotFound);
+        QCOMPARE(find(store, m_account).status, SecretStatus::itemNotFound);
+        QCOMPARE(remove(store, m_account), SecretStatus::itemNotFound);
 
         QCOMPARE(add(store, "gsk_one"), SecretStatus::success);
         expect(store, "gsk_one");
         QCOMPARE(add(store, "gsk_two"), SecretStatus::duplicateItem);
         expect(store, "gsk_one");
-        QCOMPARE(store.find(m_service, u"openai_api_key"_s).status, SecretStatus::itemNotFound);
+        QCOMPARE(find(store, u"openai_api_key"_s).status, SecretStatus::itemNotFound);
 
-        QCOMPARE(store.remove(m_service, m_account), SecretStatus::success);
-        QCOMPARE(store.find(m_service, m_account).status, SecretStatus::itemNotFound);
+        QCOMPARE(remove(store, m_account), SecretStatus::success);
+        QCOMPARE(find(store, m_account).status, SecretStatus::itemNotFound);
         QCOMPARE(add(store, "gsk_two"), SecretStatus::success);
         expect(store, "gsk_two");
     }
@@ -86,14 +95,14 @@ private Q_SLOTS:
         SecretServiceStore ordinary(m_clock, {});
         SecretServiceStore trial(m_clock, u"trial"_s);
         QCOMPARE(add(trial, "of the trial"), SecretStatus::success);
-        QCOMPARE(ordinary.find(m_service, m_account).status, SecretStatus::itemNotFound);
-        QCOMPARE(ordinary.remove(m_service, m_account), SecretStatus::itemNotFound);
+        QCOMPARE(find(ordinary, m_account).status, SecretStatus::itemNotFound);
+        QCOMPARE(remove(ordinary, m_account), SecretStatus::itemNotFound);
         QCOMPARE(add(ordinary, "of every day"), SecretStatus::success);
         expect(trial, "of the trial");
         expect(ordinary, "of every day");
-        QCOMPARE(trial.remove(m_service, m_account), SecretStatus::success);
+        QCOMPARE(remove(trial, m_account), SecretStatus::success);
         expect(ordinary, "of every day");
-        QCOMPARE(trial.find(m_service, m_account).status, SecretStatus::itemNotFound);
+        QCOMPARE(find(trial, m_account).status, SecretStatus::itemNotFound);
     }
 
     void aLockedKeyringIsNotAnEmptyOne()
@@ -103,24 +112,27 @@ private Q_SLOTS:
         QCOMPARE(add(store, "gsk_one"), SecretStatus::success);
         KeyringDaemon::lock();
         const auto locked = SecretStatus::interactionNotAllowed;
-        QCOMPARE(store.find(m_service, m_account).status, locked);
-        QCOMPARE(store.find(m_service, u"never stored"_s).status, locked);
-        QCOMPARE(store.remove(m_service, m_account), locked);
-        QCOMPARE(store.remove(m_service, u"never stored"_s), locked);
+        QCOMPARE(find(store, m_account).status, locked);
+        QCOMPARE(find(store, u"never stored"_s).status, locked);
+        QCOMPARE(remove(store, m_account), locked);
+        QCOMPARE(remove(store, u"never stored"_s), locked);
         QCOMPARE(add(store, "gsk_two"), locked);
-        QCOMPARE(store.add(m_service, u"never stored"_s, "x", Accessibility::afterFirstUnlockThisDeviceOnly), locked);
 
+        int changes = 0;
+        const auto listener = std::make_shared<const std::function<void()>>([&changes] { ++changes; });
+        store.follow(listener);
         KeyringDaemon::unlock();
+        QTRY_VERIFY(changes > 0);
         expect(store, "gsk_one");
-        QCOMPARE(store.find(m_service, u"never stored"_s).status, SecretStatus::itemNotFound);
+        QCOMPARE(find(store, u"never stored"_s).status, SecretStatus::itemNotFound);
     }
 
     void withoutAKeyringNothingIsAvailable()
     {
         SecretServiceStore store(m_clock, {});
-        QCOMPARE(store.find(m_service, m_account).status, SecretStatus::notAvailable);
+        QCOMPARE(find(store, m_account).status, SecretStatus::notAvailable);
         QCOMPARE(add(store, "gsk_one"), SecretStatus::notAvailable);
-        QCOMPARE(store.remove(m_service, m_account), SecretStatus::notAvailable);
+        QCOMPARE(remove(store, m_account), SecretStatus::notAvailable);
     }
 
     void aKeyringStartedAnewIsUsed()
@@ -130,15 +142,19 @@ private Q_SLOTS:
         QCOMPARE(add(store, "gsk_one"), SecretStatus::success);
         expect(store, "gsk_one");
         stop();
-        QCOMPARE(store.find(m_service, m_account).status, SecretStatus::notAvailable);
+        QCOMPARE(find(store, m_account).status, SecretStatus::notAvailable);
         start();
         expect(store, "gsk_one");
         stop();
+        int changes = 0;
+        const auto listener = std::make_shared<const std::function<void()>>([&changes] { ++changes; });
+        store.follow(listener);
         start(); // with nothing asked in between
+        QTRY_VERIFY(changes > 0);
         expect(store, "gsk_one");
         stop();
         start();
-        QCOMPARE(store.remove(m_service, m_account), SecretStatus::success);
+        QCOMPARE(remove(store, m_account), SecretStatus::success);
         QCOMPARE(add(store, "gsk_two"), SecretStatus::success);
     }
 
@@ -146,8 +162,8 @@ private Q_SLOTS:
     {
         start(KeyringDaemon::Start::untouched);
         SecretServiceStore store(m_clock, {});
-        QCOMPARE(store.find(m_service, m_account).status, SecretStatus::itemNotFound);
-        QCOMPARE(store.remove(m_service, m_account), SecretStatus::itemNotFound);
+        QCOMPARE(find(store, m_account).status, SecretStatus::itemNotFound);
+        QCOMPARE(remove(store, m_account), SecretStatus::itemNotFound);
         QCOMPARE(add(store, "gsk_one"), SecretStatus::noDefaultKeyring);
     }
 
@@ -159,7 +175,7 @@ private Q_SLOTS:
         m_daemon->signal(SIGSTOP);
         QElapsedTimer timer;
         timer.start();
-        QCOMPARE(store.find(m_service, m_account).status, SecretStatus::ioError);
+        QCOMPARE(find(store, m_account).status, SecretStatus::ioError);
         QVERIFY(timer.elapsed() < 15'000); // D-Bus itself would wait 25 s
         m_daemon->signal(SIGCONT);
         expect(store, "gsk_one");

@@ -1,6 +1,10 @@
 #include "platform/linux/system/SystemClock.h"
+#include "history/LocalDays.h"
+#include "platform/linux/system/DiskThread.h"
 
 #include <QtTest>
+
+#include <ctime>
 
 using namespace std::chrono_literals;
 
@@ -11,6 +15,67 @@ class SystemClockTest : public QObject
     SystemClock m_clock;
 
 private Q_SLOTS:
+    void theCalendarIsThatOfTheCLibrary_data()
+    {
+        QTest::addColumn<QByteArray>("variable"); // null: none
+        QTest::newRow("none") << QByteArray();
+        for (const char *variable :
+             {"", "Europe/Berlin", ":Europe/Berlin", "/usr/share/zoneinfo/Europe/Berlin",
+              ":/usr/share/zoneinfo/Africa/Casablanca", ":/etc/localtime", "/no/such/file", "no zone", "GMT-2",
+              "CET-1CEST", "NZST-12NZDT", "EST5EDT", "CET-1CEST,M3.5.0,M10.5.0/3", "<-0330>3:30", "FAR-20:15"})
+            QTest::addRow("%s.", variable) << QByteArray(variable);
+    }
+
+    void theCalendarIsThatOfTheCLibrary()
+    {
+        QFETCH(QByteArray, variable);
+        const QByteArray before = qgetenv("TZ");
+        if (variable.isNull())
+            qunsetenv("TZ");
+        else
+            qputenv("TZ", variable);
+        const QTimeZone zone = m_clock.timeZone();
+        QVERIFY(zone.isValid());
+        LocalDays days(zone);
+        int wrong = 0;
+        const time_t now = QDateTime::currentSecsSinceEpoch();
+        for (time_t moment = now - now % 1800 - 366 * 86400; moment < now + 300 * 86400; moment += 1800) {
+            tm local{};
+            localtime_r(&moment, &local);
+            const QDate day(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
+            const QDateTime asked = QDateTime::fromSecsSinceEpoch(moment, Qt::UTC);
+            if (days.dayOf(asked) != day.toJulianDay() || zone.offsetFromUtc(asked) != local.tm_gmtoff)
+                ++wrong;
+        }
+        qputenv("TZ", before);
+        QCOMPARE(wrong, 0);
+    }
+
+    void workForTheDiskIsDoneInOrderBesideTheMainThread()
+    {
+        DiskThread disk;
+        QSemaphore slow;
+        QStringList done; // read once the disk has finished
+        QStringList told;
+        auto context = std::make_unique<QObject>();
+        for (const QString &name : {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")})
+            disk.run(
+                *context,
+                [&, name] {
+                    slow.acquire();
+                    done += QThread::currentThread() == qApp->thread() ? QStringLiteral("main") : name;
+                },
+                [&, name] { told += name; });
+        slow.release(2); // nothing above has waited for it
+        QTRY_COMPARE(told, (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
+        slow.release();
+        disk.finish();
+        QCOMPARE(done, (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}));
+        context.reset(); // nobody is left to be told
+        QCoreApplication::processEvents();
+        QCOMPARE(told.size(), 2);
+    }
+
     void callsComeInTheOrderOfTheirDelaysAndNeverEarly()
     {
         QList<int> order;

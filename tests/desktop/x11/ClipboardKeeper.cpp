@@ -34,7 +34,7 @@ private:
                 m_request.property};
             xcb_send_event(m_connection.xcb(), false, m_request.requestor, 0, reinterpret_cast<const char *>(notify));
         });
-        m_read.start();
+        m_read.start(std::chrono::seconds(1));
     }
 
     X11Connection m_connection;

@@ -3,6 +3,7 @@
 #include "platform/linux/x11/FocusedWindow.h"
 #include "platform/linux/x11/SelectionOwner.h"
 #include "platform/linux/x11/SelectionSender.h"
+#include "platform/linux/x11/WindowProperty.h"
 #include "platform/linux/x11/X11Desktop.h"
 
 #include <QCoroTask>
@@ -13,6 +14,8 @@
 #include <QTest>
 
 #include <linux/input-event-codes.h>
+
+Q_DECLARE_METATYPE(KeyChord)
 
 namespace {
 
@@ -25,7 +28,10 @@ class KeyPosterTest : public QObject
 {
     Q_OBJECT
 
-    static bool post(X11Desktop &desktop, KeyChord chord) { return QCoro::waitFor(desktop.keyPoster().post(chord)); }
+    static bool post(X11Desktop &desktop, KeyChord chord)
+    {
+        return QCoro::waitFor(desktop.keyPoster().post(chord, [] { return true; }));
+    }
 
     /// Whether the window has seen Ctrl+V to its end.
     static bool hasPasted(const QStringList &log)
@@ -61,25 +67,31 @@ private Q_SLOTS:
         QVERIFY(!typist.isAnyKeyDown());
     }
 
-    void aGroupWithoutVUsesTheKeyOfAnotherGroup()
+    void lettersWithoutVStillPaste_data()
     {
-        Typist::setLayout({QStringLiteral("us,ru")});
+        QTest::addColumn<QString>("layout");
+        QTest::addColumn<int>("group");
+        QTest::addColumn<QString>("expected");
+        QTest::addRow("in another group") << QStringLiteral("us,ru") << 1 << QStringLiteral("+Cyrillic_em Control");
+        // Editors of GTK and Qt do not take Ctrl+М for Ctrl+V.
+        QTest::addRow("in no group, Russian") << QStringLiteral("ru") << 0 << QStringLiteral("+Insert Shift");
+        QTest::addRow("in no group, Greek") << QStringLiteral("gr") << 0 << QStringLiteral("+Insert Shift");
+    }
+
+    void lettersWithoutVStillPaste()
+    {
+        QFETCH(const QString, layout);
+        QFETCH(const int, group);
+        QFETCH(const QString, expected);
+        Typist::setLayout({layout});
         X11Desktop desktop;
         RecordingWindow window;
         Typist typist;
-        typist.lockGroup(1);
+        typist.lockGroup(static_cast<uint8_t>(group));
         QVERIFY(post(desktop, commandV));
         QTRY_COMPARE(window.log().size(), 4);
-        QCOMPARE(window.log()[1], QStringLiteral("+Cyrillic_em Control"));
-    }
-
-    void aKeyboardWithoutVCannotPaste()
-    {
-        Typist::setLayout({QStringLiteral("ru")});
-        X11Desktop desktop;
-        const Typist typist;
-        QVERIFY(!post(desktop, commandV));
-        QVERIFY(!post(desktop, {130, KeyFlags::command}));
+        QCOMPARE(window.log()[1], expected);
+        QVERIFY(!post(desktop, {130, KeyFlags::command})); // no such key
     }
 
     void heldModifiersAreWaitedForAndThenTakenOutOfTheWay_data()
@@ -153,24 +165,106 @@ private Q_SLOTS:
         QVERIFY(!typist.isAnyKeyDown());
     }
 
-    void aTerminalGetsItsOwnKeystroke()
+    /// And one that does not come back to us as the shortcut.
+    void aProgramGetsAKeystrokeThatItUnderstands_data()
     {
+        QTest::addColumn<QByteArray>("program");
+        QTest::addColumn<KeyChord>("shortcut");
+        QTest::addColumn<QString>("expected");
+        const KeyChord fnSpace{49, KeyFlags::fn};
+        const KeyChord controlV{9, KeyFlags::control};
+        const KeyChord controlShiftV{9, KeyFlags::control | KeyFlags::shift};
+        const KeyChord shiftInsert{114, KeyFlags::shift};
+        const auto row = [](const char *program, const KeyChord &shortcut, const char *expected) {
+            QTest::addRow("%s %lld %llx", program, shortcut.keyCode, shortcut.flags)
+                << QByteArray(program) << shortcut << QString::fromLatin1(expected);
+        };
+        row("Recorder", controlV, "+Insert Shift");
+        row("Recorder", shiftInsert, "+v Control");
+        row("Xfce4-terminal", fnSpace, "+v Shift Control");
+        row("Xfce4-terminal", controlShiftV, "+Insert Shift");
+        row("Emacs", fnSpace, "+Insert Shift");
+        row("Emacs", shiftInsert, "+y Control");
+        row("Gvim", fnSpace, "+Insert Shift");
+        row("XTerm", shiftInsert, "+Insert Shift Control");
+    }
+
+    void aProgramGetsAKeystrokeThatItUnderstands()
+    {
+        QFETCH(const QByteArray, program);
+        QFETCH(const KeyChord, shortcut);
+        QFETCH(const QString, expected);
         X11Desktop desktop;
-        RecordingWindow window("xfce4-terminal", "Xfce4-terminal");
+        RecordingWindow window("instance", program);
         Typist typist;
+        int fired = 0;
+        const auto tap = desktop.keyTaps().install({&shortcut, 1}, [&](const KeyEvent &) {
+            ++fired;
+            return KeyVerdict::swallow;
+        });
+        QVERIFY(tap);
         QVERIFY(post(desktop, commandV));
-        QTRY_COMPARE(window.log().size(), 6);
-        QCOMPARE(window.log()[2], QStringLiteral("+v Shift Control"));
+        QTRY_VERIFY(window.log().filter(QRegularExpression(QStringLiteral("^-(Control|Shift)"))).size() > 0);
+        const QRegularExpression key(QStringLiteral("^[+](v|y|Insert) "));
+        QCOMPARE(window.log().filter(key), QStringList{expected});
+        QCOMPARE(fired, 0);
+    }
+
+    /// A program that is no terminal, with a terminal in it; it tells screen readers.
+    void aTerminalInsideAnotherProgramGetsItsKeystroke()
+    {
+        QProcess bus;
+        bus.start(QStringLiteral("/usr/libexec/at-spi-bus-launcher"), {QStringLiteral("--launch-immediately")});
+        X11Desktop desktop;
+        Typist typist;
+        const xcb_atom_t address = desktop.connection().atoms()["AT_SPI_BUS"];
+        QTRY_VERIFY(!WindowProperty::read(desktop.connection(), desktop.connection().root(), address).bytes.isEmpty());
+        QProcess program;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.remove(QStringLiteral("NO_AT_BRIDGE"));
+        program.setProcessEnvironment(environment);
+        program.start(QStringLiteral("/usr/bin/python3"), {QStringLiteral(SOURCE_FOLDER "/terminal_inside.py")});
+        QTRY_COMPARE(FocusedWindow::read(desktop.connection()).className, "Terminal_inside.py");
+        const QStringList expected{QStringLiteral("entry Control+v"), QStringLiteral("terminal Control+Shift+v")};
+        QByteArray seen;
+        connect(&program, &QProcess::readyRead, &program, [&] { seen += program.readAll(); });
+        for (const QString &line : expected) {
+            const auto isPastedRightly = [&] {
+                seen.clear();
+                desktop.keyPoster().prepare();
+                QTest::qWait(50); // as long as a paste waits anyway
+                return post(desktop, commandV) && QTest::qWaitFor([&] { return seen.endsWith('\n'); }, 500) &&
+                       QString::fromUtf8(seen).trimmed() == line;
+            };
+            QTRY_VERIFY2(isPastedRightly(), seen.constData()); // its window tells of itself a little later
+            typist.tap(KEY_TAB);
+        }
+        for (QProcess *process : {&program, &bus}) {
+            process->terminate();
+            process->waitForFinished();
+        }
     }
 
     /// Plain xterm pastes PRIMARY only; what was selected elsewhere before is back afterwards.
+    void textArrivesInXterm_data()
+    {
+        QTest::addColumn<bool>("isItsKeystrokeTheShortcut");
+        QTest::addRow("by its own keystroke") << false;
+        QTest::addRow("by another") << true;
+    }
+
     void textArrivesInXterm()
     {
+        QFETCH(const bool, isItsKeystrokeTheShortcut);
         const QTemporaryDir folder;
         const QString path = folder.filePath(QStringLiteral("typed"));
         X11Desktop desktop;
         Typist typist;
-        SelectionSender sender(desktop.connection());
+        const KeyChord shortcut{114, KeyFlags::shift};
+        const auto tap =
+            isItsKeystrokeTheShortcut
+                ? desktop.keyTaps().install({&shortcut, 1}, [](const KeyEvent &) { return KeyVerdict::swallow; })
+                : nullptr;
         X11Connection otherConnection;
         SelectionSender otherSender(otherConnection);
         SelectionOwner other(otherConnection, otherSender, "PRIMARY");

@@ -15,6 +15,8 @@
 
 #include <algorithm>
 
+using namespace std::chrono_literals;
+
 Q_DECLARE_METATYPE(UnrulyOwner::Manner)
 
 /// The clipboard between us and other programs, good ones and bad ones.
@@ -22,7 +24,21 @@ class PasteboardTest : public QObject
 {
     Q_OBJECT
 
-    static QList<PasteboardItem> read(X11Desktop &desktop) { return QCoro::waitFor(desktop.pasteboard().items()); }
+    static QList<PasteboardItem> read(X11Desktop &desktop) { return QCoro::waitFor(desktop.pasteboard().items(1s)); }
+
+    /// Of an UnrulyOwner.
+    const QStringList pictures{QStringLiteral("image/png"), QStringLiteral("image/bmp"), QStringLiteral("image/jpeg"),
+                               QStringLiteral("image/tiff")};
+
+    static QStringList types(const QList<PasteboardItem> &items)
+    {
+        QStringList types;
+        for (const PasteboardItem &item : items) {
+            for (const PasteboardData &data : item)
+                types.append(data.type);
+        }
+        return types;
+    }
 
     static QByteArray bytesOf(const QList<PasteboardItem> &items, const char *type)
     {
@@ -146,7 +162,7 @@ private Q_SLOTS:
         SelectionRead back(connection, other.selection());
         bool isDone = false;
         connect(&back, &SelectionRead::finished, this, [&] { isDone = true; });
-        back.start();
+        back.start(1s);
         QTRY_VERIFY(isDone);
         const SelectionContents restored = back.contents();
         QCOMPARE(restored.size(), 4);
@@ -161,6 +177,7 @@ private Q_SLOTS:
         QTest::addColumn<UnrulyOwner::Manner>("manner");
         QTest::addColumn<QStringList>("kept");
         const QStringList good{QStringLiteral("UTF8_STRING")};
+        QTest::addRow("slow") << UnrulyOwner::Manner::slow << good + pictures + QStringList{QStringLiteral("TEXT")};
         QTest::addRow("silent") << UnrulyOwner::Manner::silent << QStringList();
         QTest::addRow("silent after the first format") << UnrulyOwner::Manner::halfSilent << good;
         QTest::addRow("dies halfway") << UnrulyOwner::Manner::diesHalfway << good;
@@ -174,15 +191,41 @@ private Q_SLOTS:
         QFETCH(const QStringList, kept);
         X11Desktop desktop;
         const UnrulyOwner owner(manner);
-        QStringList types;
-        for (const PasteboardItem &item : read(desktop)) { // it comes back at all
-            for (const PasteboardData &data : item)
-                types.append(data.type);
-        }
-        QCOMPARE(types, kept);
+        QCOMPARE(types(read(desktop)), kept); // it comes back at all
         // And nothing of it disturbs what comes next.
         desktop.pasteboard().setString(QStringLiteral("next"));
         QCOMPARE(pasted("UTF8_STRING"), "next");
+    }
+
+    /// A slow owner is still at work when the clipboard changes hands.
+    void nothingOfALaterOwnerIsRead_data()
+    {
+        QTest::addColumn<bool>("isOurs");
+        QTest::addColumn<bool>("isTheirs"); // afterwards
+        QTest::addColumn<QStringList>("kept");
+        const QStringList asked = QStringList{QStringLiteral("UTF8_STRING")} + pictures;
+        QTest::addRow("ours") << true << false << asked;
+        QTest::addRow("ours and then another program's") << true << true << asked;
+        QTest::addRow("another program's") << false << true << QStringList();
+    }
+
+    void nothingOfALaterOwnerIsRead()
+    {
+        QFETCH(const bool, isOurs);
+        QFETCH(const bool, isTheirs);
+        QFETCH(const QStringList, kept);
+        X11Desktop desktop;
+        const UnrulyOwner owner(UnrulyOwner::Manner::slow);
+        const QCoro::Task<QList<PasteboardItem>> reading = desktop.pasteboard().items(5s);
+        QTRY_VERIFY(owner.isAsked());
+        if (isOurs)
+            desktop.pasteboard().setString(QStringLiteral("ours"));
+        if (isTheirs)
+            copy("theirs", "text/html");
+        const QList<PasteboardItem> items = QCoro::waitFor(reading);
+        QCOMPARE(types(items), kept);
+        QCOMPARE(bytesOf(items, "UTF8_STRING"), isOurs ? QByteArray("good") : QByteArray());
+        QTRY_COMPARE(desktop.pasteboard().isOurs(), !isTheirs);
     }
 
     void changesOfEverybodyCountOnce()
@@ -193,7 +236,11 @@ private Q_SLOTS:
         pasteboard.setString(QStringLiteral("one"));
         const qint64 own = pasteboard.changeCount();
         QVERIFY(own > start);
+        const qint64 reads = pasteboard.readCount();
+        QCOMPARE(pasted("x-kde-passwordManagerHint"), "secret");
+        QCOMPARE(pasteboard.readCount(), reads);
         QCOMPARE(pasted("UTF8_STRING"), "one"); // our own notification has come by now
+        QCOMPARE(pasteboard.readCount(), reads + 1);
         QCOMPARE(pasteboard.changeCount(), own);
 
         copy("theirs", "UTF8_STRING");

@@ -25,6 +25,11 @@ RecordingWindow::RecordingWindow(const QByteArray &instance, const QByteArray &c
     } while (!m_connection.dispatchUntil([this] { return m_isFocused; }, 1s) && m_connection.isOpen());
 }
 
+bool RecordingWindow::awaits(const QString &line)
+{
+    return m_connection.dispatchUntil([&] { return m_log.contains(line); }, 2s);
+}
+
 void RecordingWindow::handle(const xcb_generic_event_t &event)
 {
     const uint8_t type = event.response_type & 0x7f;

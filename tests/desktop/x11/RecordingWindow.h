@@ -16,6 +16,8 @@ public:
     /// names. Repeats of a held key come as further presses.
     const QStringList &log() const { return m_log; }
     void clear() { m_log.clear(); }
+    /// Waits for that line while nothing else of the thread's events is handled; false after two seconds.
+    bool awaits(const QString &line);
 
 private:
     void handle(const xcb_generic_event_t &event);

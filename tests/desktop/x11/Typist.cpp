@@ -6,15 +6,22 @@
 #include <QProcess>
 
 #include <linux/input-event-codes.h>
+#include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
 Typist::Typist() : m_keyboard(m_connection)
 {
+    QProcess lookUp;
+    lookUp.start(QStringLiteral("xinput"),
+                 {QStringLiteral("list"), QStringLiteral("--id-only"), QStringLiteral("keyboard:Xvfb keyboard")});
+    lookUp.waitForFinished();
+    m_device = static_cast<uint8_t>(lookUp.readAll().trimmed().toUInt());
+    m_firstEvent = xcb_get_extension_data(m_connection.xcb(), &xcb_input_id)->first_event;
 }
 
 Typist::~Typist()
 {
-    const X11Keyboard::Keys down = m_keyboard.keysDown();
+    const X11Keyboard::Keys down = m_keyboard.keysDown() | m_pressed;
     for (std::size_t key = 8; key < down.size(); ++key) {
         if (down[key])
             release(static_cast<int>(key) - 8);
@@ -24,7 +31,7 @@ Typist::~Typist()
     if (lockedModifiers() & XCB_MOD_MASK_2)
         tap(KEY_NUMLOCK);
     lockGroup(0);
-    setLayout({QStringLiteral("us")});
+    setLayout({QStringLiteral("us"), QStringLiteral("-option"), QString()});
 }
 
 void Typist::press(int evdevKey)
@@ -63,7 +70,10 @@ void Typist::setLayout(const QStringList &arguments)
 
 void Typist::fake(uint8_t event, int evdevKey)
 {
-    xcb_test_fake_input(m_connection.xcb(), event, static_cast<uint8_t>(evdevKey + 8), XCB_CURRENT_TIME,
-                        XCB_WINDOW_NONE, 0, 0, 0);
+    const bool isPress = event == XCB_KEY_PRESS;
+    m_pressed[static_cast<std::size_t>(evdevKey) + 8] = isPress;
+    const int onDevice = m_firstEvent + (isPress ? XCB_INPUT_DEVICE_KEY_PRESS : XCB_INPUT_DEVICE_KEY_RELEASE);
+    xcb_test_fake_input(m_connection.xcb(), static_cast<uint8_t>(onDevice), static_cast<uint8_t>(evdevKey + 8),
+                        XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, m_device);
     m_keyboard.group(); // the answer comes after the event
 }

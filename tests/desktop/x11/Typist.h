@@ -5,7 +5,8 @@
 
 #include <QStringList>
 
-/// Fingers on the keyboard: presses and releases keys by physical position, through a connection of its own.
+/// Fingers on the server's keyboard, which is not the one that programs type on (XTEST): presses and releases keys
+/// by physical position, through a connection of its own.
 class Typist
 {
 public:
@@ -18,6 +19,8 @@ public:
     void release(int evdevKey);
     void tap(int evdevKey);
     bool isAnyKeyDown() const { return m_keyboard.keysDown().any(); }
+    /// To the server, whatever the finger does.
+    bool isDown(int evdevKey) const { return m_keyboard.keysDown()[static_cast<std::size_t>(evdevKey) + 8]; }
     uint16_t lockedModifiers() const;
     void lockGroup(uint8_t group);
     /// Runs setxkbmap with these arguments.
@@ -28,4 +31,7 @@ private:
 
     X11Connection m_connection;
     X11Keyboard m_keyboard;
+    uint8_t m_firstEvent = 0;
+    uint8_t m_device = 0;
+    X11Keyboard::Keys m_pressed; // by these fingers, whatever the server holds of it
 };

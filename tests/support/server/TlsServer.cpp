@@ -8,6 +8,9 @@
 
 #include <algorithm>
 
+#include <linux/filter.h>
+#include <sys/socket.h>
+
 namespace {
 
 /// A complete request at the start of the bytes.
@@ -23,8 +26,7 @@ std::optional<TlsServer::Request> requestIn(const QByteArray &bytes)
     request.target = words.value(1);
     for (const QByteArray &line : lines.sliced(1)) {
         const qsizetype colon = line.indexOf(':');
-        request.headers.emplaceBack(line.first(std::max<qsizetype>(colon, 0)),
-                                    line.sliced(colon + 1).trimmed());
+        request.headers.emplaceBack(line.first(std::max<qsizetype>(colon, 0)), line.sliced(colon + 1).trimmed());
     }
     const qsizetype start = end + 4;
     const qsizetype length = request.header("Content-Length").toLongLong();
@@ -98,6 +100,14 @@ void TlsServer::closeAllConnections()
         socket->disconnectFromHost();
 }
 
+void TlsServer::loseAllConnections()
+{
+    sock_filter nothing{.code = BPF_RET | BPF_K, .jt = 0, .jf = 0, .k = 0};
+    const sock_fprog filter{.len = 1, .filter = &nothing};
+    for (auto it = m_received.keyBegin(); it != m_received.keyEnd(); ++it)
+        setsockopt(int((*it)->socketDescriptor()), SOL_SOCKET, SO_ATTACH_FILTER, &filter, sizeof filter);
+}
+
 void TlsServer::incomingConnection(qintptr descriptor)
 {
     ++m_connections;
@@ -150,9 +160,8 @@ void TlsServer::sendFrom(QSslSocket *socket, const Answer &answer, qsizetype pos
     const qsizetype count = answer.pieceSize > 0 ? std::min(answer.pieceSize, left) : left;
     socket->write(answer.bytes.sliced(position, count));
     if (count < left) {
-        QTimer::singleShot(answer.pause, socket, [this, socket, answer, next = position + count] {
-            sendFrom(socket, answer, next);
-        });
+        QTimer::singleShot(answer.pause, socket,
+                           [this, socket, answer, next = position + count] { sendFrom(socket, answer, next); });
     } else if (answer.afterwards == Afterwards::close) {
         socket->disconnectFromHost();
     }

@@ -64,7 +64,10 @@ public:
     const TestCertificate &authority() const { return m_authority; }
 
     void answer(const Answer &answer) { m_answers += answer; }
+    void forgetAnswers() { m_answers.clear(); }
     void closeAllConnections();
+    /// What is sent over the connections open now is lost unseen, as where a network is gone; new ones work.
+    void loseAllConnections();
 
     const QList<Request> &requests() const { return m_requests; } ///< complete ones
     int connections() const { return m_connections; }

@@ -14,9 +14,9 @@ T.Button {
     property bool busy: false
 
     readonly property bool bare: kind === Button.Borderless || kind === Button.Link
-    readonly property color ink: kind === Button.Prominent ? Theme.onAccent
-                               : kind === Button.Destructive ? Theme.error
-                               : kind === Button.Link ? Theme.accent : Theme.text
+    property color ink: kind === Button.Prominent ? Theme.onAccent
+                      : kind === Button.Destructive ? Theme.error
+                      : kind === Button.Link ? Theme.accent : Theme.text
 
     implicitWidth: Math.max(implicitContentWidth + leftPadding + rightPadding, implicitHeight)
     implicitHeight: Theme.controlHeight

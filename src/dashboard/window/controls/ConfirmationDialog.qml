@@ -3,7 +3,8 @@ import QtQuick.Templates as T
 import QtQuick.Window
 import Sayvane
 
-/// Asks before something is lost. Cancel has the keyboard, and gives it back; Escape cancels.
+/// Asks before something is lost. Cancel has the keyboard, and gives it back; Escape cancels, and so does going
+/// to another screen.
 T.Dialog {
     id: dialog
 
@@ -14,15 +15,19 @@ T.Dialog {
 
     property Item asker: null
     property int askersReason: Qt.OtherFocusReason
+    readonly property bool there: parent !== null && parent.visible
+
+    onThereChanged: if (!there) close()
 
     function giveBack() {
+        if (!there)
+            return;
         const next = asker && asker.enabled ? asker : asker?.nextItemInFocusChain();
         next?.forceActiveFocus(askersReason);
     }
 
-    parent: T.Overlay.overlay
-    anchors.centerIn: parent
-    width: Math.min(380, parent ? parent.width - 40 : 380)
+    anchors.centerIn: T.Overlay.overlay
+    width: Math.min(380, T.Overlay.overlay ? T.Overlay.overlay.width - 40 : 380)
     implicitHeight: implicitContentHeight + 2 * padding
     padding: Theme.screenMargin
     modal: true

@@ -11,28 +11,58 @@ Flickable {
     property alias spacing: column.spacing
     property int margin: Theme.screenMargin
     property int widest: 100000
-    /// Where nothing in it takes the keyboard.
+    /// Where little in it takes the keyboard.
     property bool scrollsByKeys: false
+    property string label: ""
 
     contentWidth: width
     contentHeight: column.height + 2 * margin
     clip: true
     boundsBehavior: Flickable.StopAtBounds
     T.ScrollBar.vertical: ScrollBar {}
-    activeFocusOnTab: scrollsByKeys && contentHeight > height
+    Accessible.role: Accessible.Pane
+    Accessible.name: label
     Keys.onPressed: event => {
-        const steps = {[Qt.Key_Up]: -40, [Qt.Key_Down]: 40, [Qt.Key_PageUp]: -height, [Qt.Key_PageDown]: height,
+        const steps = {[Qt.Key_PageUp]: -height, [Qt.Key_PageDown]: height,
                        [Qt.Key_Home]: -contentHeight, [Qt.Key_End]: contentHeight};
-        if (!activeFocus || !(event.key in steps))
+        if (stop.activeFocus)
+            Object.assign(steps, {[Qt.Key_Up]: -40, [Qt.Key_Down]: 40});
+        if (!(event.key in steps))
             return;
-        contentY = Math.max(0, Math.min(contentHeight - height, contentY + steps[event.key]));
+        scrollTo(contentY + steps[event.key]);
         event.accepted = true;
     }
-    FocusRing {
+    // What a Flickable does not know: by what it got the keyboard.
+    T.Control {
+        id: stop
         parent: control
+        anchors.fill: parent
         z: 1
-        anchors.margins: 2
-        shown: control.activeFocus
+        focus: control.scrollsByKeys
+        activeFocusOnTab: control.scrollsByKeys && control.contentHeight > control.height || activeFocus
+        Accessible.role: Accessible.Pane
+        Accessible.name: control.label
+        Accessible.ignored: !control.scrollsByKeys
+        Accessible.focusable: true
+        Keys.forwardTo: [control]
+
+        FocusRing {
+            anchors.margins: 2
+            shown: stop.visualFocus
+        }
+    }
+
+    function scrollTo(y) {
+        contentY = Math.max(0, Math.min(contentHeight - height, y));
+    }
+
+    /// What the view shows, to be shown again by `resume`.
+    function whereabouts() {
+        return contentY;
+    }
+    function resume(place) {
+        column.forceLayout();
+        scrollTo(place);
     }
 
     function reveal(item) {

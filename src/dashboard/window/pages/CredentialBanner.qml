@@ -39,7 +39,7 @@ Rectangle {
         anchors.rightMargin: 20
         anchors.verticalCenter: parent.verticalCenter
         kind: Button.Prominent
-        text: "Open Settings"
+        text: qsTr("Open Settings")
         font.pixelSize: Theme.calloutSize
         onClicked: banner.dashboard.openSettings()
     }

@@ -4,7 +4,7 @@ import QtQuick.Window
 import Sayvane
 
 /// The sections on the left, the chosen one's screen on the right. The screens exist while the window is
-/// shown, each from its first visit on.
+/// shown, each from its first visit on; where each was scrolled to is kept.
 Window {
     id: window
 
@@ -13,8 +13,8 @@ Window {
     required property DictationListView dictations
     required property InsightsView insights
     required property DictionaryView dictionary
-    required property QtObject labs
-    required property QtObject settings
+    required property LabsView labs
+    required property SettingsForms settings
 
     title: "Sayvane"
     width: 960
@@ -40,11 +40,14 @@ Window {
         }
 
         Sidebar {
-            T.SplitView.minimumWidth: 180
-            T.SplitView.preferredWidth: 200
-            T.SplitView.maximumWidth: 240
+            id: sidebar
+            T.SplitView.minimumWidth: compact ? implicitWidth : 180
+            T.SplitView.preferredWidth: compact ? implicitWidth : 200
+            T.SplitView.maximumWidth: compact ? implicitWidth : 240
+            compact: window.width < 600
             dashboard: window.dashboard
             navigation: window.navigation
+            screen: screens.current
         }
         Item {
             T.SplitView.fillWidth: true
@@ -55,6 +58,10 @@ Window {
                 dashboard: window.dashboard
             }
             Item {
+                id: screens
+
+                property Item current: null
+
                 anchors.top: banner.visible ? banner.bottom : parent.top
                 anchors.bottom: parent.bottom
                 width: parent.width
@@ -89,14 +96,33 @@ Window {
     }
 
     component Screen: Loader {
+        id: screen
+
         required property string section
         readonly property bool current: window.navigation.section === section
         property bool visited: false
+        property var place: null
 
         anchors.fill: parent
         visible: current
         focus: current
         active: window.dashboard.shown && (current || visited)
         onCurrentChanged: visited = visited || current
+        onLoaded: if (place) Qt.callLater(item.resume, place)
+
+        Binding {
+            target: screens
+            property: "current"
+            value: screen.item
+            when: screen.current
+            restoreMode: Binding.RestoreNone
+        }
+        Connections {
+            target: window.dashboard
+
+            function onClosing() {
+                screen.place = screen.item ? screen.item.whereabouts() : screen.place;
+            }
+        }
     }
 }

@@ -1,8 +1,8 @@
 import QtQuick
 import Sayvane
 
-/// One dictation, the first of a day under the day's name. Its buttons show while the pointer is over it or
-/// the keyboard in it.
+/// One dictation, the first of a day under the day's name. Its buttons are there while the pointer is over it
+/// or the keyboard in it.
 Item {
     id: item
 
@@ -14,20 +14,41 @@ Item {
     required property bool firstOfDay
     required property bool lastOfDay
 
-    readonly property bool chosen: ListView.isCurrentItem && ListView.view.activeFocus
+    readonly property RowList list: ListView.view as RowList
+    readonly property bool chosen: ListView.isCurrentItem && list.activeFocus
+    /// Whether its menu is open, for which a selection stays.
+    property bool asked: false
+    property alias selected: body.selectedText
 
     signal copyWanted
     signal deleteWanted
+    signal menuWanted(real x, real y)
+
+    /// Copies what is selected, or else all of it, and shows that it did.
+    function copy() {
+        if (selected !== "")
+            body.copy();
+        else
+            copyWanted();
+        done.restart();
+    }
 
     implicitHeight: row.y + row.height
+    activeFocusOnTab: ListView.isCurrentItem || activeFocus
     Keys.onPressed: event => {
-        if (event.matches(StandardKey.Copy)) {
-            copyWanted();
-            event.accepted = true;
-        }
+        event.accepted = true;
+        if (event.matches(StandardKey.Copy))
+            copy();
+        else if (event.key === Qt.Key_Menu || (event.key === Qt.Key_F10 && event.modifiers & Qt.ShiftModifier))
+            menuWanted(texts.x, row.y + texts.y);
+        else
+            event.accepted = false;
     }
     // A row that waits to be used again is there for nobody, screen readers included.
-    ListView.onPooled: visible = false
+    ListView.onPooled: {
+        visible = false;
+        done.stop();
+    }
     ListView.onReused: {
         visible = true;
         body.deselect();
@@ -36,6 +57,10 @@ Item {
     Accessible.name: time + ", " + transcript
     Accessible.focusable: true
 
+    Timer {
+        id: done
+        interval: 1500
+    }
     DayHeader {
         id: header
         width: item.width
@@ -45,7 +70,7 @@ Item {
     ListRow {
         id: row
 
-        readonly property bool active: hovered || item.chosen || buttons.focused
+        readonly property bool active: hovered || item.chosen || item.asked
 
         y: item.firstOfDay ? header.height : 0
         width: item.width
@@ -56,7 +81,7 @@ Item {
         FocusRing {
             anchors.margins: 2
             around: Theme.buttonRadius - 3
-            shown: item.chosen
+            shown: item.activeFocus && item.list.keyed
         }
         Label {
             x: Theme.screenMargin
@@ -69,16 +94,17 @@ Item {
             wrapMode: Text.NoWrap
             Accessible.ignored: true
         }
-        Column {
+        // Of its height from the start: a column has it only once it is drawn, and the list would shift.
+        Item {
             id: texts
             x: Theme.screenMargin + 62 + 8
             y: 10
-            width: row.width - x - 8 - buttons.width - Theme.screenMargin
-            spacing: 3
+            width: row.width - x - 8 - 52 - Theme.screenMargin
+            height: body.height + (timing.visible ? 3 + timing.height : 0)
 
             TextEdit {
                 id: body
-                width: parent.width
+                width: Math.min(parent.width, Theme.readingWidth)
                 text: item.transcript
                 textFormat: TextEdit.PlainText
                 wrapMode: TextEdit.Wrap
@@ -88,11 +114,18 @@ Item {
                 selectionColor: Theme.accent
                 selectedTextColor: Theme.onAccent
                 font.pixelSize: Theme.textSize
-                activeFocusOnPress: true
-                onActiveFocusChanged: if (!activeFocus) deselect()
+                // Without a selection it is the row's to copy.
+                Keys.onPressed: event => {
+                    event.accepted = event.matches(StandardKey.Copy);
+                    if (event.accepted)
+                        item.copy();
+                }
+                onActiveFocusChanged: if (!activeFocus && !item.asked) deselect()
                 Accessible.ignored: true
             }
             Caption {
+                id: timing
+                y: body.height + 3
                 width: parent.width
                 visible: text !== ""
                 text: item.timing
@@ -102,29 +135,33 @@ Item {
         Row {
             id: buttons
 
-            readonly property bool focused: copy.activeFocus || remove.activeFocus
-
             anchors.right: parent.right
             anchors.rightMargin: Theme.screenMargin
             y: 5
             spacing: 4
-            opacity: row.active ? 1 : 0
+            visible: row.active || done.running
 
             IconButton {
-                id: copy
                 implicitWidth: 24
-                symbol: "doc.on.doc"
-                help: "Copy transcript"
-                activeFocusOnTab: row.active
-                onClicked: item.copyWanted()
+                symbol: done.running ? "checkmark" : "doc.on.doc"
+                ink: done.running ? Theme.success : Theme.text
+                help: done.running ? qsTr("Copied") : qsTr("Copy transcript")
+                activeFocusOnTab: item.ListView.isCurrentItem || activeFocus
+                onClicked: {
+                    item.copyWanted();
+                    done.restart();
+                }
             }
             IconButton {
                 id: remove
                 implicitWidth: 24
                 symbol: "trash"
-                help: "Delete"
-                activeFocusOnTab: row.active
-                onClicked: item.deleteWanted()
+                help: qsTr("Delete")
+                activeFocusOnTab: item.ListView.isCurrentItem || activeFocus
+                onClicked: {
+                    item.list.guard(remove);
+                    item.deleteWanted();
+                }
             }
         }
     }

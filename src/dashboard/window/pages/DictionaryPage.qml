@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Templates as T
 import Sayvane
 
 /// The custom vocabulary, term by term.
@@ -23,11 +22,11 @@ FocusScope {
 
             Title {
                 width: parent.width
-                text: "Dictionary"
+                text: qsTr("Dictionary")
             }
             Callout {
                 width: parent.width
-                text: "Names, brands and jargon Sayvane should spell correctly. These are sent with every transcription."
+                text: qsTr("Names, brands and jargon Sayvane should spell correctly. These are sent with every transcription.")
             }
         }
         Row {
@@ -38,14 +37,15 @@ FocusScope {
                 id: field
                 width: parent.width - add.width - parent.spacing
                 focus: true
-                placeholderText: "Add a term"
+                placeholderText: qsTr("Add a term")
                 text: page.model.newTerm
                 onTextEdited: page.model.newTerm = text
                 onAccepted: page.add()
+                Keys.onDownPressed: list.enter()
             }
             Button {
                 id: add
-                text: "Add"
+                text: qsTr("Add")
                 enabled: page.model.canAdd
                 onClicked: page.add()
             }
@@ -71,22 +71,18 @@ FocusScope {
         anchors.bottom: parent.bottom
         width: parent.width
         visible: page.model.empty
-        title: "No terms yet."
+        title: qsTr("No terms yet.")
     }
-    ListView {
+    RowList {
         id: list
         anchors.top: edge.bottom
         anchors.bottom: parent.bottom
         width: parent.width
-        clip: true
-        reuseItems: true
-        boundsBehavior: Flickable.StopAtBounds
+        heir: field
         model: page.model.rows
-        Accessible.role: Accessible.List
-        Accessible.name: "Terms"
-        T.ScrollBar.vertical: ScrollBar {}
+        Accessible.name: qsTr("Terms")
 
-        delegate: ListRow {
+        delegate: FocusScope {
             id: row
 
             required property string display
@@ -96,29 +92,47 @@ FocusScope {
             ListView.onReused: visible = true
             width: list.width
             implicitHeight: Math.max(40, term.implicitHeight + 20)
-            divided: index < list.count - 1
             Accessible.role: Accessible.ListItem
             Accessible.name: display
 
-            Label {
-                id: term
-                x: Theme.screenMargin
-                width: parent.width - 2 * x - remove.width - 8
-                anchors.verticalCenter: parent.verticalCenter
-                text: row.display
-                wrapMode: Text.Wrap
-                Accessible.ignored: true
-            }
-            IconButton {
-                id: remove
-                anchors.right: parent.right
-                anchors.rightMargin: Theme.screenMargin - 6
-                anchors.verticalCenter: parent.verticalCenter
-                symbol: "minus.circle"
-                help: "Remove"
-                Accessible.description: row.display
-                onClicked: page.model.remove(row.display)
+            ListRow {
+                anchors.fill: parent
+                divided: row.index < list.count - 1
+
+                Label {
+                    id: term
+                    x: Theme.screenMargin
+                    width: parent.width - 2 * x - remove.width - 8
+                    anchors.verticalCenter: parent.verticalCenter
+                    text: row.display
+                    wrapMode: Text.Wrap
+                    Accessible.ignored: true
+                }
+                IconButton {
+                    id: remove
+                    anchors.right: parent.right
+                    anchors.rightMargin: Theme.screenMargin - 6
+                    anchors.verticalCenter: parent.verticalCenter
+                    focus: true
+                    activeFocusOnTab: row.ListView.isCurrentItem || activeFocus
+                    symbol: "minus.circle"
+                    help: qsTr("Remove")
+                    Accessible.description: row.display
+                    Keys.onTabPressed: event => event.accepted = list.walk(1)
+                    Keys.onBacktabPressed: event => event.accepted = list.walk(-1)
+                    onClicked: {
+                        list.guard(remove);
+                        page.model.remove(row.display);
+                    }
+                }
             }
         }
+    }
+
+    function whereabouts() {
+        return list.whereabouts();
+    }
+    function resume(place) {
+        list.resume(place);
     }
 }

@@ -8,12 +8,10 @@ ScrollPane {
     required property InsightsView model
 
     scrollsByKeys: true
-    Accessible.role: Accessible.Pane
-    Accessible.name: "Insights"
-    Accessible.focusable: true
+    label: qsTr("Insights")
 
     Title {
-        text: "Insights"
+        text: qsTr("Insights")
     }
     Grid {
         id: grid
@@ -68,7 +66,7 @@ ScrollPane {
 
         SectionHeader {
             width: parent.width
-            text: "Words per day, last 14 days"
+            text: qsTr("Words per day, last 14 days")
         }
         BarChart {
             width: parent.width

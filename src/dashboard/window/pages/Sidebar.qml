@@ -1,13 +1,18 @@
 import QtQuick
+import QtQuick.Templates as T
 import Sayvane
 
-/// The list of sections; arrow keys move through it.
+/// The list of sections; arrow keys move through it. Beside it, the keys that scroll work on the screen.
 ListView {
     id: sidebar
 
     required property DashboardView dashboard
     required property DashboardNavigation navigation
+    property Item screen: null
+    /// Whether there is room for the symbols alone.
+    property bool compact: false
 
+    implicitWidth: 60
     activeFocusOnTab: true
     topMargin: 12
     bottomMargin: 12
@@ -17,6 +22,7 @@ ListView {
     model: dashboard.sections
     currentIndex: dashboard.sections.findIndex(section => section.id === navigation.section)
     keyNavigationEnabled: false
+    Keys.forwardTo: screen ? [screen] : []
     Keys.onUpPressed: choose(-1)
     Keys.onDownPressed: choose(1)
     Accessible.role: Accessible.List
@@ -30,7 +36,7 @@ ListView {
         forceActiveFocus(Qt.TabFocusReason); // a screen that comes up takes the keyboard
     }
 
-    delegate: Rectangle {
+    delegate: T.ItemDelegate {
         id: row
 
         required property var modelData
@@ -39,22 +45,24 @@ ListView {
         x: 8
         width: sidebar.width - 16
         height: 36
-        radius: Theme.buttonRadius
-        color: chosen ? Theme.pressed : press.pressed ? Theme.pressed : pointer.hovered ? Theme.hover : "transparent"
+        hoverEnabled: true
+        text: modelData.title
+        onClicked: sidebar.navigation.section = modelData.id
         Accessible.role: Accessible.ListItem
-        Accessible.name: modelData.title
+        Accessible.name: text
         Accessible.selectable: true
         Accessible.selected: chosen
         Accessible.focusable: true
-        Accessible.onPressAction: sidebar.navigation.section = modelData.id
 
-        HoverHandler {
-            id: pointer
-        }
-        TapHandler {
-            id: press
-            gesturePolicy: TapHandler.ReleaseWithinBounds
-            onTapped: sidebar.navigation.section = row.modelData.id
+        background: Rectangle {
+            radius: Theme.buttonRadius
+            color: row.chosen || row.down ? Theme.pressed : row.hovered ? Theme.hover : "transparent"
+
+            FocusRing {
+                anchors.margins: 0
+                around: Theme.buttonRadius - 3
+                shown: row.chosen && sidebar.activeFocus
+            }
         }
         TileIcon {
             id: tile
@@ -69,16 +77,16 @@ ListView {
             anchors.right: parent.right
             anchors.rightMargin: 8
             anchors.verticalCenter: parent.verticalCenter
-            text: row.modelData.title
+            visible: !sidebar.compact
+            text: row.text
             wrapMode: Text.NoWrap
             elide: Text.ElideRight
             font.weight: row.chosen ? Font.Medium : Font.Normal
             Accessible.ignored: true
         }
-        FocusRing {
-            anchors.margins: 0
-            around: Theme.buttonRadius - 3
-            shown: row.chosen && sidebar.activeFocus
+        HelpTip {
+            visible: sidebar.compact && row.hovered
+            text: row.text
         }
     }
 }

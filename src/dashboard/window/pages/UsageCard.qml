@@ -9,14 +9,14 @@ Card {
 
     SectionHeader {
         width: parent.width
-        text: "Usage"
+        text: qsTr("Usage")
     }
     Row {
         width: parent.width
 
         UsageColumn {
             width: (parent.width - 1) / 2
-            title: "This month"
+            title: qsTr("This month")
             figures: card.usage.monthFigures
             included: card.usage.included
         }
@@ -28,7 +28,7 @@ Card {
         UsageColumn {
             width: (parent.width - 1) / 2
             leftPadding: Theme.cardPadding
-            title: "All time"
+            title: qsTr("All time")
             figures: card.usage.allTimeFigures
             included: card.usage.included
         }
@@ -36,10 +36,12 @@ Card {
     Repeater {
         model: card.usage.footnotes
 
-        Caption {
+        SelectableText {
             required property string modelData
             width: card.width - 2 * card.padding
             text: modelData
+            color: Theme.secondary
+            font.pixelSize: Theme.captionSize
         }
     }
 }

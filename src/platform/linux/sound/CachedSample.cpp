@@ -2,7 +2,6 @@
 
 #include "platform/linux/sound/PulseConnection.h"
 
-#include <mutex>
 #include <utility>
 
 #include <pulse/operation.h>
@@ -18,13 +17,11 @@ CachedSample::CachedSample(PulseConnection &connection, QByteArray name, ShortSo
 
 CachedSample::~CachedSample()
 {
-    const std::unique_lock lock(m_connection.loop());
     drop();
 }
 
 void CachedSample::play()
 {
-    const std::unique_lock lock(m_connection.loop());
     if (!m_connection.context())
         return;
     if (m_keptSince == m_connection.generation()) {

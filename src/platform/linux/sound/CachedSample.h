@@ -8,7 +8,8 @@
 
 class PulseConnection;
 
-/// A sound that the audio server keeps for us, so that playing it takes one short message.
+/// A sound that the audio server keeps for us, so that playing it takes one short message. For the loop's
+/// thread.
 ///
 /// It is handed over when it is first played, and again after the server was restarted.
 class CachedSample final

@@ -36,29 +36,61 @@ CaptureStream::CaptureStream(PulseConnection &connection, uint32_t sampleRate, L
 
 CaptureStream::~CaptureStream()
 {
-    const std::unique_lock lock(m_connection.loop());
     close();
 }
 
-bool CaptureStream::open()
+void CaptureStream::open(std::function<void(bool)> opened)
 {
-    std::unique_lock lock(m_connection.loop());
-    if (!m_stream && connect()) {
-        m_connection.loop().await(lock, steady_clock::now() + patience,
-                                  [this] { return pa_stream_get_state(m_stream) != PA_STREAM_CREATING; });
-    }
+    m_opened = std::move(opened);
+    if (!connect())
+        return answer(false);
+    m_patience.emplace(m_connection.loop(), patience, [this] { answer(false); });
+}
+
+void CaptureStream::answer(bool isOpen)
+{
+    m_patience.reset();
+    if (!isOpen)
+        hangUp();
+    if (const auto opened = std::exchange(m_opened, nullptr))
+        opened(isOpen);
+}
+
+void CaptureStream::finish(Instant moment, std::function<void()> finished)
+{
+    m_moment = moment;
+    m_finished = std::move(finished);
     if (!m_live)
-        close();
-    return m_live;
+        return conclude();
+    m_question = pa_stream_update_timing_info(
+        m_stream, [](pa_stream *, int, void *self) { static_cast<CaptureStream *>(self)->latencyKnown(); },
+        this);
+    if (!m_question)
+        return conclude();
+    const auto left = std::chrono::duration_cast<microseconds>(moment + longestTail - steady_clock::now());
+    m_patience.emplace(m_connection.loop(), left, [this] { conclude(); });
 }
 
-void CaptureStream::finish()
+void CaptureStream::latencyKnown()
 {
-    const Instant now = steady_clock::now();
-    std::unique_lock lock(m_connection.loop());
-    if (m_live)
-        awaitWhatWasSaid(lock, now);
-    close();
+    pa_operation_unref(std::exchange(m_question, nullptr));
+    pa_usec_t latency = 0; // how old the next sample to arrive is
+    int isNegative = 0;
+    if (pa_stream_get_latency(m_stream, &latency, &isNegative) < 0 || isNegative)
+        return conclude();
+    const auto since = std::chrono::duration_cast<microseconds>(steady_clock::now() - m_moment);
+    const auto missing = microseconds(latency) - since;
+    if (missing <= 0us)
+        return conclude();
+    m_wanted = m_received + pa_usec_to_bytes(pa_usec_t(missing.count()), &m_format);
+}
+
+void CaptureStream::conclude()
+{
+    m_patience.reset();
+    hangUp();
+    if (const auto finished = std::exchange(m_finished, nullptr))
+        finished();
 }
 
 bool CaptureStream::connect()
@@ -85,61 +117,48 @@ bool CaptureStream::connect()
 
 void CaptureStream::close()
 {
-    if (!m_stream)
-        return;
+    m_patience.reset();
+    m_opened = nullptr;
+    m_finished = nullptr;
     hangUp();
-    pa_stream_unref(std::exchange(m_stream, nullptr));
 }
 
 void CaptureStream::hangUp()
 {
     m_live = false;
+    if (m_question) {
+        pa_operation_cancel(m_question);
+        pa_operation_unref(std::exchange(m_question, nullptr));
+    }
+    if (!m_stream)
+        return;
     pa_stream_set_state_callback(m_stream, nullptr, nullptr);
     pa_stream_set_moved_callback(m_stream, nullptr, nullptr);
     pa_stream_set_read_callback(m_stream, nullptr, nullptr);
     pa_stream_disconnect(m_stream);
+    pa_stream_unref(std::exchange(m_stream, nullptr));
 }
 
-void CaptureStream::awaitWhatWasSaid(std::unique_lock<PulseLoop> &lock, Instant now)
+// Whoever waits for the microphone or for the rest is told when it ends.
+void CaptureStream::ended()
 {
-    const Instant deadline = now + longestTail;
-    const microseconds age(latency(lock, deadline)); // of the next sample to arrive
-    const auto missing = age - std::chrono::duration_cast<microseconds>(steady_clock::now() - now);
-    if (missing <= 0us)
-        return;
-    const uint64_t wanted = m_received + pa_usec_to_bytes(pa_usec_t(missing.count()), &m_format);
-    m_connection.loop().await(lock, deadline, [this, wanted] { return m_received >= wanted || !m_live; });
-}
-
-pa_usec_t CaptureStream::latency(std::unique_lock<PulseLoop> &lock, Instant deadline)
-{
-    pa_operation *operation = pa_stream_update_timing_info(
-        m_stream,
-        [](pa_stream *, int, void *self) {
-            static_cast<CaptureStream *>(self)->m_connection.loop().announce();
-        },
-        this);
-    if (!operation)
-        return 0;
-    m_connection.loop().await(
-        lock, deadline, [operation] { return pa_operation_get_state(operation) != PA_OPERATION_RUNNING; });
-    pa_operation_cancel(operation);
-    pa_operation_unref(operation);
-    pa_usec_t latency = 0;
-    int isNegative = 0;
-    const bool known = pa_stream_get_latency(m_stream, &latency, &isNegative) >= 0;
-    return known && !isNegative ? latency : 0;
+    if (m_opened)
+        return answer(false);
+    conclude();
 }
 
 void CaptureStream::stateChanged()
 {
     const pa_stream_state_t state = pa_stream_get_state(m_stream);
-    if (state == PA_STREAM_FAILED || state == PA_STREAM_TERMINATED) {
-        const char *cause = pa_strerror(pa_context_errno(pa_stream_get_context(m_stream)));
-        qCWarning(soundLog) << (m_live ? "The microphone is lost:" : "The microphone refuses:") << cause;
+    if (state == PA_STREAM_READY) {
+        m_live = true;
+        return answer(true);
     }
-    m_live = state == PA_STREAM_READY;
-    m_connection.loop().announce();
+    if (state != PA_STREAM_FAILED && state != PA_STREAM_TERMINATED)
+        return;
+    const char *cause = pa_strerror(pa_context_errno(pa_stream_get_context(m_stream)));
+    qCWarning(soundLog) << (m_live ? "The microphone is lost:" : "The microphone refuses:") << cause;
+    ended();
 }
 
 void CaptureStream::moved()
@@ -147,23 +166,24 @@ void CaptureStream::moved()
     if (!m_connection.sources().isMonitor(pa_stream_get_device_index(m_stream)))
         return;
     qCWarning(soundLog) << "The microphone is lost: only monitors are left";
-    hangUp();
-    m_connection.loop().announce();
+    ended();
 }
 
 void CaptureStream::arrived()
 {
     const void *data = nullptr;
     size_t size = 0;
-    while (m_live && pa_stream_peek(m_stream, &data, &size) >= 0 && size > 0) {
+    bool goesOn = true;
+    while (goesOn && pa_stream_peek(m_stream, &data, &size) >= 0 && size > 0) {
         // A hole keeps its length, as silence.
         const QByteArray hole = data ? QByteArray() : QByteArray(qsizetype(size), '\0');
         const auto pcm = data ? QByteArrayView(static_cast<const char *>(data), qsizetype(size)) : hole;
         m_received += size;
-        const bool goOn = m_listener(pcm);
+        goesOn = m_listener(pcm);
         pa_stream_drop(m_stream);
-        if (!goOn)
-            hangUp();
     }
-    m_connection.loop().announce();
+    if (!goesOn)
+        return ended();
+    if (m_wanted && m_received >= *m_wanted)
+        conclude();
 }

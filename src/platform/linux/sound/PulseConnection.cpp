@@ -8,7 +8,6 @@
 #include <pulse/error.h>
 #include <pulse/operation.h>
 #include <pulse/proplist.h>
-#include <pulse/timeval.h>
 
 namespace {
 
@@ -39,36 +38,45 @@ void release(pa_operation *operation)
 
 PulseConnection::PulseConnection() : m_pause(shortestPause)
 {
-    const std::unique_lock lock(m_loop);
-    connect();
+    m_loop.post([this] { connect(); });
 }
 
 PulseConnection::~PulseConnection()
 {
-    const std::unique_lock lock(m_loop);
-    disconnect();
+    m_loop.post([this] {
+        m_grace.reset();
+        disconnect();
+    });
+    m_loop.end();
 }
 
-PulseConnection::State PulseConnection::settledState()
+void PulseConnection::knock()
 {
-    std::unique_lock lock(m_loop);
-    settled(lock);
-    return m_state;
+    m_loop.post([this] {
+        if (m_state == State::absent || m_state == State::refused)
+            connect();
+    });
 }
 
-bool PulseConnection::hasInput()
-{
-    std::unique_lock lock(m_loop);
-    settled(lock);
-    return m_state == State::ready && m_sources.hasInput();
-}
-
-void PulseConnection::settled(std::unique_lock<PulseLoop> &lock)
+void PulseConnection::whenSettled(PulseLoop::Task call)
 {
     if (m_state == State::absent || m_state == State::refused)
         connect();
     // Counted from the first attempt, so that a server that hangs costs the moment only once.
-    m_loop.await(lock, m_began + grace, [this] { return m_state != State::connecting; });
+    const auto left = m_began + grace - std::chrono::steady_clock::now();
+    if (m_state != State::connecting || left <= 0s)
+        return call();
+    m_waiting.push_back(std::move(call));
+    if (!m_grace)
+        m_grace.emplace(m_loop, std::chrono::duration_cast<std::chrono::microseconds>(left),
+                        [this] { callWaiting(); });
+}
+
+void PulseConnection::callWaiting()
+{
+    m_grace.reset();
+    for (const PulseLoop::Task &call : std::exchange(m_waiting, {}))
+        call();
 }
 
 void PulseConnection::connect()
@@ -82,16 +90,16 @@ void PulseConnection::connect()
         this);
     const bool begun = pa_context_connect(m_context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) >= 0;
     if (!begun && m_state == State::connecting) { // an address that makes no sense is not called back
-        settle(State::absent);
         retryLater();
+        settle(State::absent);
     }
 }
 
 void PulseConnection::disconnect()
 {
-    if (m_retry)
-        m_loop.api()->time_free(std::exchange(m_retry, nullptr));
+    m_retry.reset();
     m_sources.clear();
+    sourcesChanged();
     if (!m_context)
         return;
     pa_context_set_state_callback(m_context, nullptr, nullptr);
@@ -102,21 +110,15 @@ void PulseConnection::disconnect()
 
 void PulseConnection::retryLater()
 {
-    timeval when;
-    pa_timeval_add(pa_gettimeofday(&when), pa_usec_t(std::chrono::microseconds(m_pause).count()));
+    m_retry.emplace(m_loop, m_pause, [this] { connect(); });
     m_pause = std::min(2 * m_pause, longestPause);
-    m_retry = m_loop.api()->time_new(
-        m_loop.api(), &when,
-        [](pa_mainloop_api *, pa_time_event *, const timeval *, void *self) {
-            static_cast<PulseConnection *>(self)->connect();
-        },
-        this);
 }
 
 void PulseConnection::settle(State state)
 {
+    m_isRefused = state == State::refused;
     m_state = state;
-    m_loop.announce();
+    callWaiting();
 }
 
 void PulseConnection::contextChanged()
@@ -129,8 +131,9 @@ void PulseConnection::contextChanged()
         if (m_state == State::ready)
             qCInfo(soundLog) << "The audio server is gone:" << pa_strerror(cause);
         m_sources.clear();
-        settle(cause == PA_ERR_ACCESS || cause == PA_ERR_AUTHKEY ? State::refused : State::absent);
+        sourcesChanged();
         retryLater();
+        settle(cause == PA_ERR_ACCESS || cause == PA_ERR_AUTHKEY ? State::refused : State::absent);
     }
 }
 
@@ -165,8 +168,10 @@ void PulseConnection::sourceEvent(pa_subscription_event_type_t event, uint32_t i
         return;
     }
     const int kind = event & PA_SUBSCRIPTION_EVENT_TYPE_MASK;
-    if (kind == PA_SUBSCRIPTION_EVENT_REMOVE)
+    if (kind == PA_SUBSCRIPTION_EVENT_REMOVE) {
         m_sources.remove(index);
+        sourcesChanged();
+    }
     if (kind != PA_SUBSCRIPTION_EVENT_NEW) // neither name nor kind of a source ever change
         return;
     const auto found = [](pa_context *, const pa_source_info *source, int end, void *self) {
@@ -180,6 +185,7 @@ void PulseConnection::sourceEvent(pa_subscription_event_type_t event, uint32_t i
 void PulseConnection::learn(const pa_source_info &source)
 {
     m_sources.insert(source.index, source.name, source.monitor_of_sink != PA_INVALID_INDEX);
+    sourcesChanged();
 }
 
 void PulseConnection::askForDefault()

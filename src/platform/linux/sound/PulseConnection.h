@@ -1,9 +1,13 @@
 #pragma once
 
 #include "platform/linux/sound/InputSources.h"
+#include "platform/linux/sound/LoopTimer.h"
 #include "platform/linux/sound/PulseLoop.h"
 
+#include <atomic>
 #include <chrono>
+#include <optional>
+#include <vector>
 
 #include <pulse/context.h>
 #include <pulse/introspect.h>
@@ -29,15 +33,24 @@ public:
     PulseConnection(const PulseConnection &) = delete;
     PulseConnection &operator=(const PulseConnection &) = delete;
 
-    /// Where things stand. Connects first if need be, and waits a moment for an answer under way.
-    State settledState();
+    /// Where things stand. From any thread, as `hasInput` and `isRefused`.
+    State state() const { return m_state; }
 
-    /// Whether the server has a real input. Waits like `settledState`.
-    bool hasInput();
+    /// Whether the server has a real input; false while there is no server.
+    bool hasInput() const { return m_hasInput; }
+
+    /// Whether the server that answered last turned us away.
+    bool isRefused() const { return m_isRefused; }
+
+    /// Connects now rather than at the next attempt, where there is no connection. From any thread.
+    void knock();
 
     PulseLoop &loop() { return m_loop; }
 
-    // The rest is for those who hold the loop's lock.
+    // The rest is for the loop's thread.
+
+    /// Connects if need be and calls as soon as it is known where things stand, after a moment at the latest.
+    void whenSettled(PulseLoop::Task call);
 
     /// The context to work with; null while there is none.
     pa_context *context() const { return m_state == State::ready ? m_context : nullptr; }
@@ -52,7 +65,8 @@ private:
     void disconnect();
     void retryLater();
     void settle(State state);
-    void settled(std::unique_lock<PulseLoop> &lock);
+    void callWaiting();
+    void sourcesChanged() { m_hasInput = m_sources.hasInput(); }
 
     // Called by libpulse.
     void contextChanged();
@@ -63,10 +77,14 @@ private:
 
     PulseLoop m_loop;
     pa_context *m_context = nullptr;
-    pa_time_event *m_retry = nullptr;
+    std::optional<LoopTimer> m_retry;
+    std::optional<LoopTimer> m_grace; // while somebody waits
+    std::vector<PulseLoop::Task> m_waiting;
     std::chrono::milliseconds m_pause;
     std::chrono::steady_clock::time_point m_began;
-    State m_state = State::connecting;
+    std::atomic<State> m_state = State::connecting;
+    std::atomic<bool> m_hasInput = false;
+    std::atomic<bool> m_isRefused = false;
     unsigned m_generation = 0;
     InputSources m_sources;
 };

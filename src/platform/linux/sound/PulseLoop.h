@@ -1,41 +1,45 @@
 #pragma once
 
-#include <chrono>
-#include <condition_variable>
+#include <QObject>
+
+#include <functional>
 #include <mutex>
+#include <thread>
+#include <vector>
 
-#include <pulse/thread-mainloop.h>
+#include <pulse/mainloop.h>
 
-/// The thread on which libpulse works, and the lock that guards everything it touches.
-///
-/// libpulse calls back on that thread with the lock held. Whoever wants something of a pa_ object
-/// from another thread holds the lock meanwhile: `std::unique_lock lock(loop)`.
+/// The thread on which libpulse works. Everything of libpulse is touched there alone: other threads post what
+/// they want, and the main thread is told what came of it. So nobody waits for an audio server that hangs.
 class PulseLoop final
 {
 public:
+    using Task = std::function<void()>;
+
     PulseLoop();
     ~PulseLoop();
     PulseLoop(const PulseLoop &) = delete;
     PulseLoop &operator=(const PulseLoop &) = delete;
 
-    void lock() { pa_threaded_mainloop_lock(m_loop); }
-    void unlock() { pa_threaded_mainloop_unlock(m_loop); }
+    /// Has the loop's thread do this after all that was posted before. From any thread.
+    void post(Task task);
 
-    pa_mainloop_api *api() { return pa_threaded_mainloop_get_api(m_loop); }
+    /// Has the main thread do this at its next turn, unless this loop is gone by then. From any thread.
+    void tellMain(Task task);
 
-    /// Wakes those who wait: something has changed.
-    void announce() { m_changed.notify_all(); }
+    /// Does what was posted, and ends the thread. Nothing may be posted afterwards.
+    void end();
 
-    /// Lets the thread work until the condition holds, at most until the deadline; returns whether it
-    /// holds. Never call this from the loop's own thread.
-    template <typename Condition>
-    bool await(std::unique_lock<PulseLoop> &lock, std::chrono::steady_clock::time_point deadline,
-               Condition condition)
-    {
-        return m_changed.wait_until(lock, deadline, condition);
-    }
+    /// For those who are on the loop's thread.
+    pa_mainloop_api *api() { return pa_mainloop_get_api(m_loop); }
 
 private:
-    pa_threaded_mainloop *m_loop;
-    std::condition_variable_any m_changed;
+    void doPosted();
+
+    pa_mainloop *m_loop;
+    int m_bell; // rung when something is posted
+    std::mutex m_mutex;
+    std::vector<Task> m_posted; // guarded by the mutex
+    QObject m_main;
+    std::thread m_thread;
 };

@@ -5,20 +5,28 @@
 
 #include <utility>
 
-bool PulseMicrophone::hasInputDevice() const
+void PulseMicrophone::findInputDevice(std::function<void(bool)> answer)
 {
-    return m_connection.hasInput();
+    if (m_connection.state() == PulseConnection::State::ready)
+        return answer(m_connection.hasInput());
+    m_connection.loop().post([&connection = m_connection, answer = std::move(answer)] {
+        connection.whenSettled([&connection, answer] {
+            connection.loop().tellMain([&connection, answer] { answer(connection.hasInput()); });
+        });
+    });
 }
 
 Microphone::Authorization PulseMicrophone::authorization() const
 {
-    const bool refused = m_connection.settledState() == PulseConnection::State::refused;
-    return refused ? Authorization::denied : Authorization::authorized;
+    if (!m_connection.isRefused())
+        return Authorization::authorized;
+    m_connection.knock(); // it may have changed its mind
+    return Authorization::denied;
 }
 
 void PulseMicrophone::requestAccess()
 {
-    m_connection.settledState();
+    m_connection.knock();
 }
 
 std::expected<std::unique_ptr<Recording>, QString> PulseMicrophone::open(const QString &path,

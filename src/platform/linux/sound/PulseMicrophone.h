@@ -11,10 +11,10 @@ class PulseMicrophone final : public Microphone
 public:
     explicit PulseMicrophone(PulseConnection &connection) : m_connection(connection) {}
 
-    bool hasInputDevice() const override;
+    void findInputDevice(std::function<void(bool)> answer) override;
 
-    /// `denied` when a server runs but turns us away. No server at all is a matter of
-    /// `hasInputDevice`: there is nobody who could object.
+    /// `denied` when a server runs but turned us away. No server at all is a matter of
+    /// `findInputDevice`: there is nobody who could object.
     Authorization authorization() const override;
 
     /// An audio server has nothing to ask the user: this knocks once more.

@@ -1,33 +1,33 @@
 #pragma once
 
 #include "platform/Microphone.h"
-#include "platform/linux/sound/CaptureStream.h"
-#include "platform/linux/sound/LevelMeter.h"
 #include "platform/linux/sound/WavFile.h"
 
-#include <atomic>
+class PulseConnection;
 
 /// A recording of the audio server's microphone, written to its file as it is heard.
 ///
-/// `prepare` opens the microphone; what it hears before `record` is dropped. A full disk ends the
-/// recording, and the file keeps what it holds.
+/// A full disk ends the recording, and the file keeps what it holds.
 class PulseRecording final : public Recording
 {
 public:
     PulseRecording(PulseConnection &connection, WavFile file, uint32_t sampleRate);
+    ~PulseRecording() override;
 
-    bool prepare() override;
-    bool record() override;
-    void stop() override;
+    void record(std::function<void(bool)> answer) override;
+    void stop(std::function<void()> closed) override;
     bool isRecording() const override;
+    std::optional<Loss> loss() const override;
+    qint64 heard() const override;
     void updateMeters() override;
     double averagePower(int channel) const override;
 
 private:
-    bool heard(QByteArrayView pcm);
+    class Capture;
 
-    WavFile m_file;
-    LevelMeter m_meter;
-    std::atomic<bool> m_recording = false;
-    CaptureStream m_stream;
+    PulseConnection &m_connection;
+    std::shared_ptr<Capture> m_capture; // lives, and dies, on the loop's thread
+    std::shared_ptr<const bool> m_asks; // there are answers only while it is there
+    bool m_begun = false;
+    bool m_stopped = false;
 };

@@ -4,10 +4,8 @@
 
 #include <QString>
 
-#include <map>
 #include <memory>
 
-class CachedSample;
 class PulseConnection;
 
 /// Plays the four sounds of the program through the audio server's default sink.
@@ -22,9 +20,8 @@ public:
     void play(const QString &name) override;
 
 private:
-    std::unique_ptr<CachedSample> load(const QString &name) const;
+    class Samples;
 
     PulseConnection &m_connection;
-    QString m_folder;
-    std::map<QString, std::unique_ptr<CachedSample>> m_samples; // null for a file that cannot be read
+    std::shared_ptr<Samples> m_samples; // lives, and dies, on the loop's thread
 };

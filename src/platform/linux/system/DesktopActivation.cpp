@@ -14,3 +14,8 @@ void DesktopActivation::setPolicy(ActivationPolicy policy)
     if (std::exchange(m_policy, policy) == ActivationPolicy::regular && policy == ActivationPolicy::accessory)
         QTimer::singleShot(1s, qApp, [] { malloc_trim(0); });
 }
+
+bool DesktopActivation::tilesWindows() const
+{
+    return qEnvironmentVariableIsSet("SWAYSOCK") || qEnvironmentVariableIsSet("HYPRLAND_INSTANCE_SIGNATURE");
+}

@@ -15,6 +15,12 @@ struct GlibRelease
             g_error_free(value);
         else if constexpr (std::is_same_v<T, GVariant>)
             g_variant_unref(value);
+        else if constexpr (std::is_same_v<T, GMainContext>)
+            g_main_context_unref(value);
+        else if constexpr (std::is_same_v<T, GMainLoop>)
+            g_main_loop_unref(value);
+        else if constexpr (std::is_same_v<T, GSource>)
+            g_source_unref(value);
         else
             g_object_unref(value);
     }
@@ -23,3 +29,10 @@ struct GlibRelease
 /// Sole owner of one reference.
 template <typename T>
 using GlibPointer = std::unique_ptr<T, GlibRelease>;
+
+/// The same, for a reference that several share.
+template <typename T>
+std::shared_ptr<T> glibShared(T *value)
+{
+    return value ? std::shared_ptr<T>(value, GlibRelease()) : nullptr;
+}

@@ -5,10 +5,17 @@
 
 #include <algorithm>
 
-NetworkExchange::NetworkExchange(TransferLoop &loop, const HttpRequest &request, const QByteArray &userAgent,
-                                 const Trust &trust, const std::optional<DesktopProxy::Route> &route)
-    : m_loop(loop),
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
+NetworkExchange::NetworkExchange(std::shared_ptr<TransferLoop> loop, Renewal renew,
+                                 const HttpRequest &request, const QByteArray &userAgent, const Trust &trust,
+                                 const std::optional<DesktopProxy::Route> &route)
+    : m_loop(std::move(loop)),
+      m_renew(std::move(renew)),
       m_host(request.url.host()),
+      m_largestBody(request.largestAnswer),
       m_transfer(curl_easy_init())
 {
     describe(request, userAgent, trust);
@@ -22,12 +29,25 @@ NetworkExchange::NetworkExchange(TransferLoop &loop, const HttpRequest &request,
     }
     m_silence.start(request.timeout);
     m_whole.start(request.resourceTimeout);
-    m_loop.add(m_transfer.get(), [this](CURLcode code) { conclude(code); });
+    begin();
 }
 
 NetworkExchange::~NetworkExchange()
 {
-    m_loop.remove(m_transfer.get());
+    m_loop->remove(m_transfer.get());
+}
+
+void NetworkExchange::begin()
+{
+    m_loop->add(m_transfer.get(), [this](CURLcode code) { conclude(code); });
+}
+
+void NetworkExchange::beginAgain()
+{
+    if (m_result) // ended meanwhile
+        return;
+    m_loop = m_renew(m_loop);
+    begin();
 }
 
 void NetworkExchange::describe(const HttpRequest &request, const QByteArray &userAgent, const Trust &trust)
@@ -41,10 +61,10 @@ void NetworkExchange::describe(const HttpRequest &request, const QByteArray &use
     curl_easy_setopt(transfer, CURLOPT_ACCEPT_ENCODING, ""); // all that libcurl can unpack
     curl_easy_setopt(transfer, CURLOPT_CAINFO, trust.file.isEmpty() ? nullptr : trust.file.constData());
     curl_easy_setopt(transfer, CURLOPT_CAPATH, trust.folder.isEmpty() ? nullptr : trust.folder.constData());
-    curl_easy_setopt(transfer, CURLOPT_MAXFILESIZE_LARGE, curl_off_t(largestBody)); // when announced
     curl_easy_setopt(transfer, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     curl_easy_setopt(transfer, CURLOPT_ERRORBUFFER, m_detail.data());
     curl_easy_setopt(transfer, CURLOPT_QUICK_EXIT, 1L); // a name look-up is left alone, not waited for
+    curl_easy_setopt(transfer, CURLOPT_SOCKOPTFUNCTION, &NetworkExchange::socketMade);
     curl_easy_setopt(transfer, CURLOPT_HEADERFUNCTION, &NetworkExchange::headerArrived);
     curl_easy_setopt(transfer, CURLOPT_HEADERDATA, this);
     curl_easy_setopt(transfer, CURLOPT_WRITEFUNCTION, &NetworkExchange::bodyArrived);
@@ -84,7 +104,13 @@ void NetworkExchange::addHeader(const QByteArray &line)
 
 size_t NetworkExchange::headerArrived(const char *line, size_t, size_t size, void *self)
 {
-    static_cast<NetworkExchange *>(self)->takeHeader(QByteArray(line, qsizetype(size)));
+    auto &exchange = *static_cast<NetworkExchange *>(self);
+    exchange.m_headSize += qsizetype(size);
+    if (exchange.m_headSize > largestHead) {
+        exchange.m_isTooLarge = true;
+        return 0; // libcurl ends the transfer with CURLE_WRITE_ERROR
+    }
+    exchange.takeHeader(QByteArray(line, qsizetype(size)));
     return size;
 }
 
@@ -106,10 +132,32 @@ size_t NetworkExchange::bodyArrived(const char *bytes, size_t, size_t size, void
 {
     auto &exchange = *static_cast<NetworkExchange *>(self);
     QByteArray &body = exchange.m_response.body;
-    if (qsizetype(size) > largestBody - body.size())
-        return 0; // libcurl ends the transfer with CURLE_WRITE_ERROR
+    if (qsizetype(size) > exchange.m_largestBody - body.size()) {
+        exchange.m_isTooLarge = true;
+        return 0; // as above
+    }
     body.append(bytes, qsizetype(size));
     return size;
+}
+
+/// A connection whose other end is out of reach is given up after about ten seconds, be it in the middle of
+/// an upload or while its answer is awaited. The times are those of tcp(7).
+int NetworkExchange::socketMade(void *, curl_socket_t socket, curlsocktype)
+{
+    const auto set = [socket](int level, int option, int value) {
+        setsockopt(socket, level, option, &value, sizeof value);
+    };
+    set(IPPROTO_TCP, TCP_USER_TIMEOUT, 10'000);
+    set(SOL_SOCKET, SO_KEEPALIVE, 1);
+    set(IPPROTO_TCP, TCP_KEEPIDLE, 5);
+    set(IPPROTO_TCP, TCP_KEEPINTVL, 5);
+    return CURL_SOCKOPT_OK;
+}
+
+/// Whether the connection led nowhere: the other end did not so much as refuse, and nothing came of it.
+bool NetworkExchange::isUnheard(CURLcode code) const
+{
+    return m_headSize == 0 && TransportFailure::isOutOfReach(code, m_detail.data());
 }
 
 int NetworkExchange::progressed(void *self, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent)
@@ -124,13 +172,21 @@ int NetworkExchange::progressed(void *self, curl_off_t, curl_off_t received, cur
 
 void NetworkExchange::conclude(CURLcode code)
 {
-    if (code != CURLE_OK)
-        return finish(std::unexpected(TransportFailure::of(code, m_transfer.get(), m_host, m_detail.data())));
-    if (!m_headComplete) // libcurl is content with a connection that is closed there
-        return finish(std::unexpected(TransportFailure::cutShort(m_host)));
+    if (isUnheard(code) && !m_isSecondAttempt) {
+        m_isSecondAttempt = true;
+        QMetaObject::invokeMethod(
+            this, [this] { beginAgain(); }, Qt::QueuedConnection); // the loop is still at work
+        return;
+    }
     long status = 0;
     curl_easy_getinfo(m_transfer.get(), CURLINFO_RESPONSE_CODE, &status);
     m_response.status = int(status);
+    if (m_isTooLarge && m_headComplete && !m_response.isSuccess())
+        m_response.body.clear();
+    else if (code != CURLE_OK)
+        return finish(std::unexpected(TransportFailure::of(code, m_transfer.get(), m_host, m_detail.data())));
+    if (!m_headComplete) // libcurl is content with a connection that is closed there
+        return finish(std::unexpected(TransportFailure::cutShort(m_host)));
     finish(std::move(m_response));
 }
 

@@ -1,6 +1,7 @@
 #include "platform/linux/system/NetworkTransport.h"
 
 #include "platform/linux/system/DesktopProxy.h"
+#include "platform/linux/system/NetworkChanges.h"
 #include "platform/linux/system/TransferLoop.h"
 #include "platform/linux/system/TransportFailure.h"
 
@@ -50,6 +51,24 @@ NetworkTransport::~NetworkTransport()
         (*m_exchanges.begin())->endNow(TransportFailure::cancelled());
 }
 
+std::shared_ptr<TransferLoop> NetworkTransport::loop()
+{
+    if (!m_changes) {
+        m_changes = std::make_unique<NetworkChanges>();
+        m_proxy = std::make_unique<DesktopProxy>();
+    }
+    if (m_changes->happened() || !m_loop)
+        m_loop = std::make_shared<TransferLoop>();
+    return m_loop;
+}
+
+std::shared_ptr<TransferLoop> NetworkTransport::loopAfter(const std::shared_ptr<TransferLoop> &dead)
+{
+    if (m_loop == dead)
+        m_loop.reset();
+    return loop();
+}
+
 QCoro::Task<std::expected<HttpResponse, TransportError>> NetworkTransport::send(HttpRequest request,
                                                                                 std::stop_token stop)
 {
@@ -57,13 +76,10 @@ QCoro::Task<std::expected<HttpResponse, TransportError>> NetworkTransport::send(
         co_return std::unexpected(TransportFailure::cancelled());
     if (!isSendable(request))
         co_return std::unexpected(TransportFailure::malformed());
-    if (!m_loop) {
-        m_loop = std::make_unique<TransferLoop>();
-        m_proxy = std::make_unique<DesktopProxy>();
-    }
-
+    const auto renew = [this](const std::shared_ptr<TransferLoop> &dead) { return loopAfter(dead); };
+    auto shared = loop(); // which makes what the route comes from
     const auto route = m_proxy->route(request.url);
-    NetworkExchange exchange(*m_loop, request, m_userAgent, m_trust, route);
+    NetworkExchange exchange(std::move(shared), renew, request, m_userAgent, m_trust, route);
     m_exchanges.insert(&exchange);
     const auto leave = qScopeGuard([this, &exchange] { m_exchanges.remove(&exchange); });
     const std::stop_callback stopping(stop, [&exchange] { // on whichever thread asks for it

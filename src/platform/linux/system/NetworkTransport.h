@@ -5,6 +5,7 @@
 
 #include <QSet>
 
+class NetworkChanges;
 class TransferLoop;
 
 /// HTTP/1.1 through libcurl, which is set up for the first request. Used on the main thread.
@@ -16,9 +17,11 @@ class TransferLoop;
 /// system's; the folder is one with hashed names. Nothing is stored: no cookies, no cache.
 ///
 /// Beside the given headers a request has Host, Content-Length, Accept-Encoding and User-Agent. It is
-/// sent once; only on a connection kept from before, closed without a byte of an answer, is it sent
-/// again on a new one. An answer of more than 64 MB is an error. Requests under way when the transport
-/// is destroyed end as cancelled before its destructor returns.
+/// sent once. Only where not a line of an answer came is it sent again, on a new connection and within the
+/// same limits: when one that was kept from before is closed, and once when the other end is out of reach,
+/// which shows after about ten seconds. A connection is not kept over a change of this computer's addresses
+/// or its sleep. Requests under way when the transport is destroyed end as cancelled before its destructor
+/// returns.
 class NetworkTransport final : public HttpTransport
 {
 public:
@@ -29,9 +32,13 @@ public:
                                                                   std::stop_token stop) override;
 
 private:
+    std::shared_ptr<TransferLoop> loop();
+    std::shared_ptr<TransferLoop> loopAfter(const std::shared_ptr<TransferLoop> &dead);
+
     QByteArray m_userAgent;
     NetworkExchange::Trust m_trust;
-    std::unique_ptr<TransferLoop> m_loop;
+    std::unique_ptr<NetworkChanges> m_changes; // made for the first request, as what follows
     std::unique_ptr<DesktopProxy> m_proxy;
-    QSet<NetworkExchange *> m_exchanges; // under way
+    std::shared_ptr<TransferLoop> m_loop; // an earlier one lives as long as its exchanges
+    QSet<NetworkExchange *> m_exchanges;  // under way
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/AppearanceListeners.h"
+#include "platform/Appearance.h"
 
 #include <QDBusVariant>
 #include <QObject>
@@ -25,6 +25,6 @@ private:
     void take(const QString &group, const QString &key, const QVariant &value);
 
     AppearanceWishes m_wishes;
-    AppearanceListeners m_listeners;
+    Listeners m_listeners;
     bool m_subscribed = false;
 };

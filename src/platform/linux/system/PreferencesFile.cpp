@@ -55,12 +55,21 @@ std::expected<std::optional<QByteArray>, QString> contentsOf(const QString &path
 
 PreferencesFile::PreferencesFile(QString folder, const Clock &clock)
     : m_folder(std::move(folder)),
-      m_path(m_folder + u"/preferences.json"_s)
+      m_path(m_folder + u"/preferences.json"_s),
+      m_clock(clock)
 {
-    load(clock);
 }
 
-void PreferencesFile::load(const Clock &clock)
+QJsonObject &PreferencesFile::values() const
+{
+    if (!m_isRead) {
+        m_isRead = true;
+        load();
+    }
+    return m_values;
+}
+
+void PreferencesFile::load() const
 {
     const auto contents = contentsOf(m_path);
     if (!contents) {
@@ -77,7 +86,7 @@ void PreferencesFile::load(const Clock &clock)
     m_values = storableOf(stored);
     if (document.isObject() && m_values.size() == stored.size())
         return;
-    if (!moveAside(clock)) {
+    if (!moveAside()) {
         m_writing = Writing::off;
         return;
     }
@@ -85,10 +94,10 @@ void PreferencesFile::load(const Clock &clock)
         write();
 }
 
-bool PreferencesFile::moveAside(const Clock &clock)
+bool PreferencesFile::moveAside() const
 {
     const QString target = QFileInfo(m_path).canonicalFilePath();
-    const QString date = clock.now().toUTC().toString(u"yyyyMMdd-HHmmss"_s);
+    const QString date = m_clock.now().toUTC().toString(u"yyyyMMdd-HHmmss"_s);
     QString aside = u"%1/preferences-corrupt-%2.json"_s.arg(m_folder, date);
     for (int copy = 2; QFileInfo::exists(aside); ++copy)
         aside = u"%1/preferences-corrupt-%2-%3.json"_s.arg(m_folder, date).arg(copy);
@@ -106,7 +115,7 @@ bool PreferencesFile::moveAside(const Clock &clock)
 
 QJsonValue PreferencesFile::value(const QString &key) const
 {
-    return m_values.value(key);
+    return values().value(key);
 }
 
 void PreferencesFile::setValue(const QString &key, const QJsonValue &value)
@@ -115,22 +124,22 @@ void PreferencesFile::setValue(const QString &key, const QJsonValue &value)
         qCWarning(preferencesLog) << "A value that is no text, boolean or number was refused for" << key;
         return;
     }
-    const QJsonValue stored = m_values.value(key);
+    const QJsonValue stored = values().value(key);
     if (stored == value)
         return;
-    m_values.insert(key, value);
+    values().insert(key, value);
     write();
 }
 
 void PreferencesFile::remove(const QString &key)
 {
-    if (!m_values.contains(key))
+    if (!values().contains(key))
         return;
-    m_values.remove(key);
+    values().remove(key);
     write();
 }
 
-void PreferencesFile::write()
+void PreferencesFile::write() const
 {
     if (m_writing == Writing::off)
         return;

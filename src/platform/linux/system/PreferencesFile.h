@@ -5,8 +5,8 @@
 
 #include <QJsonObject>
 
-/// The preferences as one JSON object in `preferences.json`, read once and replaced whole on every
-/// change. A link in its place stays a link; its target is replaced.
+/// The preferences as one JSON object in `preferences.json`, read once, when first asked for, and replaced
+/// whole on every change. A link in its place stays a link; its target is replaced.
 ///
 /// What cannot be understood is moved aside to `preferences-corrupt-DATE.json` beside it; the texts,
 /// booleans and numbers of an object that also holds other things are kept. A file that can be neither
@@ -14,7 +14,8 @@
 class PreferencesFile final : public DefaultsStore
 {
 public:
-    /// Reads the file. The folder is made when something is first written.
+    /// Touches nothing: what a command does not ask for may belong to a program that runs. The folder is made
+    /// when something is first written.
     PreferencesFile(QString folder, const Clock &clock);
 
     QJsonValue value(const QString &key) const override;
@@ -25,12 +26,15 @@ public:
 private:
     enum class Writing { on, off };
 
-    void load(const Clock &clock);
-    bool moveAside(const Clock &clock);
-    void write();
+    QJsonObject &values() const;
+    void load() const;
+    bool moveAside() const;
+    void write() const;
 
     QString m_folder;
     QString m_path;
-    QJsonObject m_values;
-    Writing m_writing = Writing::on;
+    const Clock &m_clock;
+    mutable bool m_isRead = false;
+    mutable QJsonObject m_values;
+    mutable Writing m_writing = Writing::on;
 };

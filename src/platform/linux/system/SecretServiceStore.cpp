@@ -3,15 +3,76 @@
 #include "platform/linux/system/Profile.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
-SecretServiceStore::SecretServiceStore(const Clock &clock, QString profile)
-    : m_profile(std::move(profile)),
-      m_prompt(clock, QDBusConnection::sessionBus())
+namespace {
+
+// Somebody's words wait meanwhile.
+constexpr auto lookUpLimit = 60s;
+
+} // namespace
+
+SecretServiceStore::SecretServiceStore(Clock &clock, QString profile)
+    : m_clock(clock),
+      m_profile(std::move(profile))
 {
 }
 
-KeyringSession::Attributes SecretServiceStore::attributes(const QString &service,
-                                                          const QString &account) const
+SecretServiceStore::~SecretServiceStore()
+{
+    while (!m_underWay.empty()) { // also those that a waiter starts on being told
+        const std::function<void()> end = m_underWay.front();
+        end();
+    }
+    if (!m_thread)
+        return;
+    m_thread->run([this, thread = m_thread.get()] {
+        m_keyring->cancel();
+        thread->runUntil([this] { return !m_keyring->isBusy(); });
+        m_keyring.reset();
+    });
+    m_thread.reset();
+}
+
+void SecretServiceStore::start()
+{
+    if (m_thread)
+        return;
+    m_thread = std::make_unique<GlibThread>();
+    m_thread->run([this] {
+        m_keyring = std::make_unique<Keyring>(m_clock, [this] {
+            QMetaObject::invokeMethod(
+                &m_here, [this] { m_listeners.tell(); }, Qt::QueuedConnection);
+        });
+    });
+}
+
+template <typename T>
+QCoro::Task<T> SecretServiceStore::there(Work<T> work, T abandoned)
+{
+    start();
+    const auto completion = std::make_shared<Completion<T>>();
+    const auto end =
+        m_underWay.insert(m_underWay.end(), [completion, abandoned] { completion->complete(abandoned); });
+    const std::function<void(T)> deliver = [this, completion](const T &outcome) {
+        QMetaObject::invokeMethod(
+            &m_here, [completion, outcome] { completion->complete(outcome); }, Qt::QueuedConnection);
+    };
+    m_thread->run([this, work, deliver] { serve<T>(*m_keyring, work, deliver); });
+    const typename Completion<T>::Awaiter awaiter{completion.get()};
+    const T outcome = co_await awaiter;
+    m_underWay.erase(end);
+    co_return outcome;
+}
+
+template <typename T>
+QCoro::Task<> SecretServiceStore::serve(Keyring &keyring, Work<T> work, std::function<void(T)> deliver)
+{
+    const T outcome = co_await work(keyring);
+    deliver(outcome);
+}
+
+Keyring::Attributes SecretServiceStore::attributes(const QString &service, const QString &account) const
 {
     return {
         {u"xdg:schema"_s, u"com.sayvane.app"_s},
@@ -23,100 +84,67 @@ KeyringSession::Attributes SecretServiceStore::attributes(const QString &service
     };
 }
 
-SecretStore::Found SecretServiceStore::find(const QString &service, const QString &account)
+QCoro::Task<SecretStore::Found> SecretServiceStore::find(QString service, QString account, Asking asking,
+                                                         std::stop_token stop)
 {
-    const auto items = m_session.search(attributes(service, account));
-    if (!items)
-        return {std::nullopt, items.error()};
-    if (!items->unlocked.isEmpty()) {
-        const auto secret = m_session.secret(items->unlocked.first());
-        if (!secret)
-            return {std::nullopt, secret.error()};
-        return {*secret, SecretStatus::success};
-    }
-    return {std::nullopt, items->locked.isEmpty() ? absent() : locked(items->locked)};
+    const Found locked{std::nullopt, SecretStatus::interactionNotAllowed};
+    const Found gone{std::nullopt, SecretStatus::notAvailable};
+    if (stop.stop_requested())
+        co_return locked;
+    const Work<Found> work = [wanted = attributes(service, account), asking](Keyring &keyring) {
+        return keyring.find(wanted, asking);
+    };
+    // The look-up itself goes on when nobody waits for it any more: an answer to it is heard all the same.
+    const auto first = std::make_shared<Completion<Found>>();
+    const std::function<void()> leave = [first, locked] { first->complete(locked); };
+    const std::unique_ptr<Timer> limit = m_clock.after(lookUpLimit, leave);
+    const std::stop_callback stopping(stop, leave);
+    pass(there(work, gone), first);
+    const Completion<Found>::Awaiter awaiter{first.get()};
+    const Found found = co_await awaiter;
+    co_return found;
 }
 
-int32_t SecretServiceStore::add(const QString &service, const QString &account, const QByteArray &data,
-                                Accessibility)
+QCoro::Task<> SecretServiceStore::pass(QCoro::Task<Found> from, std::shared_ptr<Completion<Found>> to)
 {
-    const auto items = m_session.search(attributes(service, account));
-    if (!items)
-        return items.error();
-    if (!items->unlocked.isEmpty())
-        return SecretStatus::duplicateItem;
-    if (!items->locked.isEmpty())
-        return locked(items->locked);
-    const auto collection = m_session.defaultCollection();
-    if (!collection)
-        return collection.error();
-    if (collection->isEmpty()) {
-        m_prompt.createDefaultCollection();
-        return SecretStatus::noDefaultKeyring;
-    }
-    const auto created =
-        m_session.create(*collection, u"Sayvane: "_s + account, attributes(service, account), data);
-    if (created)
-        return SecretStatus::success;
-    return created.error() == SecretStatus::interactionNotAllowed ? locked({*collection}) : created.error();
+    const Found found = co_await from;
+    to->complete(found);
 }
 
-int32_t SecretServiceStore::remove(const QString &service, const QString &account)
+QCoro::Task<int32_t> SecretServiceStore::add(QString service, QString account, QByteArray data, Accessibility)
 {
-    const auto items = m_session.search(attributes(service, account));
-    if (!items)
-        return items.error();
-    if (!items->locked.isEmpty())
-        return locked(items->locked);
-    if (items->unlocked.isEmpty())
-        return absent();
-    for (const QString &item : items->unlocked) {
-        const auto removed = m_session.remove(item);
-        if (!removed)
-            return removed.error();
-    }
-    return SecretStatus::success;
+    const Work<int32_t> work = [wanted = attributes(service, account), label = u"Sayvane: "_s + account,
+                                data](Keyring &keyring) { return keyring.add(wanted, label, data); };
+    return there(work, SecretStatus::notAvailable);
 }
 
-int32_t SecretServiceStore::locked(const QStringList &objects)
+QCoro::Task<int32_t> SecretServiceStore::remove(QString service, QString account)
 {
-    m_prompt.unlock(objects);
-    return SecretStatus::interactionNotAllowed;
-}
-
-/// Nothing was found: that is certain only when the keyring that would hold it is open.
-int32_t SecretServiceStore::absent()
-{
-    const auto collection = m_session.defaultCollection();
-    if (!collection)
-        return collection.error();
-    if (collection->isEmpty())
-        return SecretStatus::itemNotFound;
-    const auto isLocked = m_session.isLocked(*collection);
-    if (!isLocked)
-        return isLocked.error();
-    return *isLocked ? locked({*collection}) : SecretStatus::itemNotFound;
+    const Work<int32_t> work = [wanted = attributes(service, account)](Keyring &keyring) {
+        return keyring.remove(wanted);
+    };
+    return there(work, SecretStatus::notAvailable);
 }
 
 std::optional<QString> SecretServiceStore::message(int32_t status) const
 {
     switch (status) {
     case SecretStatus::userCanceled:
-        return u"The keyring's question was dismissed."_s;
+        return tr("The keyring's question was dismissed.");
     case SecretStatus::notAvailable:
-        return u"No keyring is running on this desktop, so nothing can be kept secret."_s;
+        return tr("No keyring is running on this desktop, so nothing can be kept secret.");
     case SecretStatus::authFailed:
-        return u"The keyring refused access."_s;
+        return tr("The keyring refused access.");
     case SecretStatus::itemNotFound:
-        return u"The item is not in the keyring."_s;
+        return tr("The item is not in the keyring.");
     case SecretStatus::interactionNotAllowed:
-        return u"The keyring is locked. Unlock it and try again."_s;
+        return tr("The keyring is locked. Unlock it and try again.");
     case SecretStatus::ioError:
-        return u"The keyring did not answer as it should. Try again."_s;
+        return tr("The keyring did not answer as it should. Try again.");
     case SecretStatus::duplicateItem:
-        return u"The item is already in the keyring."_s;
+        return tr("The item is already in the keyring.");
     case SecretStatus::noDefaultKeyring:
-        return u"There is no keyring yet. Answer the desktop's question about a new one and try again."_s;
+        return tr("There is no keyring yet. Answer the desktop's question about a new one and try again.");
     default:
         return std::nullopt;
     }

@@ -87,7 +87,7 @@ QDateTime SystemClock::now() const
 
 QTimeZone SystemClock::timeZone() const
 {
-    return QTimeZone::systemTimeZone();
+    return m_zone.current();
 }
 
 Clock::Duration SystemClock::monotonic() const

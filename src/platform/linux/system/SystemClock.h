@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Clock.h"
+#include "platform/linux/system/LocalZone.h"
 
 /// The computer's own clocks; pending calls come from the main thread's event loop.
 ///
@@ -14,4 +15,7 @@ public:
     Duration monotonic() const override;
     std::unique_ptr<Timer> after(Duration delay, std::function<void()> call) override;
     std::unique_ptr<Timer> every(Duration period, std::function<void()> call) override;
+
+private:
+    mutable LocalZone m_zone;
 };

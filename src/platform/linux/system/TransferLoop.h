@@ -10,7 +10,8 @@
 
 #include <curl/curl.h>
 
-/// Runs libcurl's transfers from the main thread's event loop and keeps their connections for reuse.
+/// Runs libcurl's transfers from the main thread's event loop and keeps their connections, and what it knows
+/// of hosts' addresses, for reuse.
 class TransferLoop final : public QObject
 {
     Q_OBJECT

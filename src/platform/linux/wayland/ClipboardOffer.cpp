@@ -23,12 +23,13 @@ ClipboardOffer::~ClipboardOffer()
     zwlr_data_control_offer_v1_destroy(m_offer);
 }
 
-std::unique_ptr<PipeReader> ClipboardOffer::read(const QString &type) const
+std::unique_ptr<PipeReader> ClipboardOffer::read(const QString &type,
+                                                 const std::shared_ptr<qsizetype> &room) const
 {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0)
         return nullptr;
     zwlr_data_control_offer_v1_receive(m_offer, type.toUtf8().constData(), ends[1]);
     ::close(ends[1]); // the request carries a copy
-    return std::make_unique<PipeReader>(ends[0]);
+    return std::make_unique<PipeReader>(ends[0], room);
 }

@@ -21,8 +21,8 @@ public:
     zwlr_data_control_offer_v1 *id() const { return m_offer; }
     const QStringList &types() const { return m_types; }
     /// Asks for the data in one of the types; the request leaves when the connection is flushed. Null when
-    /// there is no pipe to be had.
-    std::unique_ptr<PipeReader> read(const QString &type) const;
+    /// there is no pipe to be had. For the room, see PipeReader.
+    std::unique_ptr<PipeReader> read(const QString &type, const std::shared_ptr<qsizetype> &room) const;
 
 private:
     zwlr_data_control_offer_v1 *m_offer;

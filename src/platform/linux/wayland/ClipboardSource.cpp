@@ -7,8 +7,10 @@
 #include <algorithm>
 #include <utility>
 
-ClipboardSource::ClipboardSource(zwlr_data_control_manager_v1 *clipboards, PasteboardItem contents)
-    : m_source(zwlr_data_control_manager_v1_create_data_source(clipboards)),
+ClipboardSource::ClipboardSource(zwlr_data_control_manager_v1 *clipboards, PasteboardItem contents,
+                                 QObject *parent)
+    : QObject(parent),
+      m_source(zwlr_data_control_manager_v1_create_data_source(clipboards)),
       m_contents(std::move(contents))
 {
     static constexpr zwlr_data_control_source_v1_listener listener{
@@ -34,5 +36,6 @@ void ClipboardSource::send(const QString &type, int descriptor)
 {
     const auto wanted = std::ranges::find(std::as_const(m_contents), type, &PasteboardData::type);
     // It deletes itself: what was asked for is still delivered when the clipboard changes meanwhile.
-    new PipeWriter(descriptor, wanted == m_contents.cend() ? QByteArray() : wanted->bytes);
+    new PipeWriter(descriptor, wanted == m_contents.cend() ? QByteArray() : wanted->bytes, parent());
+    Q_EMIT asked(type);
 }

@@ -12,13 +12,15 @@ class ClipboardSource final : public QObject
 {
     Q_OBJECT
 public:
-    ClipboardSource(zwlr_data_control_manager_v1 *clipboards, PasteboardItem contents);
+    /// What is asked for is delivered in the parent's time, also when the source has gone.
+    ClipboardSource(zwlr_data_control_manager_v1 *clipboards, PasteboardItem contents, QObject *parent);
     ~ClipboardSource() override;
     Q_DISABLE_COPY_MOVE(ClipboardSource)
 
     zwlr_data_control_source_v1 *id() const { return m_source; }
 
 Q_SIGNALS:
+    void asked(const QString &type);
     /// The clipboard is somebody else's now.
     void cancelled();
 

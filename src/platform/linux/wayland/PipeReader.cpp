@@ -1,30 +1,19 @@
 #include "platform/linux/wayland/PipeReader.h"
 
-#include <QTimer>
-
 #include <array>
 #include <cerrno>
-#include <chrono>
+#include <utility>
 
 #include <fcntl.h>
 #include <unistd.h>
 
-using namespace std::chrono_literals;
-
-namespace {
-
-constexpr auto timeLimit = 500ms;
-constexpr qsizetype sizeLimit = 64 * 1024 * 1024;
-
-} // namespace
-
-PipeReader::PipeReader(int descriptor)
+PipeReader::PipeReader(int descriptor, std::shared_ptr<qsizetype> room)
     : m_descriptor(descriptor),
+      m_room(std::move(room)),
       m_notifier(descriptor, QSocketNotifier::Read)
 {
     ::fcntl(m_descriptor, F_SETFL, O_NONBLOCK);
     connect(&m_notifier, &QSocketNotifier::activated, this, &PipeReader::read);
-    QTimer::singleShot(timeLimit, this, [this] { give({}); });
 }
 
 PipeReader::~PipeReader()
@@ -41,9 +30,12 @@ void PipeReader::read()
         return;
     if (count <= 0)
         return give(count == 0 ? m_bytes : QByteArray());
+    if (*m_room < count) {
+        *m_room += m_bytes.size();
+        return give({});
+    }
+    *m_room -= count;
     m_bytes.append(part.data(), count);
-    if (m_bytes.size() > sizeLimit)
-        give({});
 }
 
 void PipeReader::give(const QByteArray &bytes)

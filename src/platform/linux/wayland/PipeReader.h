@@ -4,17 +4,21 @@
 #include <QObject>
 #include <QSocketNotifier>
 
-/// Reads a pipe to its end, or until a bound on time or size is passed; then there is nothing.
+#include <memory>
+
+/// Reads a pipe to its end, unless there is more than may be; then there is nothing.
 class PipeReader final : public QObject
 {
     Q_OBJECT
 public:
-    /// Takes the descriptor over.
-    explicit PipeReader(int descriptor);
+    /// Takes the descriptor over. `room` is how many bytes may still come, by all who share it.
+    PipeReader(int descriptor, std::shared_ptr<qsizetype> room);
     ~PipeReader() override;
     Q_DISABLE_COPY_MOVE(PipeReader)
 
-    const QByteArray &bytes() const { return m_bytes; }
+    bool isDone() const { return !m_notifier.isEnabled(); }
+    /// What came, once it is done; empty on failure.
+    QByteArray bytes() const { return isDone() ? m_bytes : QByteArray(); }
 
 Q_SIGNALS:
     void finished();
@@ -24,6 +28,7 @@ private:
     void give(const QByteArray &bytes);
 
     int m_descriptor;
+    std::shared_ptr<qsizetype> m_room;
     QSocketNotifier m_notifier;
     QByteArray m_bytes;
 };

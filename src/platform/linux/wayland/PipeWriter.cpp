@@ -17,8 +17,9 @@ constexpr auto timeLimit = 10s;
 
 } // namespace
 
-PipeWriter::PipeWriter(int descriptor, QByteArray bytes)
-    : m_descriptor(descriptor),
+PipeWriter::PipeWriter(int descriptor, QByteArray bytes, QObject *parent)
+    : QObject(parent),
+      m_descriptor(descriptor),
       m_notifier(descriptor, QSocketNotifier::Write),
       m_bytes(std::move(bytes))
 {

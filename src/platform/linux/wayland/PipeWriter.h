@@ -11,7 +11,7 @@ class PipeWriter final : public QObject
     Q_OBJECT
 public:
     /// Takes the descriptor over.
-    PipeWriter(int descriptor, QByteArray bytes);
+    PipeWriter(int descriptor, QByteArray bytes, QObject *parent);
     ~PipeWriter() override;
     Q_DISABLE_COPY_MOVE(PipeWriter)
 

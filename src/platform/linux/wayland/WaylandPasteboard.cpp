@@ -1,36 +1,49 @@
 #include "platform/linux/wayland/WaylandPasteboard.h"
 
+#include "platform/linux/clipboard/PasteboardThread.h"
 #include "platform/linux/wayland/ClipboardOffer.h"
 #include "platform/linux/wayland/ClipboardSource.h"
 #include "platform/linux/wayland/PipeReader.h"
-#include "platform/linux/wayland/WaylandConnection.h"
 
 #include <QCoroSignal>
-#include <QDeadlineTimer>
 #include <QPointer>
+#include <QTimer>
 
 #include <wlr-data-control-unstable-v1.h>
 
 #include <algorithm>
 #include <chrono>
 #include <utility>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto readLimit = 1s; // all formats together
+const QString secretHint = u"x-kde-passwordManagerHint"_s;
+
+// An owner that offers more repeats itself in formats that nobody wants.
+constexpr qsizetype formatLimit = 64;
+constexpr qsizetype sizeLimit = 64 * 1024 * 1024; // all formats together
 
 } // namespace
 
-WaylandPasteboard::WaylandPasteboard(WaylandConnection &connection) : m_connection(connection)
+WaylandPasteboard::WaylandPasteboard() : m_isLost(!m_connection.clipboards() || !m_connection.seat())
 {
-    if (!connection.clipboards() || !connection.seat())
+    if (m_isLost)
         return;
-    m_device = zwlr_data_control_manager_v1_get_data_device(connection.clipboards(), connection.seat());
+    m_device = zwlr_data_control_manager_v1_get_data_device(m_connection.clipboards(), m_connection.seat());
     listen();
-    connection.flush();
+    m_connection.flush();
+}
+
+std::unique_ptr<PasteboardThread> WaylandPasteboard::inThread()
+{
+    if (!WaylandConnection::answers())
+        return nullptr;
+    auto clipboard = std::make_unique<PasteboardThread>([] { return std::make_unique<WaylandPasteboard>(); });
+    return clipboard->isReachable() ? std::move(clipboard) : nullptr;
 }
 
 WaylandPasteboard::~WaylandPasteboard()
@@ -65,26 +78,34 @@ void WaylandPasteboard::adopt(zwlr_data_control_offer_v1 *selected)
         ++m_changeCount;
 }
 
-QCoro::Task<QList<PasteboardItem>> WaylandPasteboard::items()
+// All at once, from the one who offered them: what was asked for comes also when the clipboard changes.
+QCoro::Task<QList<PasteboardItem>> WaylandPasteboard::items(std::chrono::milliseconds limit)
 {
     PasteboardItem item;
     if (m_source || m_isLost) {
         item = m_ours;
-    } else if (const std::shared_ptr<ClipboardOffer> offer = m_offer) {
-        const QPointer self(this);
-        const QDeadlineTimer limit(readLimit);
-        for (const QString &type : offer->types()) {
-            if (limit.hasExpired())
+    } else if (m_offer) {
+        const auto room = std::make_shared<qsizetype>(sizeLimit);
+        QTimer timer;
+        timer.setSingleShot(true);
+        timer.start(limit);
+        const QStringList types = m_offer->types().first(std::min(formatLimit, m_offer->types().size()));
+        std::vector<std::pair<QString, std::unique_ptr<PipeReader>>> readers;
+        for (const QString &type : types) {
+            if (auto reader = m_offer->read(type, room))
+                readers.emplace_back(type, std::move(reader));
+        }
+        m_connection.flush();
+        for (const auto &[type, reader] : readers) {
+            if (!timer.isActive())
                 break;
-            const std::shared_ptr<PipeReader> reader = offer->read(type);
-            if (!reader)
-                continue;
-            m_connection.flush();
-            co_await qCoro(reader.get(), &PipeReader::finished);
-            if (!self)
-                co_return QList<PasteboardItem>{};
-            if (!reader->bytes().isEmpty())
-                item.append({type, reader->bytes()});
+            connect(&timer, &QTimer::timeout, reader.get(), &PipeReader::finished);
+            if (!reader->isDone())
+                co_await qCoro(reader.get(), &PipeReader::finished);
+        }
+        for (const auto &[type, reader] : readers) {
+            if (const QByteArray bytes = reader->bytes(); !bytes.isEmpty())
+                item.append({type, bytes});
         }
     }
     QList<PasteboardItem> result;
@@ -93,13 +114,13 @@ QCoro::Task<QList<PasteboardItem>> WaylandPasteboard::items()
     co_return result;
 }
 
-void WaylandPasteboard::setString(const QString &text)
+void WaylandPasteboard::setPlainText(const QString &text)
 {
     PasteboardItem contents;
     for (const QString &type : {u"text/plain;charset=utf-8"_s, u"text/plain"_s, u"UTF8_STRING"_s, u"TEXT"_s})
         contents.append({type, text.toUtf8()});
     contents.append({u"STRING"_s, text.toLatin1()});
-    contents.append({u"x-kde-passwordManagerHint"_s, "secret"});
+    contents.append({secretHint, "secret"});
     replace(std::move(contents));
 }
 
@@ -120,17 +141,23 @@ void WaylandPasteboard::replace(PasteboardItem contents)
 {
     ++m_changeCount;
     m_ours = contents;
+    m_isOurs = !contents.isEmpty();
     if (m_isLost) {
         m_source.reset();
         return;
     }
     std::unique_ptr<ClipboardSource> source;
     if (!contents.isEmpty()) {
-        source = std::make_unique<ClipboardSource>(m_connection.clipboards(), std::move(contents));
+        source = std::make_unique<ClipboardSource>(m_connection.clipboards(), std::move(contents), this);
+        connect(source.get(), &ClipboardSource::asked, this, [this](const QString &type) {
+            if (type != secretHint)
+                ++m_readCount;
+        });
         connect(source.get(), &ClipboardSource::cancelled, this, [this, gone = source.get()] {
             if (gone != m_source.get())
                 return;
             m_source.release()->deleteLater(); // it is the one that is calling
+            m_isOurs = false;
             ++m_changeCount;
         });
     }

@@ -1,14 +1,16 @@
 #pragma once
 
 #include "platform/Pasteboard.h"
+#include "platform/linux/wayland/WaylandConnection.h"
 
 #include <QObject>
 
+#include <atomic>
 #include <memory>
 
 class ClipboardOffer;
 class ClipboardSource;
-class WaylandConnection;
+class PasteboardThread;
 struct zwlr_data_control_device_v1;
 struct zwlr_data_control_offer_v1;
 
@@ -20,31 +22,38 @@ class WaylandPasteboard final : public QObject, public Pasteboard
 {
     Q_OBJECT
 public:
-    explicit WaylandPasteboard(WaylandConnection &connection);
+    /// Over a connection of its own, to the compositor that WAYLAND_DISPLAY names.
+    WaylandPasteboard();
     ~WaylandPasteboard() override;
     Q_DISABLE_COPY_MOVE(WaylandPasteboard)
 
-    /// Whether the compositor offers such a clipboard; otherwise nothing may be asked of this one.
-    bool isUsable() const { return m_device != nullptr; }
+    /// It in a thread of its own; null where no compositor offers such a clipboard.
+    static std::unique_ptr<PasteboardThread> inThread();
 
     bool isReachable() const override { return !m_isLost; }
     /// A pending call is never resumed when the pasteboard goes away.
-    QCoro::Task<QList<PasteboardItem>> items() override;
+    QCoro::Task<QList<PasteboardItem>> items(std::chrono::milliseconds limit) override;
     qint64 changeCount() const override { return m_changeCount; }
-    void setString(const QString &text) override;
+    bool isOurs() const override { return m_isOurs; }
+    qint64 readCount() const override { return m_readCount; }
     void setItems(const QList<PasteboardItem> &items) override;
+
+protected:
+    void setPlainText(const QString &text) override;
 
 private:
     void listen();
     void adopt(zwlr_data_control_offer_v1 *selected);
     void replace(PasteboardItem contents);
 
-    WaylandConnection &m_connection;
+    WaylandConnection m_connection;
     zwlr_data_control_device_v1 *m_device = nullptr;
     std::unique_ptr<ClipboardOffer> m_announced; // its types are being told
     std::shared_ptr<ClipboardOffer> m_offer;     // what is there
     std::unique_ptr<ClipboardSource> m_source;   // while it is ours
     PasteboardItem m_ours;                       // what we last put there
-    qint64 m_changeCount = 0;
-    bool m_isLost = false;
+    std::atomic<qint64> m_changeCount = 0;
+    std::atomic<qint64> m_readCount = 0;
+    std::atomic<bool> m_isOurs = false;
+    std::atomic<bool> m_isLost; // or never there
 };

@@ -7,15 +7,20 @@
 #include <QHash>
 #include <QKeyEvent>
 
+#include <algorithm>
+#include <array>
 #include <numeric>
 
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 namespace {
 
-quint64 flagOfKey(quint32 symbol)
+// The places of the logo keys, as the X server numbers them.
+constexpr std::array<quint32, 2> logoKeys{133, 134};
+
+quint64 flagOfKey(const QKeyEvent &key)
 {
-    switch (symbol) {
+    switch (key.nativeVirtualKey()) {
     case XKB_KEY_Super_L:
     case XKB_KEY_Super_R:
         return KeyFlags::fn;
@@ -24,9 +29,10 @@ quint64 flagOfKey(quint32 symbol)
         return KeyFlags::command;
     case XKB_KEY_Alt_L:
     case XKB_KEY_Alt_R:
-    case XKB_KEY_Meta_L:
-    case XKB_KEY_Meta_R:
         return KeyFlags::option;
+    case XKB_KEY_Meta_L:
+    case XKB_KEY_Meta_R: // Alt with Shift held, or the logo keys where they are set to it
+        return std::ranges::count(logoKeys, key.nativeScanCode()) > 0 ? KeyFlags::fn : KeyFlags::option;
     case XKB_KEY_Control_L:
     case XKB_KEY_Control_R:
         return KeyFlags::control;
@@ -76,7 +82,7 @@ private:
         const bool isPress = key.type() == QEvent::KeyPress;
         if (key.isAutoRepeat())
             return true;
-        if (const quint64 flag = flagOfKey(key.nativeVirtualKey())) {
+        if (const quint64 flag = flagOfKey(key)) {
             if (isPress)
                 m_held.insert(key.nativeScanCode(), flag);
             else

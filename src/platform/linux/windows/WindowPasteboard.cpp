@@ -12,6 +12,27 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// What we put there; counts how often it is taken.
+class CountedData final : public QMimeData
+{
+public:
+    explicit CountedData(qint64 &reads) : m_reads(reads) {}
+
+protected:
+    QVariant retrieveData(const QString &type, QMetaType wanted) const override
+    {
+        ++m_reads;
+        return QMimeData::retrieveData(type, wanted);
+    }
+
+private:
+    qint64 &m_reads;
+};
+
+} // namespace
+
 WindowPasteboard::WindowPasteboard()
 {
     connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this, &WindowPasteboard::noteChange);
@@ -24,7 +45,7 @@ bool WindowPasteboard::isReachable() const
     return QGuiApplication::focusWindow() != nullptr;
 }
 
-QCoro::Task<QList<PasteboardItem>> WindowPasteboard::items()
+QCoro::Task<QList<PasteboardItem>> WindowPasteboard::items(std::chrono::milliseconds)
 {
     PasteboardItem item;
     if (const QMimeData *contents = isReachable() ? QGuiApplication::clipboard()->mimeData() : nullptr) {
@@ -39,7 +60,12 @@ QCoro::Task<QList<PasteboardItem>> WindowPasteboard::items()
     co_return result;
 }
 
-void WindowPasteboard::setString(const QString &text)
+bool WindowPasteboard::isOurs() const
+{
+    return !m_waiting.isEmpty() || QGuiApplication::clipboard()->ownsClipboard();
+}
+
+void WindowPasteboard::setPlainText(const QString &text)
 {
     put({{u"text/plain;charset=utf-8"_s, text.toUtf8()},
          {u"text/plain"_s, text.toUtf8()},
@@ -97,7 +123,7 @@ void WindowPasteboard::deliver()
 {
     if (m_waiting.isEmpty() || !isReachable())
         return;
-    auto contents = std::make_unique<QMimeData>();
+    auto contents = std::make_unique<CountedData>(m_readCount);
     for (const PasteboardData &data : std::as_const(m_waiting))
         contents->setData(data.type, data.bytes);
     m_isDelivered = true;

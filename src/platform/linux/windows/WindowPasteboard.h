@@ -17,12 +17,14 @@ public:
     WindowPasteboard();
 
     bool isReachable() const override;
-    QCoro::Task<QList<PasteboardItem>> items() override;
+    QCoro::Task<QList<PasteboardItem>> items(std::chrono::milliseconds limit) override;
     qint64 changeCount() const override { return m_changeCount; }
-    void setString(const QString &text) override;
+    bool isOurs() const override;
+    qint64 readCount() const override { return m_readCount; }
     void setItems(const QList<PasteboardItem> &items) override;
 
 protected:
+    void setPlainText(const QString &text) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -37,4 +39,5 @@ private:
     bool m_isDelivering = false;
     bool m_isInHand = false; // a key or click of the user's in our window is being handled
     qint64 m_changeCount = 0;
+    qint64 m_readCount = 0;
 };

@@ -34,13 +34,14 @@ xcb_window_t inputFocus(X11Connection &connection)
     return window;
 }
 
-QByteArray commandOf(X11Connection &connection, xcb_window_t window)
+qint64 pidOf(X11Connection &connection, xcb_window_t window)
 {
-    const QList<uint32_t> pid =
-        WindowProperty::read(connection, window, connection.atoms()["_NET_WM_PID"]).values();
-    if (pid.isEmpty())
-        return {};
-    QFile file(QStringLiteral("/proc/%1/comm").arg(pid.first()));
+    return WindowProperty::read(connection, window, connection.atoms()["_NET_WM_PID"]).values().value(0);
+}
+
+QByteArray commandOf(qint64 pid)
+{
+    QFile file(QStringLiteral("/proc/%1/comm").arg(pid));
     return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
 }
 
@@ -62,6 +63,6 @@ FocusedWindow FocusedWindow::read(X11Connection &connection)
         return {};
     const QList<QByteArray> names =
         WindowProperty::read(connection, window, XCB_ATOM_WM_CLASS).bytes.split('\0');
-    return {
-        .instance = names.value(0), .className = names.value(1), .command = commandOf(connection, window)};
+    const qint64 pid = pidOf(connection, window);
+    return {.instance = names.value(0), .className = names.value(1), .pid = pid, .command = commandOf(pid)};
 }

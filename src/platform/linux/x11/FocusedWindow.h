@@ -11,6 +11,7 @@ struct FocusedWindow
 {
     QByteArray instance;  ///< first part of WM_CLASS
     QByteArray className; ///< second part of WM_CLASS
+    qint64 pid = 0;       ///< as the window says; 0 when it does not
     QByteArray command;   ///< the process name, of which the kernel keeps 15 characters
 
     /// Asks for the active window of the window manager, or else for the window with the input focus; at

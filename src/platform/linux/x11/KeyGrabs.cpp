@@ -49,8 +49,9 @@ bool KeyGrabs::add(const Grabs &grabs)
     std::vector<std::pair<Grab, xcb_void_cookie_t>> asked;
     for (const Grab &grab : grabs) {
         if (!m_held.contains(grab))
-            asked.emplace_back(grab, xcb_grab_key_checked(xcb, false, m_connection.root(), grab.modifiers,
-                                                          grab.key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_SYNC));
+            asked.emplace_back(grab,
+                               xcb_grab_key_checked(xcb, false, m_connection.root(), grab.modifiers, grab.key,
+                                                    XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
     }
     bool isRefused = !m_connection.isOpen();
     std::vector<Grab> granted;

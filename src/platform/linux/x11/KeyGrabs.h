@@ -12,7 +12,7 @@
 class X11Connection;
 class ModifierMap;
 
-/// The chords that the X server hands to us instead of to the focused window, and waits for our word.
+/// The chords that the X server hands to us instead of to the focused window.
 ///
 /// A chord is grabbed once for every combination of locks, since the server compares those too.
 class KeyGrabs

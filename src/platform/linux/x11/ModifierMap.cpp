@@ -6,6 +6,7 @@
 #include "platform/linux/x11/XcbReply.h"
 
 #include <algorithm>
+#include <functional>
 #include <span>
 
 #include <xkbcommon/xkbcommon-keysyms.h>
@@ -35,6 +36,29 @@ bool containsAny(const QList<xkb_keysym_t> &typed, std::span<const xkb_keysym_t>
         wanted, [&](xkb_keysym_t symbol) { return symbol != XKB_KEY_NoSymbol && typed.contains(symbol); });
 }
 
+using Keys = std::array<std::array<xcb_keycode_t, modifiers.size()>, 8>;
+
+/// Which of the table's modifiers a server's modifier stands for, where its keys bear the names of several,
+/// as when the logo keys type Meta: first the one that would be nowhere else, and in doubt the upper one.
+std::array<std::optional<std::size_t>, 8> meanings(const Keys &keyOf)
+{
+    std::array<std::optional<std::size_t>, 8> meaning;
+    std::array<bool, modifiers.size()> isPlaced{};
+    // The plain ones come first: what they mean is certain.
+    for (std::size_t names = 1; names <= modifiers.size(); ++names) {
+        for (std::size_t bit = 0; bit < keyOf.size(); ++bit) {
+            if (static_cast<std::size_t>(std::ranges::count_if(keyOf[bit], std::identity())) != names)
+                continue;
+            for (std::size_t m = 0; m < modifiers.size(); ++m) {
+                if (keyOf[bit][m] != 0 && (!meaning[bit] || (isPlaced[*meaning[bit]] && !isPlaced[m])))
+                    meaning[bit] = m;
+            }
+            isPlaced[*meaning[bit]] = true;
+        }
+    }
+    return meaning;
+}
+
 QList<uint16_t> combinations(uint16_t locks)
 {
     QList<uint16_t> result;
@@ -58,26 +82,35 @@ ModifierMap ModifierMap::read(const X11Connection &connection, const X11Keymap &
     const std::span keys(xcb_get_modifier_mapping_keycodes(reply.get()),
                          static_cast<std::size_t>(xcb_get_modifier_mapping_keycodes_length(reply.get())));
     uint16_t locks = XCB_MOD_MASK_LOCK;
+    Keys keyOf{};
     for (std::size_t i = 0; i < keys.size(); ++i) {
         if (keys[i] == 0)
             continue;
-        const auto bit = static_cast<uint16_t>(1U << (i / reply->keycodes_per_modifier));
-        const QList<xkb_keysym_t> symbols = keymap.symbols(keys[i]);
-        if (bit == XCB_MOD_MASK_LOCK || containsAny(symbols, lockSymbols)) {
+        const std::size_t place = i / reply->keycodes_per_modifier;
+        const auto bit = static_cast<uint16_t>(1U << place);
+        if (bit == XCB_MOD_MASK_LOCK || containsAny(keymap.symbols(keys[i]), lockSymbols)) {
             locks |= bit;
             continue;
         }
         map.m_keys.append(keys[i]);
+        // A key that no keyboard has may bear the name, on its second level only: Super, where logo keys type
+        // Meta.
+        const QList<xkb_keysym_t> symbols = keymap.allSymbols(keys[i]);
         for (std::size_t m = 0; m < modifiers.size(); ++m) {
-            if (!containsAny(symbols, modifiers[m].symbols))
-                continue;
-            map.m_masks[m] |= bit;
-            if (map.m_keyOf[m] == 0)
-                map.m_keyOf[m] = keys[i];
+            if (keyOf[place][m] == 0 && containsAny(symbols, modifiers[m].symbols))
+                keyOf[place][m] = keys[i];
         }
     }
-    for (const uint16_t mask : map.m_masks)
-        locks &= static_cast<uint16_t>(~mask);
+    const auto meaning = meanings(keyOf);
+    for (std::size_t place = 0; place < meaning.size(); ++place) {
+        if (!meaning[place])
+            continue;
+        const auto bit = static_cast<uint16_t>(1U << place);
+        map.m_masks[*meaning[place]] |= bit;
+        locks &= static_cast<uint16_t>(~bit);
+        if (xcb_keycode_t &key = map.m_keyOf[*meaning[place]]; key == 0)
+            key = keyOf[place][*meaning[place]];
+    }
     map.m_lockCombinations = combinations(locks);
     return map;
 }

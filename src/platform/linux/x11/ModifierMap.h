@@ -14,7 +14,8 @@ class X11Keymap;
 /// Which of the server's eight modifiers stands for which of ours, and which are mere locks.
 ///
 /// The one place that says what the modifier keys are called here: Fn is the logo key (Super), Command is
-/// AltGr, Option is Alt; Control and Shift are what they are.
+/// AltGr, Option is Alt; Control and Shift are what they are. Each of the server's modifiers stands for one
+/// of ours at most.
 class ModifierMap
 {
 public:

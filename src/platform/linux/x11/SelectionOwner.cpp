@@ -7,8 +7,6 @@
 
 #include <algorithm>
 
-#include <xcb/xfixes.h>
-
 namespace {
 
 /// Asks to be told of every change of owner; returns the event's number, 0 when it will not come.
@@ -71,24 +69,25 @@ void SelectionOwner::handle(const xcb_generic_event_t &event)
     } else if (m_ownerNotify != 0 && type == m_ownerNotify) {
         const auto &notify = reinterpret_cast<const xcb_xfixes_selection_notify_event_t &>(event);
         if (notify.window == m_window)
-            ownerChanged(event.full_sequence, notify.selection_timestamp);
+            ownerChanged(event.full_sequence, notify);
     }
 }
 
-void SelectionOwner::ownerChanged(uint32_t sequence, xcb_timestamp_t since)
+void SelectionOwner::ownerChanged(uint32_t sequence, const xcb_xfixes_selection_notify_event_t &notify)
 {
     // An event bears the number of the last request of ours that the server had seen. What happened before
     // our own change is already replaced, and the first one from there on is our own.
     if (m_isTakeUnconfirmed) {
         if (static_cast<int32_t>(sequence - m_lastTake) < 0)
-            return;
+            return Q_EMIT changedHands(sequence, notify.owner);
         m_isTakeUnconfirmed = false;
-        m_ownedSince = since;
+        m_ownedSince = notify.selection_timestamp;
         return;
     }
     ++m_changeCount;
     m_isOwner = false;
     m_contents.clear();
+    Q_EMIT changedHands(sequence, notify.owner);
 }
 
 void SelectionOwner::answer(const xcb_selection_request_event_t &request)
@@ -135,6 +134,8 @@ bool SelectionOwner::convert(xcb_window_t requestor, xcb_atom_t target, xcb_atom
     const auto data = std::ranges::find(m_contents, target, &SelectionData::target);
     if (data == m_contents.cend())
         return false;
+    if (target != atoms["x-kde-passwordManagerHint"])
+        ++m_readCount;
     m_sender.send(requestor, property, *data);
     return true;
 }

@@ -13,8 +13,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto silenceLimit = 300ms;
-constexpr auto totalLimit = 1000ms;
 constexpr qsizetype byteLimit = 64 * 1024 * 1024; // in all
 
 // More at a time gains nothing; less leaves a busy owner little to do once we have given up.
@@ -43,10 +41,8 @@ SelectionRead::SelectionRead(X11Connection &connection, xcb_atom_t selection)
       m_incremental(connection.atoms()["INCR"]),
       m_window(connection.createWindow(XCB_EVENT_MASK_PROPERTY_CHANGE))
 {
-    for (QTimer *timer : {&m_silence, &m_total}) {
-        timer->setSingleShot(true);
-        connect(timer, &QTimer::timeout, this, &SelectionRead::finish);
-    }
+    m_limit.setSingleShot(true);
+    connect(&m_limit, &QTimer::timeout, this, &SelectionRead::finish);
     connect(&connection, &X11Connection::eventReceived, this,
             [this](const xcb_generic_event_t *event) { handle(*event); });
     connect(&connection, &X11Connection::lost, this, &SelectionRead::finish);
@@ -64,12 +60,31 @@ SelectionRead::~SelectionRead()
     });
 }
 
-void SelectionRead::start()
+void SelectionRead::start(std::chrono::milliseconds limit)
 {
-    m_silence.start(m_connection.isOpen() ? silenceLimit : 0ms);
-    m_total.start(totalLimit);
+    m_limit.start(m_connection.isOpen() ? limit : 0ms);
     ask(m_targets);
+    m_firstRequest = m_lastRequest;
     m_connection.flush();
+}
+
+void SelectionRead::askNoMore()
+{
+    m_isClosed = true;
+    std::erase_if(m_formats, [](const Format &format) { return format.progress == Progress::waiting; });
+    if (!m_isListed || !isUnderWay())
+        finish();
+}
+
+void SelectionRead::changedHands(uint32_t request, xcb_window_t owner)
+{
+    const bool isBefore = static_cast<int32_t>(request - m_firstRequest) < 0;
+    const bool isAfter = m_isClosed && static_cast<int32_t>(request - m_lastRequest) >= 0;
+    if (m_isFinished || isBefore || isAfter)
+        return;
+    if (owner != XCB_WINDOW_NONE)
+        m_formats.clear();
+    finish();
 }
 
 SelectionContents SelectionRead::contents() const
@@ -177,12 +192,13 @@ void SelectionRead::keep(Format &format, const WindowProperty &value)
 void SelectionRead::ask(xcb_atom_t target)
 {
     // The conventions want the time of a user's action, which a dictation does not have.
-    xcb_convert_selection(m_connection.xcb(), m_window, m_selection, target, target, XCB_CURRENT_TIME);
+    const auto cookie =
+        xcb_convert_selection(m_connection.xcb(), m_window, m_selection, target, target, XCB_CURRENT_TIME);
+    m_lastRequest = cookie.sequence;
 }
 
 void SelectionRead::proceed()
 {
-    m_silence.start(silenceLimit);
     auto pending = std::ranges::count_if(m_formats, [](const Format &format) {
         return format.progress == Progress::asked || format.progress == Progress::arriving;
     });
@@ -203,8 +219,7 @@ void SelectionRead::finish()
     if (m_isFinished)
         return;
     m_isFinished = true;
-    m_silence.stop();
-    m_total.stop();
+    m_limit.stop();
     Q_EMIT finished();
 }
 

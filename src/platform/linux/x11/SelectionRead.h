@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QTimer>
 
+#include <chrono>
 #include <vector>
 
 class X11Connection;
@@ -12,25 +13,24 @@ struct WindowProperty;
 
 /// Reads everything that the owner of a selection offers, several formats at a time.
 ///
-/// An owner that falls silent, is slow, offers too much or dies ends the reading: what arrived whole until
+/// An owner that falls silent, is slow, offers too much or dies costs a bounded time: what arrived whole by
 /// then is the result.
 class SelectionRead final : public QObject
 {
     Q_OBJECT
 public:
-    struct Limits
-    {
-        std::chrono::milliseconds silence{300};
-        std::chrono::milliseconds total{1000};
-        qsizetype bytes = 64 * 1024 * 1024;
-    };
-
     SelectionRead(X11Connection &connection, xcb_atom_t selection);
     ~SelectionRead() override;
     Q_DISABLE_COPY_MOVE(SelectionRead)
 
     /// Begins; `finished` comes later, never before this returns.
-    void start();
+    void start(std::chrono::milliseconds limit);
+    /// The selection is about to change hands: what its owner was asked for already still arrives.
+    void askNoMore();
+    /// Another window owns the selection, or none, since that request of ours. In the midst of the questions
+    /// this is the end, and what came may be of either owner.
+    void changedHands(uint32_t request, xcb_window_t owner);
+    xcb_atom_t selection() const { return m_selection; }
     SelectionContents contents() const;
 
 Q_SIGNALS:
@@ -64,7 +64,9 @@ private:
     std::vector<Format> m_formats; // in the owner's order
     bool m_isListed = false;
     bool m_isFinished = false;
+    bool m_isClosed = false; // no more may be asked
+    uint32_t m_firstRequest = 0;
+    uint32_t m_lastRequest = 0;
     qsizetype m_bytes = 0;
-    QTimer m_silence;
-    QTimer m_total;
+    QTimer m_limit;
 };

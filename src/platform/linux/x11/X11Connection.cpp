@@ -3,7 +3,6 @@
 #include <QAbstractEventDispatcher>
 #include <QDeadlineTimer>
 
-#include <algorithm>
 #include <csignal>
 
 #include <poll.h>
@@ -61,13 +60,6 @@ xcb_window_t X11Connection::createWindow(uint32_t eventMask)
     xcb_create_window(m_xcb, 0, window, m_root, -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
                       XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &eventMask);
     return window;
-}
-
-bool X11Connection::hasPending(const std::function<bool(const xcb_generic_event_t &)> &isWanted)
-{
-    while (Event event = adopt(xcb_poll_for_queued_event(m_xcb)))
-        m_pending.push_back(std::move(event));
-    return std::ranges::any_of(m_pending, [&](const Event &event) { return isWanted(*event); });
 }
 
 bool X11Connection::dispatchUntil(const std::function<bool()> &condition, std::chrono::milliseconds limit)

@@ -38,8 +38,6 @@ public:
     xcb_window_t createWindow(uint32_t eventMask);
     /// Puts the requests made so far on their way; otherwise they leave before the event loop sleeps.
     void flush() { xcb_flush(m_xcb); }
-    /// Whether such an event has been read already and waits to be handled.
-    bool hasPending(const std::function<bool(const xcb_generic_event_t &)> &isWanted);
     /// Handles events here and now until the condition holds; false when the limit passed first.
     bool dispatchUntil(const std::function<bool()> &condition, std::chrono::milliseconds limit);
 

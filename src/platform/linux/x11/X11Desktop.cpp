@@ -5,7 +5,7 @@ X11Desktop::X11Desktop(const QByteArray &display)
       m_keyboard(m_connection),
       m_trust(m_connection, m_keyboard),
       m_pasteboard(display),
-      m_keyTaps(m_connection, m_keyboard, m_trust),
-      m_keyPoster(m_connection, m_keyboard, m_pasteboard, m_trust)
+      m_keyTaps(display, m_trust),
+      m_keyPoster(m_connection, m_keyboard, m_pasteboard, m_keyTaps, m_trust)
 {
 }

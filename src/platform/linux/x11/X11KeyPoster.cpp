@@ -3,8 +3,9 @@
 #include "platform/AccessibilityTrust.h"
 #include "platform/linux/x11/FocusedWindow.h"
 #include "platform/linux/x11/KeyPositions.h"
-#include "platform/linux/x11/TerminalPaste.h"
+#include "platform/linux/x11/WindowProperty.h"
 #include "platform/linux/x11/X11Connection.h"
+#include "platform/linux/x11/X11KeyTaps.h"
 #include "platform/linux/x11/X11Keyboard.h"
 #include "platform/linux/x11/X11PasteboardThread.h"
 
@@ -15,7 +16,6 @@
 #include <chrono>
 
 #include <xcb/xtest.h>
-#include <xkbcommon/xkbcommon-keysyms.h>
 
 using namespace std::chrono_literals;
 
@@ -30,20 +30,33 @@ constexpr KeyChord commandV{.keyCode = 9, .flags = KeyFlags::command};
 } // namespace
 
 X11KeyPoster::X11KeyPoster(X11Connection &connection, const X11Keyboard &keyboard,
-                           X11PasteboardThread &pasteboard, const AccessibilityTrust &trust)
+                           X11PasteboardThread &pasteboard, const X11KeyTaps &taps,
+                           const AccessibilityTrust &trust)
     : m_connection(connection),
       m_keyboard(keyboard),
       m_pasteboard(pasteboard),
+      m_taps(taps),
       m_trust(trust)
 {
 }
 
-QCoro::Task<bool> X11KeyPoster::post(KeyChord chord)
+void X11KeyPoster::prepare()
+{
+    const FocusedWindow window = FocusedWindow::read(m_connection);
+    if (!pasteKeystrokes(window).empty())
+        return;
+    const xcb_atom_t bus =
+        m_connection.atoms()["AT_SPI_BUS"]; // where the accessibility bus tells its address
+    m_focus.ask(WindowProperty::read(m_connection, m_connection.root(), bus).bytes, window.pid);
+}
+
+QCoro::Task<bool> X11KeyPoster::post(KeyChord chord, std::function<bool()> mayStill)
 {
     if (!m_trust.isTrusted())
         co_return false;
     const QPointer self(this);
-    Keystroke keys = keystroke(KeyPositions::symbol(chord.keyCode), chord.flags);
+    const xkb_keysym_t symbol = KeyPositions::symbol(chord.keyCode);
+    Keystroke keys = keystroke(m_keyboard.keymap().keyTyping(symbol, m_keyboard.group()), chord.flags);
     const QDeadlineTimer deadline(patience);
     while (!keysInTheWay(keys).isEmpty() && !deadline.hasExpired()) {
         co_await QCoro::sleepFor(pollInterval);
@@ -51,24 +64,50 @@ QCoro::Task<bool> X11KeyPoster::post(KeyChord chord)
             co_return false;
     }
     if (chord == commandV) {
-        switch (pasteKeystroke(FocusedWindow::read(m_connection))) {
-        case PasteKeystroke::controlV:
-            break;
-        case PasteKeystroke::controlShiftV:
-            keys = keystroke(KeyPositions::symbol(chord.keyCode), chord.flags | KeyFlags::shift);
-            break;
-        case PasteKeystroke::shiftInsert:
-            keys = keystroke(XKB_KEY_Insert, KeyFlags::shift);
+        const std::optional<Way> way = wayToPaste();
+        if (!way)
+            co_return false;
+        keys = way->keys;
+        if (way->keystroke.pastesPrimary) {
             co_await m_pasteboard.lendToPrimary();
             if (!self)
                 co_return false;
-            break;
         }
     }
-    co_return send(keys);
+    co_return mayStill() && send(keys);
 }
 
-auto X11KeyPoster::keystroke(xkb_keysym_t symbol, quint64 flags) const -> Keystroke
+auto X11KeyPoster::wayToPaste() -> std::optional<Way>
+{
+    const FocusedWindow window = FocusedWindow::read(m_connection);
+    std::span<const PasteKeystroke> keystrokes = pasteKeystrokes(window);
+    if (keystrokes.empty())
+        keystrokes = pasteKeystrokes(m_focus.isTerminal(window.pid));
+    // Letters without a V leave it to keys that are on every keyboard, before it is the key where V would be:
+    // some programs take that for V.
+    for (const auto keyFor : {&X11KeyPoster::keyTyping, &X11KeyPoster::keyInPlace}) {
+        for (const PasteKeystroke &paste : keystrokes) {
+            const xcb_keycode_t key = (this->*keyFor)(paste);
+            const bool isShortcut = m_taps.isWatched({KeyPositions::keyCode(key), paste.chord.flags});
+            const Keystroke keys = keystroke(key, paste.chord.flags);
+            if (!keys.isEmpty() && !isShortcut)
+                return Way{paste, keys};
+        }
+    }
+    return std::nullopt;
+}
+
+xcb_keycode_t X11KeyPoster::keyTyping(const PasteKeystroke &paste) const
+{
+    return m_keyboard.keymap().keyTyping(paste.symbol, m_keyboard.group());
+}
+
+xcb_keycode_t X11KeyPoster::keyInPlace(const PasteKeystroke &paste) const
+{
+    return KeyPositions::xKeycode(paste.chord.keyCode);
+}
+
+auto X11KeyPoster::keystroke(xcb_keycode_t key, quint64 flags) const -> Keystroke
 {
     const ModifierMap &modifiers = m_keyboard.modifiers();
     Keystroke keys;
@@ -78,7 +117,7 @@ auto X11KeyPoster::keystroke(xkb_keysym_t symbol, quint64 flags) const -> Keystr
         if (flags & flag)
             keys.append(modifiers.keyFor(flag));
     }
-    keys.append(m_keyboard.keymap().keyTyping(symbol, m_keyboard.group()));
+    keys.append(key);
     return keys.contains(0) ? Keystroke() : keys;
 }
 

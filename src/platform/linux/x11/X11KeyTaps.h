@@ -1,45 +1,39 @@
 #pragma once
 
 #include "platform/KeyTap.h"
-#include "platform/linux/x11/KeyGrabs.h"
-#include "platform/linux/x11/KeyboardHold.h"
 
-#include <QList>
+#include <QByteArray>
 #include <QObject>
+#include <QThread>
 
-#include <xcb/xproto.h>
+#include <functional>
+#include <memory>
 
 class AccessibilityTrust;
-class X11Connection;
-class X11Keyboard;
-class X11KeyTap;
+class KeyWatch;
 
-/// Watches chords by grabbing their keys: a matching press, its repeats and its release come to the handler
-/// first, and the X server holds the keyboard still until the handler has decided.
-///
-/// Chords follow physical positions. A chord whose keys another program holds is named in the log. When the
-/// server goes away the taps fall silent.
-class X11KeyTaps final : public QObject, public KeyTaps
+/// Keys of the whole X11 session, judged on a connection and a thread of their own: they are let go and taken
+/// for what they are while the main thread is busy.
+class X11KeyTaps final : public KeyTaps
 {
 public:
-    X11KeyTaps(X11Connection &connection, X11Keyboard &keyboard, const AccessibilityTrust &trust);
+    /// An empty name is the display of the environment. The connection is being made on return.
+    X11KeyTaps(const QByteArray &display, const AccessibilityTrust &trust);
+    ~X11KeyTaps() override;
+    Q_DISABLE_COPY_MOVE(X11KeyTaps)
 
     std::unique_ptr<KeyTap> install(std::span<const KeyChord> chords, Handler handler) override;
 
-    /// Brings the grabs in line with what the taps watch. False when one of these chords was refused.
-    bool regrab(const QList<KeyChord> &chords);
-    void remove(const X11KeyTap &tap);
+    /// Whether a tap watches this chord: pressed, it comes to us.
+    bool isWatched(const KeyChord &chord) const;
 
 private:
-    void judge(const xcb_key_press_event_t &event);
-    KeyVerdict ask(bool isSwallowed, const KeyEvent &event) const;
+    class Tap;
 
-    X11Connection &m_connection;
-    X11Keyboard &m_keyboard;
+    bool there(const std::function<bool(KeyWatch &)> &work) const;
+
     const AccessibilityTrust &m_trust;
-    KeyGrabs m_grabs;
-    KeyboardHold m_hold;
-    QList<const X11KeyTap *> m_taps;
-    QList<KeyChord> m_watched;
-    QList<KeyChord> m_refused; // already named in the log
+    mutable QThread m_thread;
+    std::unique_ptr<QObject> m_context; // what runs there is told to it
+    std::unique_ptr<KeyWatch> m_watch;
 };

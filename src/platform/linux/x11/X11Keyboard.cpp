@@ -5,7 +5,9 @@
 #include "platform/linux/x11/XkbProtocol.h"
 
 #include <chrono>
+#include <span>
 
+#include <xcb/xinput.h>
 #include <xkbcommon/xkbcommon-x11.h>
 
 using namespace std::chrono_literals;
@@ -45,6 +47,32 @@ X11Keyboard::Keys X11Keyboard::keysDown() const
     for (std::size_t key = 0; reply && key < keys.size(); ++key)
         keys[key] = (reply->keys[key / 8] >> (key % 8)) & 1;
     return keys;
+}
+
+uint8_t X11Keyboard::deviceHolding(xcb_keycode_t key) const
+{
+    xcb_connection_t *xcb = m_connection.xcb();
+    const auto list =
+        adopt(xcb_input_list_input_devices_reply(xcb, xcb_input_list_input_devices(xcb), nullptr));
+    if (!list)
+        return 0;
+    const std::span devices(xcb_input_list_input_devices_devices(list.get()),
+                            static_cast<std::size_t>(list->devices_len));
+    for (const xcb_input_device_info_t &device : devices) {
+        if (device.device_use != XCB_INPUT_DEVICE_USE_IS_X_EXTENSION_KEYBOARD)
+            continue;
+        const auto state = adopt(xcb_input_query_device_state_reply(
+            xcb, xcb_input_query_device_state(xcb, device.device_id), nullptr));
+        if (!state)
+            continue;
+        for (auto it = xcb_input_query_device_state_classes_iterator(state.get()); it.rem > 0;
+             xcb_input_input_state_next(&it)) {
+            const auto &keys = reinterpret_cast<const xcb_input_key_state_t &>(*it.data);
+            if (it.data->class_id == XCB_INPUT_INPUT_CLASS_KEY && (keys.keys[key / 8] >> (key % 8)) & 1)
+                return device.device_id;
+        }
+    }
+    return 0;
 }
 
 void X11Keyboard::handle(const xcb_generic_event_t &event)

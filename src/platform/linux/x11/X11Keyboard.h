@@ -31,6 +31,8 @@ public:
     uint32_t group() const;
     /// Asks the server which keys are down.
     Keys keysDown() const;
+    /// Asks the server on which of its keyboards this key is down; 0 for none.
+    uint8_t deviceHolding(xcb_keycode_t key) const;
 
 Q_SIGNALS:
     /// Another mapping, other modifiers or another keyboard; both are read already.

@@ -10,11 +10,17 @@
 
 namespace {
 
-std::span<const xkb_keysym_t> unshifted(xkb_keymap *keymap, xkb_keycode_t key, xkb_layout_index_t group)
+std::span<const xkb_keysym_t> typed(xkb_keymap *keymap, xkb_keycode_t key, xkb_layout_index_t group,
+                                    xkb_level_index_t level)
 {
     const xkb_keysym_t *symbols = nullptr;
-    const int count = xkb_keymap_key_get_syms_by_level(keymap, key, group, 0, &symbols);
+    const int count = xkb_keymap_key_get_syms_by_level(keymap, key, group, level, &symbols);
     return {symbols, static_cast<std::size_t>(std::max(count, 0))};
+}
+
+std::span<const xkb_keysym_t> unshifted(xkb_keymap *keymap, xkb_keycode_t key, xkb_layout_index_t group)
+{
+    return typed(keymap, key, group, 0);
 }
 
 } // namespace
@@ -40,6 +46,19 @@ QList<xkb_keysym_t> X11Keymap::symbols(xcb_keycode_t key) const
     xkb_keymap *keymap = m_keymap.get();
     for (xkb_layout_index_t group = 0; group < xkb_keymap_num_layouts_for_key(keymap, key); ++group)
         std::ranges::copy(unshifted(keymap, key, group), std::back_inserter(result));
+    return result;
+}
+
+QList<xkb_keysym_t> X11Keymap::allSymbols(xcb_keycode_t key) const
+{
+    QList<xkb_keysym_t> result;
+    if (!m_keymap)
+        return result;
+    xkb_keymap *keymap = m_keymap.get();
+    for (xkb_layout_index_t group = 0; group < xkb_keymap_num_layouts_for_key(keymap, key); ++group) {
+        for (xkb_level_index_t level = 0; level < xkb_keymap_num_levels_for_key(keymap, key, group); ++level)
+            std::ranges::copy(typed(keymap, key, group, level), std::back_inserter(result));
+    }
     return result;
 }
 

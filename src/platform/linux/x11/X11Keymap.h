@@ -20,6 +20,8 @@ public:
     bool isEmpty() const { return !m_keymap; }
     /// What a key types unshifted, in all its groups.
     QList<xkb_keysym_t> symbols(xcb_keycode_t key) const;
+    /// What a key types in all its groups, with and without Shift and the like.
+    QList<xkb_keysym_t> allSymbols(xcb_keycode_t key) const;
     /// The key that types a symbol unshifted, in this group or else in any other; 0 where there is none.
     xcb_keycode_t keyTyping(xkb_keysym_t symbol, uint32_t group) const;
 

@@ -15,6 +15,8 @@ namespace {
 
 // How long the end of the program may wait for a clipboard manager.
 constexpr auto handoverLimit = 500ms;
+// A paste waits for the owner of PRIMARY.
+constexpr auto primaryLimit = 300ms;
 
 xcb_window_t ownerOf(const X11Connection &connection, xcb_atom_t selection)
 {
@@ -25,12 +27,21 @@ xcb_window_t ownerOf(const X11Connection &connection, xcb_atom_t selection)
 
 } // namespace
 
-X11Pasteboard::X11Pasteboard(X11Connection &connection)
-    : m_connection(connection),
-      m_sender(connection),
-      m_clipboard(connection, m_sender, "CLIPBOARD"),
-      m_primary(connection, m_sender, "PRIMARY")
+X11Pasteboard::X11Pasteboard(const QByteArray &display)
+    : m_connection(display),
+      m_sender(m_connection),
+      m_clipboard(m_connection, m_sender, "CLIPBOARD"),
+      m_primary(m_connection, m_sender, "PRIMARY")
 {
+    for (const SelectionOwner *selection : {&m_clipboard, &m_primary}) {
+        const auto tellReads = [this, selection](uint32_t request, xcb_window_t owner) {
+            for (const auto &read : m_reads) {
+                if (read->selection() == selection->selection())
+                    read->changedHands(request, owner);
+            }
+        };
+        connect(selection, &SelectionOwner::changedHands, this, tellReads);
+    }
 }
 
 X11Pasteboard::~X11Pasteboard()
@@ -39,10 +50,10 @@ X11Pasteboard::~X11Pasteboard()
         leaveToClipboardManager();
 }
 
-QCoro::Task<QList<PasteboardItem>> X11Pasteboard::items()
+QCoro::Task<QList<PasteboardItem>> X11Pasteboard::items(std::chrono::milliseconds limit)
 {
     const QPointer self(this);
-    const SelectionContents contents = co_await contentsOf(m_clipboard);
+    const SelectionContents contents = co_await contentsOf(m_clipboard, limit);
     if (!self || contents.isEmpty())
         co_return QList<PasteboardItem>{};
     QList<xcb_atom_t> targets;
@@ -59,7 +70,7 @@ QCoro::Task<QList<PasteboardItem>> X11Pasteboard::items()
     co_return result;
 }
 
-void X11Pasteboard::setString(const QString &text)
+void X11Pasteboard::setPlainText(const QString &text)
 {
     X11Atoms &atoms = m_connection.atoms();
     const QByteArray utf8 = text.toUtf8();
@@ -100,24 +111,25 @@ QCoro::Task<void> X11Pasteboard::lendToPrimary()
 {
     const QPointer self(this);
     if (!m_borrowedPrimary) {
-        SelectionContents before = co_await contentsOf(m_primary);
+        SelectionContents before = co_await contentsOf(m_primary, primaryLimit);
         if (!self)
             co_return;
         m_borrowedPrimary = std::move(before);
     }
-    SelectionContents contents = co_await contentsOf(m_clipboard);
+    SelectionContents contents = co_await contentsOf(m_clipboard, primaryLimit);
     if (self)
         m_primary.own(std::move(contents));
 }
 
-QCoro::Task<SelectionContents> X11Pasteboard::contentsOf(SelectionOwner &selection)
+QCoro::Task<SelectionContents> X11Pasteboard::contentsOf(SelectionOwner &selection,
+                                                         std::chrono::milliseconds limit)
 {
     if (selection.isOwner())
         co_return selection.contents();
     const QPointer self(this);
     SelectionRead *read =
         m_reads.emplace_back(std::make_unique<SelectionRead>(m_connection, selection.selection())).get();
-    read->start();
+    read->start(limit);
     co_await qCoro(read, &SelectionRead::finished);
     if (!self)
         co_return SelectionContents{};
@@ -128,6 +140,10 @@ QCoro::Task<SelectionContents> X11Pasteboard::contentsOf(SelectionOwner &selecti
 
 void X11Pasteboard::replace(SelectionContents contents)
 {
+    for (const auto &read : m_reads) {
+        if (read->selection() == m_clipboard.selection())
+            read->askNoMore();
+    }
     m_clipboard.own(std::move(contents));
     if (m_borrowedPrimary && m_primary.isOwner())
         m_primary.own(*m_borrowedPrimary);

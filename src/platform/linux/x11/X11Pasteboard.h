@@ -8,6 +8,7 @@
 #include <QHash>
 #include <QObject>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -23,20 +24,25 @@ class X11Pasteboard final : public QObject, public Pasteboard
 {
     Q_OBJECT
 public:
-    explicit X11Pasteboard(X11Connection &connection);
+    /// An empty name is the display of the environment.
+    explicit X11Pasteboard(const QByteArray &display = {});
     ~X11Pasteboard() override;
     Q_DISABLE_COPY_MOVE(X11Pasteboard)
 
     bool isReachable() const override { return m_connection.isOpen(); }
     /// A pending call is never resumed when the pasteboard goes away.
-    QCoro::Task<QList<PasteboardItem>> items() override;
+    QCoro::Task<QList<PasteboardItem>> items(std::chrono::milliseconds limit) override;
     qint64 changeCount() const override { return m_clipboard.changeCount(); }
-    void setString(const QString &text) override;
+    bool isOurs() const override { return m_clipboard.isOwner(); }
+    qint64 readCount() const override { return m_clipboard.readCount() + m_primary.readCount(); }
     void setItems(const QList<PasteboardItem> &items) override;
 
     /// Offers the contents as the PRIMARY selection too, for programs that paste nothing else from the
     /// keyboard. When the contents are next replaced, PRIMARY gets back what it was.
     QCoro::Task<void> lendToPrimary();
+
+protected:
+    void setPlainText(const QString &text) override;
 
 private:
     struct Shape
@@ -45,11 +51,11 @@ private:
         uint8_t format;
     };
 
-    QCoro::Task<SelectionContents> contentsOf(SelectionOwner &selection);
+    QCoro::Task<SelectionContents> contentsOf(SelectionOwner &selection, std::chrono::milliseconds limit);
     void replace(SelectionContents contents);
     void leaveToClipboardManager();
 
-    X11Connection &m_connection;
+    X11Connection m_connection;
     SelectionSender m_sender;
     SelectionOwner m_clipboard;
     SelectionOwner m_primary;

@@ -5,7 +5,7 @@ import Sayvane
 Card {
     id: panel
 
-    required property QtObject model
+    required property LabsView model
 
     Label {
         width: parent.width

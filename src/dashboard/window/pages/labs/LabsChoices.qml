@@ -5,8 +5,8 @@ import Sayvane
 Column {
     id: choices
 
-    required property QtObject model
-    readonly property QtObject session: model.session
+    required property LabsView model
+    readonly property LabsSession session: model.session
 
     spacing: Theme.rowSpacing
 

@@ -5,7 +5,7 @@ import Sayvane
 ScrollPane {
     id: page
 
-    required property QtObject model
+    required property LabsView model
     readonly property bool usable: model.usable
 
     widest: 720

@@ -5,8 +5,8 @@ import Sayvane
 Column {
     id: panel
 
-    required property QtObject model
-    readonly property QtObject session: model.session
+    required property LabsView model
+    readonly property LabsSession session: model.session
 
     spacing: Theme.screenMargin
 
@@ -74,7 +74,7 @@ Column {
         Toggle {
             width: parent.width
             text: qsTr("Answer mode")
-            enabled: panel.model.providers.length > 0
+            enabled: panel.model.canSwitchAnswerMode
             checked: panel.model.answerMode.enabled
             onToggled: panel.model.answerMode.setEnabled(checked)
         }

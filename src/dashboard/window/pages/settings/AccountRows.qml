@@ -5,7 +5,7 @@ import Sayvane
 Loader {
     id: rows
 
-    required property QtObject account
+    required property AccountArea account
 
     width: parent ? parent.width : implicitWidth
     sourceComponent: account.status.signedIn ? signedIn

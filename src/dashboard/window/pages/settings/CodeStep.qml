@@ -5,8 +5,8 @@ import Sayvane
 Column {
     id: step
 
-    required property QtObject account
-    readonly property QtObject signIn: account.signIn
+    required property AccountArea account
+    readonly property AccountSignIn signIn: account.signIn
 
     spacing: Theme.labelSpacing
 

@@ -6,7 +6,7 @@ Column {
     id: rows
 
     required property string name
-    required property QtObject connection
+    required property ConnectionTest connection
 
     width: parent ? parent.width : implicitWidth
     spacing: Theme.labelSpacing

@@ -5,8 +5,8 @@ import Sayvane
 Column {
     id: rows
 
-    required property QtObject preferences
-    required property QtObject language
+    required property BoundPreferences preferences
+    required property LanguageChoice language
 
     width: parent ? parent.width : implicitWidth
     spacing: Theme.rowSpacing

@@ -5,7 +5,7 @@ import Sayvane
 Column {
     id: step
 
-    required property QtObject signIn
+    required property AccountSignIn signIn
 
     spacing: Theme.labelSpacing
 

@@ -5,7 +5,7 @@ import Sayvane
 Column {
     id: rows
 
-    required property QtObject form
+    required property SettingsView form
 
     width: parent ? parent.width : implicitWidth
     spacing: Theme.rowSpacing

@@ -6,7 +6,7 @@ Column {
     id: rows
 
     required property string name
-    required property QtObject key
+    required property KeyRow key
 
     width: parent ? parent.width : implicitWidth
     spacing: Theme.labelSpacing

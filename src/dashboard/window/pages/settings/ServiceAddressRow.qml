@@ -5,7 +5,7 @@ import Sayvane
 FormRow {
     id: row
 
-    required property QtObject service
+    required property ServiceAddress service
 
     text: qsTr("Service URL")
 

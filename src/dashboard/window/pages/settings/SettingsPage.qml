@@ -6,11 +6,10 @@ import Sayvane
 ScrollPane {
     id: page
 
-    required property QtObject form
+    required property SettingsView form
 
     widest: 640
-    Accessible.role: Accessible.Pane
-    Accessible.name: qsTr("Settings")
+    label: qsTr("Settings")
 
     Binding {
         target: page.form

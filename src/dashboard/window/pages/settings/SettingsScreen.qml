@@ -6,7 +6,16 @@ Item {
     id: screen
 
     /// Makes forms.
-    required property QtObject forms
+    required property SettingsForms forms
+
+    Keys.forwardTo: loader.item ? [loader.item] : []
+
+    function whereabouts() {
+        return loader.item.whereabouts();
+    }
+    function resume(place) {
+        loader.item.resume(place);
+    }
 
     Loader {
         id: loader

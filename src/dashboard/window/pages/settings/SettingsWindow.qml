@@ -6,7 +6,7 @@ import Sayvane
 Window {
     id: window
 
-    required property QtObject forms
+    required property SettingsForms forms
 
     width: 640
     height: 720

@@ -5,7 +5,7 @@ import Sayvane
 Column {
     id: rows
 
-    required property QtObject model
+    required property ShortcutRows model
 
     width: parent ? parent.width : implicitWidth
     spacing: Theme.rowSpacing

@@ -5,9 +5,9 @@ import Sayvane
 Column {
     id: rows
 
-    required property QtObject account
-    readonly property QtObject signIn: account.signIn
-    readonly property QtObject status: account.status
+    required property AccountArea account
+    readonly property AccountSignIn signIn: account.signIn
+    readonly property AccountStatus status: account.status
 
     spacing: Theme.rowSpacing
 
@@ -43,6 +43,7 @@ Column {
 
         FormRow {
             text: qsTr("Allowance")
+            stacked: false
             Label {
                 height: Theme.controlHeight
                 verticalAlignment: Text.AlignVCenter
@@ -51,6 +52,7 @@ Column {
         }
         FormRow {
             text: qsTr("Left today")
+            stacked: false
             Label {
                 height: Theme.controlHeight
                 verticalAlignment: Text.AlignVCenter
@@ -120,6 +122,10 @@ Column {
             help: qsTr("Opens the account's page in the browser")
             onClicked: rows.account.manageAccount()
         }
+    }
+    StatusLine {
+        tone: StatusLine.Failure
+        text: rows.signIn.errorText
     }
     StatusLine {
         text: rows.account.notice

@@ -4,11 +4,12 @@
 #include <optional>
 #include <utility>
 
-/// A value that a test delivers later to the one coroutine waiting for it.
+/// A value that is delivered later to the one coroutine waiting for it, all on one thread.
 template <typename T>
 class Completion
 {
 public:
+    /// The waiter goes on within this call; the first value counts.
     void complete(T value)
     {
         if (m_value)

@@ -1,14 +1,18 @@
 #pragma once
 
-#include "platform/Appearance.h"
-
 #include <QList>
 
-/// Those who listen to an Appearance, for as long as they keep their listeners.
-class AppearanceListeners
+#include <functional>
+#include <memory>
+
+/// Is called on the main thread when something changes; nobody's any more once it is given up.
+using Listener = std::shared_ptr<const std::function<void()>>;
+
+/// Those who listen, for as long as they keep their listeners.
+class Listeners
 {
 public:
-    void add(const Appearance::Listener &listener) { m_listeners.append(listener); }
+    void add(const Listener &listener) { m_listeners.append(listener); }
 
     void tell()
     {
@@ -16,7 +20,7 @@ public:
         // One of them may add another, or end one.
         const auto listeners = m_listeners;
         for (const auto &each : listeners) {
-            if (const Appearance::Listener listener = each.lock())
+            if (const Listener listener = each.lock())
                 (*listener)();
         }
     }

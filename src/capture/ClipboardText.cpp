@@ -1,4 +1,4 @@
-#include "settings/screen/ClipboardText.h"
+#include "capture/ClipboardText.h"
 
 #include <optional>
 
