@@ -1,4 +1,4 @@
-#include "dashboard/DictationListView.h"
+#include "screens/dashboard/DictationListView.h"
 #include "desktop/screens/Stage.h"
 
 #include <QElapsedTimer>

@@ -1,6 +1,6 @@
-#include "speech/ChatRequest.h"
-#include "speech/CleanupPrompt.h"
-#include "speech/ModelResolver.h"
+#include "cloud/speech/ChatRequest.h"
+#include "cloud/speech/CleanupPrompt.h"
+#include "cloud/speech/ModelResolver.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

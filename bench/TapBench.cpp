@@ -1,5 +1,5 @@
 #include "AllocationCount.h"
-#include "capture/HotkeyMonitor.h"
+#include "dictation/HotkeyMonitor.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,4 +1,4 @@
-#include "speech/MultipartBody.h"
+#include "cloud/speech/MultipartBody.h"
 
 #include <QTemporaryFile>
 

@@ -1,7 +1,7 @@
-#include "account/AccountClient.h"
-#include "account/AccountFailure.h"
-#include "labs/LabsAnswer.h"
-#include "labs/LabsProviders.h"
+#include "cloud/account/AccountClient.h"
+#include "cloud/account/AccountFailure.h"
+#include "cloud/labs/LabsAnswer.h"
+#include "cloud/labs/LabsProviders.h"
 
 #include <algorithm>
 #include <cstdlib>

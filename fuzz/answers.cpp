@@ -1,6 +1,6 @@
-#include "speech/ChatRequest.h"
-#include "speech/ProviderFailure.h"
-#include "speech/ServiceFailure.h"
+#include "cloud/speech/ChatRequest.h"
+#include "cloud/speech/ProviderFailure.h"
+#include "cloud/speech/ServiceFailure.h"
 
 #include <cstdlib>
 

@@ -1,5 +1,5 @@
 #include "history/HistoryFile.h"
-#include "settings/HotkeySpec.h"
+#include "preferences/HotkeySpec.h"
 
 #include <cstdlib>
 

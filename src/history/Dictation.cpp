@@ -1,7 +1,7 @@
 #include "history/Dictation.h"
 
-#include "support/Decimal.h"
-#include "support/Text.h"
+#include "base/Decimal.h"
+#include "base/Text.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,6 +1,6 @@
 #include "history/HistoryFile.h"
 
-#include "support/Json.h"
+#include "base/Json.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

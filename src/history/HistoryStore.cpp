@@ -1,8 +1,8 @@
 #include "history/HistoryStore.h"
 
-#include "platform/Background.h"
-#include "platform/Clock.h"
-#include "platform/Folders.h"
+#include "base/Background.h"
+#include "base/Clock.h"
+#include "base/Folders.h"
 
 #include <QFile>
 

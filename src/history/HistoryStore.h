@@ -5,7 +5,7 @@
 #include "history/FlowStats.h"
 #include "history/HistoryDisk.h"
 #include "history/UsageSummary.h"
-#include "values/Provider.h"
+#include "base/Provider.h"
 
 #include <QList>
 #include <QObject>

@@ -1,8 +1,8 @@
 #include "history/HistoryStore.h"
 
 #include "history/LocalDays.h"
-#include "platform/Clock.h"
-#include "speech/Rates.h"
+#include "base/Clock.h"
+#include "cloud/speech/Rates.h"
 
 #include <algorithm>
 

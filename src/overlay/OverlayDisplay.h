@@ -2,7 +2,7 @@
 
 #include "overlay/LevelMotion.h"
 #include "overlay/OverlayView.h"
-#include "platform/PanelContent.h"
+#include "base/PanelContent.h"
 
 #include <QObject>
 #include <QSize>

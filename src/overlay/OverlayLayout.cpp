@@ -1,6 +1,6 @@
 #include "overlay/OverlayLayout.h"
 
-#include "capture/OverlayModel.h"
+#include "dictation/OverlayModel.h"
 
 #include <algorithm>
 #include <cmath>

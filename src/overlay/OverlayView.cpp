@@ -1,6 +1,6 @@
 #include "overlay/OverlayView.h"
 
-#include "capture/OverlayModel.h"
+#include "dictation/OverlayModel.h"
 #include "overlay/MessageText.h"
 #include "overlay/OverlayLayout.h"
 #include "overlay/Symbol.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "values/OverlayTone.h"
+#include "base/OverlayTone.h"
 
 #include <QColor>
 #include <QString>

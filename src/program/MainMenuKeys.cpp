@@ -1,6 +1,6 @@
 #include "program/MainMenuKeys.h"
 
-#include "app/MainMenu.h"
+#include "tray/MainMenu.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>

@@ -1,8 +1,8 @@
 #include "program/SayvaneApp.h"
 
-#include "app/FlowLog.h"
-#include "platform/Background.h"
-#include "platform/Platform.h"
+#include "dictation/FlowLog.h"
+#include "base/Background.h"
+#include "base/Platform.h"
 
 #include <QGuiApplication>
 #include <QLoggingCategory>

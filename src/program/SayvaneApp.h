@@ -1,14 +1,14 @@
 #pragma once
 
-#include "app/Host.h"
-#include "app/MainMenu.h"
-#include "app/MenuView.h"
-#include "app/SettingsOpener.h"
-#include "control/ControlService.h"
+#include "program/Host.h"
+#include "tray/MainMenu.h"
+#include "tray/MenuView.h"
+#include "program/SettingsOpener.h"
+#include "program/ControlService.h"
 #include "program/MainMenuKeys.h"
-#include "recovery/LeftRecordings.h"
+#include "history/LeftRecordings.h"
 #include "tray/TrayIcon.h"
-#include "windows/Windows.h"
+#include "program/Windows.h"
 
 #include <QObject>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/MenuEntry.h"
+#include "tray/MenuEntry.h"
 #include "tray/MenuEvent.h"
 #include "tray/MenuLayout.h"
 #include "tray/MenuProperties.h"

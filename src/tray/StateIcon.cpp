@@ -1,6 +1,6 @@
 #include "tray/StateIcon.h"
 
-#include "app/MenuView.h"
+#include "tray/MenuView.h"
 #include "icons/IconImage.h"
 
 #include <QColor>

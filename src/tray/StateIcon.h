@@ -1,6 +1,6 @@
 #pragma once
 
-#include "values/FlowState.h"
+#include "base/FlowState.h"
 
 #include <QImage>
 #include <QList>

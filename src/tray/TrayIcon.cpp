@@ -1,7 +1,7 @@
 #include "tray/TrayIcon.h"
 
-#include "app/FlowController.h"
-#include "app/MenuView.h"
+#include "dictation/FlowController.h"
+#include "tray/MenuView.h"
 #include "tray/StateIcon.h"
 
 #include <QFile>

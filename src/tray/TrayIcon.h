@@ -3,7 +3,7 @@
 #include "tray/StatusNotifierItem.h"
 #include "tray/TrayHost.h"
 #include "tray/TrayMenu.h"
-#include "values/FlowState.h"
+#include "base/FlowState.h"
 
 #include <QObject>
 #include <QPoint>

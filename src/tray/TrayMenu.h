@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/MenuEntry.h"
+#include "tray/MenuEntry.h"
 
 #include <QList>
 #include <QMenu>

@@ -4,7 +4,7 @@ import pathlib
 import re
 
 # Rooms that are built and tested without a display.
-CORE_ROOMS = {"values", "support", "platform", "settings", "account", "history", "speech", "capture", "labs"}
+CORE_ROOMS = {"base", "preferences", "cloud", "history", "dictation", "screens"}
 WINDOW_MODULES = {"Qt6::Gui", "Qt6::Widgets", "Qt6::Qml", "Qt6::Quick", "Qt6::QuickControls2"}
 KEYWORDS = {"SOURCES", "LINKS", "PRIVATE"}
 
@@ -101,7 +101,7 @@ class House:
             return None
         if not (self.source / name).is_file():
             return f'"{name}" is no file below the source'
-        if name.startswith("platform/linux/") and not relative.as_posix().startswith("platform/linux/"):
+        if name.startswith("machine/") and not relative.as_posix().startswith("machine/"):
             return f'"{name}" is behind the machine\'s interfaces'
         owner = self.room_of(pathlib.PurePath(name))
         return None if owner in self.reach(room) else f'{room} does not link to {owner} ("{name}")'

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/FloatingPanels.h"
-#include "platform/PanelContent.h"
+#include "base/FloatingPanels.h"
+#include "base/PanelContent.h"
 
 #include <QImage>
 #include <QPainter>

@@ -1,4 +1,4 @@
-#include "capture/OverlayPanel.h"
+#include "dictation/OverlayPanel.h"
 #include "overlay/FlatPanel.h"
 #include "overlay/OverlayDisplay.h"
 #include "overlay/OverlayLayout.h"

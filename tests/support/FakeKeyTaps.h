@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/KeyTap.h"
+#include "base/KeyTap.h"
 
 #include <QList>
 

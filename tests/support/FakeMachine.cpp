@@ -1,6 +1,6 @@
 #include "support/FakeMachine.h"
 
-#include "platform/Sleep.h"
+#include "base/Sleep.h"
 
 #include <QDir>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/Completion.h"
-#include "platform/HttpTransport.h"
+#include "base/Completion.h"
+#include "base/HttpTransport.h"
 
 #include <deque>
 #include <memory>

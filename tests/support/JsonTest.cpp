@@ -1,4 +1,4 @@
-#include "support/Json.h"
+#include "base/Json.h"
 
 #include <QJsonDocument>
 #include <QTest>

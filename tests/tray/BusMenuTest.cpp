@@ -1,6 +1,6 @@
 #include "tray/BusMenu.h"
-#include "app/FlowFixture.h"
-#include "app/MenuView.h"
+#include "program/FlowFixture.h"
+#include "tray/MenuView.h"
 
 #include <QTest>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/x11/X11Connection.h"
+#include "machine/x11/X11Connection.h"
 
 #include <QRect>
 

@@ -1,9 +1,9 @@
-#include "capture/OverlayPanel.h"
+#include "dictation/OverlayPanel.h"
 #include "desktop/overlay/OtherWindow.h"
 #include "overlay/OverlayDisplay.h"
-#include "platform/linux/panel/DesktopSettings.h"
-#include "platform/linux/panel/WorkArea.h"
-#include "platform/linux/panel/X11FloatingPanels.h"
+#include "machine/x11/DesktopSettings.h"
+#include "machine/x11/WorkArea.h"
+#include "machine/x11/X11FloatingPanels.h"
 #include "support/VirtualClock.h"
 
 #include <QGuiApplication>

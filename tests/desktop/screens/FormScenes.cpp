@@ -1,6 +1,6 @@
 #include "desktop/screens/FormScenes.h"
 
-#include "platform/KeyTap.h"
+#include "base/KeyTap.h"
 
 #include <QQuickItem>
 #include <QQuickWindow>

@@ -1,8 +1,8 @@
 #include "desktop/screens/Stage.h"
 
-#include "dashboard/window/QuickWindowEngine.h"
+#include "screens/kit/QuickWindowEngine.h"
 #include "history/HistoryFile.h"
-#include "support/AtomicFile.h"
+#include "base/AtomicFile.h"
 
 #include <QDir>
 #include <QQuickWindow>

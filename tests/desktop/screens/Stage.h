@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/Host.h"
+#include "program/Host.h"
 #include "support/FakeMachine.h"
-#include "windows/Windows.h"
+#include "program/Windows.h"
 
 #include <QSize>
 

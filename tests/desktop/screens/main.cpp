@@ -1,6 +1,6 @@
-#include "dashboard/window/QuickWindowEngine.h"
+#include "screens/kit/QuickWindowEngine.h"
 #include "desktop/screens/Scene.h"
-#include "platform/linux/Wording.h"
+#include "machine/Wording.h"
 
 #include <QDir>
 #include <QGuiApplication>

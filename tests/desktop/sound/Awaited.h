@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Microphone.h"
+#include "base/Microphone.h"
 
 #include <QTest>
 

@@ -1,5 +1,5 @@
-#include "platform/linux/sound/PulseConnection.h"
-#include "platform/linux/sound/PulseMicrophone.h"
+#include "machine/sound/PulseConnection.h"
+#include "machine/sound/PulseMicrophone.h"
 
 #include <QCoreApplication>
 #include <QFile>

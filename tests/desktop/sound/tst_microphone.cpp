@@ -2,8 +2,8 @@
 #include "desktop/sound/Awaited.h"
 #include "desktop/sound/HeardSound.h"
 #include "desktop/sound/PipeVoice.h"
-#include "platform/linux/sound/PulseConnection.h"
-#include "platform/linux/sound/PulseMicrophone.h"
+#include "machine/sound/PulseConnection.h"
+#include "machine/sound/PulseMicrophone.h"
 
 #include <QFile>
 #include <QLocalServer>

@@ -1,7 +1,7 @@
 #include "desktop/sound/HeardSound.h"
-#include "platform/linux/sound/InputSources.h"
-#include "platform/linux/sound/LevelMeter.h"
-#include "platform/linux/sound/WavFile.h"
+#include "machine/sound/InputSources.h"
+#include "machine/sound/LevelMeter.h"
+#include "machine/sound/WavFile.h"
 
 #include <QFile>
 #include <QFileInfo>

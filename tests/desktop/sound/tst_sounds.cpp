@@ -1,6 +1,6 @@
 #include "desktop/sound/AudioServer.h"
-#include "platform/linux/sound/PulseConnection.h"
-#include "platform/linux/sound/PulseSoundPlayer.h"
+#include "machine/sound/PulseConnection.h"
+#include "machine/sound/PulseSoundPlayer.h"
 
 #include <QProcess>
 #include <QTest>

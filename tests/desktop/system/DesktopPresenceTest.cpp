@@ -1,4 +1,4 @@
-#include "platform/linux/system/DesktopPresence.h"
+#include "machine/desktop/DesktopPresence.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

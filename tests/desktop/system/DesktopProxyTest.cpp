@@ -1,4 +1,4 @@
-#include "platform/linux/system/NetworkTransport.h"
+#include "machine/network/NetworkTransport.h"
 #include "support/server/ConnectProxy.h"
 #include "support/server/TlsServer.h"
 

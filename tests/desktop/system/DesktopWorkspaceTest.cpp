@@ -1,5 +1,5 @@
-#include "platform/linux/system/DesktopWorkspace.h"
-#include "platform/linux/system/HostName.h"
+#include "machine/desktop/DesktopWorkspace.h"
+#include "machine/desktop/HostName.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "platform/linux/system/SecretServiceStore.h"
+#include "machine/desktop/SecretServiceStore.h"
 #include "support/VirtualClock.h"
 
 #include <QCoroTask>

@@ -1,5 +1,5 @@
-#include "platform/linux/system/LogFormat.h"
-#include "platform/linux/system/LogRepeats.h"
+#include "machine/desktop/LogFormat.h"
+#include "machine/desktop/LogRepeats.h"
 
 #include <QtTest>
 

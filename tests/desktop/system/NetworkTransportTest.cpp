@@ -1,5 +1,5 @@
-#include "platform/linux/system/NetworkTransport.h"
-#include "platform/linux/system/NetworkChanges.h"
+#include "machine/network/NetworkTransport.h"
+#include "machine/network/NetworkChanges.h"
 #include "support/server/TlsServer.h"
 
 #include <QCoroTask>

@@ -1,6 +1,6 @@
-#include "platform/linux/system/NetworkTransport.h"
-#include "speech/CleanupPrompt.h"
-#include "speech/SpeechFixture.h"
+#include "machine/network/NetworkTransport.h"
+#include "cloud/speech/CleanupPrompt.h"
+#include "cloud/speech/SpeechFixture.h"
 #include "support/server/ConnectProxy.h"
 #include "support/server/TlsServer.h"
 

@@ -1,4 +1,4 @@
-#include "platform/linux/system/PortalAppearance.h"
+#include "machine/desktop/PortalAppearance.h"
 
 #include <QDBusConnection>
 #include <QDBusContext>

@@ -1,5 +1,5 @@
-#include "platform/linux/system/PreferencesFile.h"
-#include "platform/linux/system/SystemClock.h"
+#include "machine/desktop/PreferencesFile.h"
+#include "machine/desktop/SystemClock.h"
 
 #include <QDir>
 #include <QFile>

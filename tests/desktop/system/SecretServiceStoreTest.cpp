@@ -1,6 +1,6 @@
-#include "platform/linux/system/SecretServiceStore.h"
+#include "machine/desktop/SecretServiceStore.h"
 #include "desktop/system/KeyringDaemon.h"
-#include "platform/linux/system/SystemClock.h"
+#include "machine/desktop/SystemClock.h"
 
 #include <QCoroTask>
 #include <QElapsedTimer>

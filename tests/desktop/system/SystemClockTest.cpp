@@ -1,6 +1,6 @@
-#include "platform/linux/system/SystemClock.h"
+#include "machine/desktop/SystemClock.h"
 #include "history/LocalDays.h"
-#include "platform/linux/system/DiskThread.h"
+#include "machine/desktop/DiskThread.h"
 
 #include <QtTest>
 

@@ -1,4 +1,4 @@
-#include "platform/linux/system/XdgFolders.h"
+#include "machine/desktop/XdgFolders.h"
 
 #include <QDir>
 #include <QFile>

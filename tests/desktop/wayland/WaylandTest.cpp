@@ -2,8 +2,8 @@
 #include "desktop/program/PanelStandIn.h"
 #include "desktop/wayland/Compositor.h"
 #include "desktop/wayland/NotificationStandIn.h"
-#include "platform/linux/clipboard/PasteboardThread.h"
-#include "platform/linux/wayland/WaylandPasteboard.h"
+#include "machine/desktop/PasteboardThread.h"
+#include "machine/wayland/WaylandPasteboard.h"
 
 #include <QCoroTask>
 #include <QFile>

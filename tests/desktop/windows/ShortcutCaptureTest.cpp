@@ -1,8 +1,8 @@
-#include "capture/HotkeyMonitor.h"
-#include "capture/HotkeyRecorder.h"
+#include "dictation/HotkeyMonitor.h"
+#include "dictation/HotkeyRecorder.h"
 #include "desktop/x11/Typist.h"
-#include "platform/linux/windows/WindowKeys.h"
-#include "platform/linux/x11/X11Desktop.h"
+#include "machine/x11/WindowKeys.h"
+#include "machine/x11/X11Desktop.h"
 
 #include <QAction>
 #include <QLineEdit>

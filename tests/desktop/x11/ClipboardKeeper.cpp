@@ -1,9 +1,9 @@
 #include "desktop/x11/ClipboardKeeper.h"
 
-#include "platform/linux/x11/SelectionOwner.h"
-#include "platform/linux/x11/SelectionRead.h"
-#include "platform/linux/x11/SelectionSender.h"
-#include "platform/linux/x11/X11Connection.h"
+#include "machine/x11/SelectionOwner.h"
+#include "machine/x11/SelectionRead.h"
+#include "machine/x11/SelectionSender.h"
+#include "machine/x11/X11Connection.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 #include "desktop/x11/RecordingWindow.h"
 #include "desktop/x11/Typist.h"
-#include "platform/linux/x11/FocusedWindow.h"
-#include "platform/linux/x11/SelectionOwner.h"
-#include "platform/linux/x11/SelectionSender.h"
-#include "platform/linux/x11/WindowProperty.h"
-#include "platform/linux/x11/X11Desktop.h"
+#include "machine/x11/FocusedWindow.h"
+#include "machine/x11/SelectionOwner.h"
+#include "machine/x11/SelectionSender.h"
+#include "machine/x11/WindowProperty.h"
+#include "machine/x11/X11Desktop.h"
 
 #include <QCoroTask>
 #include <QFile>

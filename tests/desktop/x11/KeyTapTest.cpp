@@ -1,7 +1,7 @@
 #include "desktop/x11/RecordingWindow.h"
 #include "desktop/x11/Typist.h"
-#include "platform/linux/x11/X11Desktop.h"
-#include "platform/linux/x11/XcbReply.h"
+#include "machine/x11/X11Desktop.h"
+#include "machine/x11/XcbReply.h"
 
 #include <QDeadlineTimer>
 #include <QProcess>

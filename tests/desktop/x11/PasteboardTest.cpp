@@ -1,10 +1,10 @@
 #include "desktop/x11/ClipboardKeeper.h"
 #include "desktop/x11/UnrulyOwner.h"
-#include "platform/linux/x11/SelectionOwner.h"
-#include "platform/linux/x11/SelectionRead.h"
-#include "platform/linux/x11/SelectionSender.h"
-#include "platform/linux/x11/WindowProperty.h"
-#include "platform/linux/x11/X11Desktop.h"
+#include "machine/x11/SelectionOwner.h"
+#include "machine/x11/SelectionRead.h"
+#include "machine/x11/SelectionSender.h"
+#include "machine/x11/WindowProperty.h"
+#include "machine/x11/X11Desktop.h"
 
 #include <QCoroTask>
 #include <QFile>

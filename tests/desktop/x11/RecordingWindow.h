@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/linux/x11/X11Connection.h"
-#include "platform/linux/x11/X11Keyboard.h"
+#include "machine/x11/X11Connection.h"
+#include "machine/x11/X11Keyboard.h"
 
 #include <QStringList>
 

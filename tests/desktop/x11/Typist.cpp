@@ -1,7 +1,7 @@
 #include "desktop/x11/Typist.h"
 
-#include "platform/linux/x11/XcbReply.h"
-#include "platform/linux/x11/XkbProtocol.h"
+#include "machine/x11/XcbReply.h"
+#include "machine/x11/XkbProtocol.h"
 
 #include <QProcess>
 

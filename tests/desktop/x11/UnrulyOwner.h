@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "platform/linux/x11/SelectionData.h"
-#include "platform/linux/x11/X11Connection.h"
+#include "machine/x11/SelectionData.h"
+#include "machine/x11/X11Connection.h"
 
 /// Another program that owns CLIPBOARD and fails those who ask for it.
 class UnrulyOwner

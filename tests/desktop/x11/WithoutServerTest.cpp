@@ -1,4 +1,4 @@
-#include "platform/linux/x11/X11Desktop.h"
+#include "machine/x11/X11Desktop.h"
 
 #include <QCoroTask>
 #include <QProcess>

@@ -1,0 +1,98 @@
+#include "cli/RecoverCommand.h"
+
+#include "program/ProfileLock.h"
+#include "cli/CommandContext.h"
+#include "cli/ExitCode.h"
+#include "cli/OfflineProgram.h"
+#include "cli/RecordingText.h"
+#include "cli/Terminal.h"
+#include "base/Clock.h"
+#include "base/Platform.h"
+#include "history/LeftRecordings.h"
+#include "preferences/Defaults.h"
+#include "preferences/Prefs.h"
+
+#include <QDBusArgument>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr qsizetype shortId = 8;
+
+int list(const LeftRecordings &recordings, const QTimeZone &zone)
+{
+    QString text;
+    for (const LeftRecording &recording : recordings.all())
+        text += u"%1  %2  %3 s\n"_s.arg(recording.id.first(std::min(shortId, recording.id.size())),
+                                        recording.date.toTimeZone(zone).toString(u"yyyy-MM-dd HH:mm"_s),
+                                        QString::number(recording.seconds, 'f', 1));
+    return Terminal::print(text) ? ExitCode::done : ExitCode::failed;
+}
+
+int removeAll(const QList<LeftRecording> &recordings)
+{
+    for (const LeftRecording &recording : recordings) {
+        if (!LeftRecordings::remove(recording))
+            return Terminal::complain(u"%1 could not be deleted."_s.arg(recording.path), ExitCode::failed);
+    }
+    return ExitCode::done;
+}
+
+/// Tells, or chooses, whether a recording whose transcription failed is kept.
+int keepFailed(const CommandContext &context)
+{
+    const QString wanted = context.asked.arguments.value(1);
+    if (!QStringList{QString(), u"on"_s, u"off"_s}.contains(wanted) || context.asked.all)
+        return Terminal::complain(u"'recover failed' takes on or off."_s, ExitCode::usage);
+    bool isOn = wanted == "on"_L1;
+    const ControlClient::Answer answer = wanted.isEmpty()
+                                             ? context.running.call(u"Status"_s)
+                                             : context.running.call(u"KeepFailedRecordings"_s, {isOn});
+    if (!answer && answer.error().kind == ControlClient::Error::Kind::failed)
+        return Terminal::complain(answer.error().message, ExitCode::failed);
+    if (!answer) {
+        const auto program = OfflineProgram::take(context);
+        if (!program)
+            return Terminal::complain(program.error(), ExitCode::inUse);
+        Defaults &defaults = (*program)->host().defaults();
+        if (wanted.isEmpty())
+            isOn = defaults.boolean(PrefsKey::keepFailedRecordings);
+        else
+            defaults.set(PrefsKey::keepFailedRecordings, isOn);
+    } else if (wanted.isEmpty()) {
+        isOn = qdbus_cast<QVariantMap>(answer->value(0)).value(u"keepsFailedRecordings"_s).toBool();
+    }
+    return Terminal::print(isOn ? u"on\n"_s : u"off\n"_s) ? ExitCode::done : ExitCode::failed;
+}
+
+} // namespace
+
+int RecoverCommand::run(const CommandContext &context)
+{
+    if (context.asked.arguments.value(0) == "failed"_L1)
+        return keepFailed(context);
+    const Platform &machine = context.machine();
+    LeftRecordings recordings(machine.folders, machine.clock);
+    {
+        // Where the program has not started again since, what it left is still where it was made.
+        ProfileLock lock(machine.folders);
+        if (lock.tryLock(0s))
+            recordings.takeIn();
+    }
+    const QString action = context.asked.arguments.value(0, u"list"_s);
+    const QString id = context.asked.arguments.value(1);
+    if (action == "list"_L1 && id.isEmpty() && !context.asked.all)
+        return list(recordings, machine.clock.timeZone());
+    if (action == "delete"_L1 && context.asked.all && id.isEmpty())
+        return removeAll(recordings.all());
+    if ((action != "delete"_L1 && action != "transcribe"_L1) || id.isEmpty() || context.asked.all)
+        return Terminal::complain(
+            u"'recover' takes list, transcribe ID, delete ID, delete --all or failed. Try --help."_s,
+            ExitCode::usage);
+    const auto found = recordings.find(id);
+    if (!found)
+        return Terminal::complain(found.error(), ExitCode::noInput);
+    return action == "delete"_L1 ? removeAll({*found}) : RecordingText::print(found->path, context);
+}

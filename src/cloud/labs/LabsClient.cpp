@@ -1,0 +1,122 @@
+#include "cloud/labs/LabsClient.h"
+
+#include "cloud/account/Credentials.h"
+#include "base/Sleep.h"
+#include "base/Text.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto requestTimeout = 45s;
+constexpr auto usualPause = 1500ms;
+constexpr qint64 longestPause = 10; // seconds
+constexpr int longestPrompt = 8000;
+constexpr int longestContext = 4000;
+
+QJsonObject question(const QString &prompt, LabsProvider provider, LabsMode mode, const QString &language,
+                     const QString &context)
+{
+    QJsonObject body{{u"prompt"_s, Text::firstCharacters(prompt, longestPrompt)},
+                     {u"provider"_s, LabsProviderNames::rawValue(provider)},
+                     {u"mode"_s, LabsModes::rawValue(mode)}};
+    if (const QString code = language.trimmed(); !code.isEmpty())
+        body.insert(u"language"_s, code);
+    if (const QString text = context.trimmed(); !text.isEmpty())
+        body.insert(u"context"_s, Text::firstCharacters(text, longestContext));
+    return body;
+}
+
+} // namespace
+
+LabsClient::LabsClient(AccountClient &account, const Credentials &credentials, HttpTransport &http,
+                       Clock &clock)
+    : m_account(account),
+      m_credentials(credentials),
+      m_http(http),
+      m_clock(clock)
+{
+}
+
+QCoro::Task<LabsClient::Result<LabsProviders>> LabsClient::providers(std::stop_token stop)
+{
+    const auto reply = co_await exchange("GET", u"/v1/labs/providers"_s, std::nullopt, stop);
+    if (!reply)
+        co_return std::unexpected(reply.error());
+    const auto offered = LabsProviders::decode(reply->body);
+    if (!offered)
+        co_return std::unexpected(AccountError::unreadable());
+    co_return *offered;
+}
+
+QCoro::Task<LabsClient::Result<LabsAnswer>> LabsClient::answer(QString prompt, LabsProvider provider,
+                                                               LabsMode mode, QString language,
+                                                               QString context, std::stop_token stop)
+{
+    const QJsonObject body = question(prompt, provider, mode, language, context);
+    const auto reply = co_await exchange("POST", u"/v1/labs/answer"_s, body, stop);
+    if (!reply)
+        co_return std::unexpected(reply.error());
+    co_return LabsAnswer::decode(reply->body, provider);
+}
+
+QCoro::Task<LabsClient::Result<HttpResponse>>
+LabsClient::exchange(QByteArray method, QString path, std::optional<QJsonObject> body, std::stop_token stop)
+{
+    const auto token = co_await m_credentials.apiKey(Provider::sayvane, stop);
+    if (stop.stop_requested())
+        co_return std::unexpected(AccountError::cancelled());
+    if (!token)
+        co_return std::unexpected(AccountError{std::nullopt, token.error().description, std::nullopt});
+    auto request = m_account.request(method, path, *token, body);
+    if (!request)
+        co_return std::unexpected(request.error());
+    request->timeout = requestTimeout;
+    const bool usingSession = AccountClient::credentialOf(*token) == AccountClient::Credential::session;
+    co_return co_await send(*request, usingSession, true, stop);
+}
+
+QCoro::Task<LabsClient::Result<HttpResponse>> LabsClient::send(HttpRequest request, bool usingSession,
+                                                               bool mayRetry, std::stop_token stop)
+{
+    return attempt(request, usingSession, m_account.session(), mayRetry, stop);
+}
+
+QCoro::Task<LabsClient::Result<HttpResponse>>
+LabsClient::attempt(HttpRequest request, bool usingSession, int asked, bool mayRetry, std::stop_token stop)
+{
+    const auto response = co_await m_http.send(request, stop);
+    if (stop.stop_requested())
+        co_return std::unexpected(AccountError::cancelled());
+    if (!response)
+        co_return std::unexpected(AccountError::network(response.error()));
+    if (response->isSuccess())
+        co_return *response;
+    const auto body = ServiceErrorBody::decode(response->body);
+    const auto retryAfter = seconds(response->header("Retry-After"));
+    if (const auto delay = retryDelay(response->status, body.code, retryAfter); mayRetry && delay) {
+        co_await sleepFor(m_clock, *delay, stop);
+        if (stop.stop_requested())
+            co_return std::unexpected(AccountError::cancelled());
+        co_return co_await attempt(request, usingSession, asked, false, stop);
+    }
+    const auto credential = usingSession && m_account.session() == asked ? AccountClient::Credential::session
+                                                                         : AccountClient::Credential::none;
+    co_return std::unexpected(m_account.failure(response->status, body, retryAfter, credential));
+}
+
+std::optional<std::chrono::milliseconds>
+LabsClient::retryDelay(int status, const std::optional<QString> &code, std::optional<qint64> retryAfter)
+{
+    const bool isRateLimit =
+        status == 429 && (code == "rate_limited"_L1 || code == "upstream_rate_limited"_L1);
+    const bool isTimeout = status == 504 && code == "upstream_timeout"_L1;
+    if (!isRateLimit && !isTimeout)
+        return std::nullopt;
+    if (retryAfter.value_or(0) < 1)
+        return usualPause;
+    return std::chrono::seconds(std::min(*retryAfter, longestPause));
+}

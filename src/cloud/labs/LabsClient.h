@@ -1,0 +1,61 @@
+#pragma once
+
+#include "cloud/account/AccountClient.h"
+#include "cloud/labs/LabsAnswer.h"
+#include "cloud/labs/LabsMode.h"
+#include "cloud/labs/LabsProviders.h"
+#include "base/HttpTransport.h"
+
+#include <QCoroTask>
+#include <QJsonObject>
+#include <QString>
+
+#include <chrono>
+#include <optional>
+#include <stop_token>
+
+class Clock;
+class Credentials;
+
+/// Has the hosted service pass a prompt to an outside assistant.
+///
+/// It keeps no state. A stop request ends an operation early with an error that nobody should show.
+class LabsClient
+{
+public:
+    template <typename T>
+    using Result = AccountClient::Result<T>;
+
+    LabsClient(AccountClient &account, const Credentials &credentials, HttpTransport &http, Clock &clock);
+
+    /// Which assistants the service offers now.
+    QCoro::Task<Result<LabsProviders>> providers(std::stop_token stop);
+
+    /// The prompt is cut to 8000 characters, the context to 4000; an empty language means any.
+    QCoro::Task<Result<LabsAnswer>> answer(QString prompt, LabsProvider provider, LabsMode mode,
+                                           QString language, QString context, std::stop_token stop);
+
+    /// Performs a request; a rate limit or time-out of the assistant is tried once more after a pause.
+    QCoro::Task<Result<HttpResponse>> send(HttpRequest request, bool usingSession, bool mayRetry,
+                                           std::stop_token stop);
+
+    /// How long to wait before the one retry, for a normalised code; none when the answer is final.
+    static std::optional<std::chrono::milliseconds> retryDelay(int status, const std::optional<QString> &code,
+                                                               std::optional<qint64> retryAfter);
+    /// The "Retry-After" header in whole seconds.
+    static std::optional<qint64> seconds(const std::optional<QString> &retryAfter)
+    {
+        return AccountClient::seconds(retryAfter);
+    }
+
+private:
+    QCoro::Task<Result<HttpResponse>> attempt(HttpRequest request, bool usingSession, int asked,
+                                              bool mayRetry, std::stop_token stop);
+    QCoro::Task<Result<HttpResponse>> exchange(QByteArray method, QString path,
+                                               std::optional<QJsonObject> body, std::stop_token stop);
+
+    AccountClient &m_account;
+    const Credentials &m_credentials;
+    HttpTransport &m_http;
+    Clock &m_clock;
+};

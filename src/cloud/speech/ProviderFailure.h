@@ -1,0 +1,22 @@
+#pragma once
+
+#include "base/FlowError.h"
+#include "base/Provider.h"
+
+#include <QByteArray>
+#include <QString>
+
+/// What a refusal by Groq or OpenAI means to the user.
+namespace ProviderFailure {
+
+/// The sentence for an answer outside 200 to 299, from the provider's error body where it has one:
+/// `{"error": {"message", "code"}}`. Status 0 stands for an answer that is not HTTP.
+FlowError failure(Provider provider, int status, const QByteArray &body);
+
+/// Whether the message says that the model is gone.
+bool mentionsUnknownModel(const QString &message);
+
+/// Whether the message says that a parameter of the request is not accepted.
+bool mentionsRejectedParameter(const QString &message);
+
+} // namespace ProviderFailure

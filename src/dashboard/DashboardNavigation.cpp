@@ -1,9 +1,0 @@
-#include "dashboard/DashboardNavigation.h"
-
-void DashboardNavigation::setSection(DashboardSection section)
-{
-    if (section == m_section)
-        return;
-    m_section = section;
-    Q_EMIT changed();
-}

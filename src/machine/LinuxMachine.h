@@ -1,0 +1,73 @@
+#pragma once
+
+#include "base/Platform.h"
+#include "machine/desktop/PasteboardThread.h"
+#include "machine/x11/X11FloatingPanels.h"
+#include "machine/sound/PulseConnection.h"
+#include "machine/sound/PulseMicrophone.h"
+#include "machine/sound/PulseSoundPlayer.h"
+#include "machine/desktop/DesktopActivation.h"
+#include "machine/desktop/DesktopPresence.h"
+#include "machine/desktop/DesktopWorkspace.h"
+#include "machine/desktop/DeviceGraphics.h"
+#include "machine/desktop/DiskThread.h"
+#include "machine/desktop/HostName.h"
+#include "machine/network/NetworkTransport.h"
+#include "machine/desktop/PortalAppearance.h"
+#include "machine/desktop/PreferencesFile.h"
+#include "machine/desktop/SecretServiceStore.h"
+#include "machine/desktop/StatVolumes.h"
+#include "machine/desktop/SystemClock.h"
+#include "machine/desktop/XdgAutostart.h"
+#include "machine/desktop/XdgFolders.h"
+#include "machine/wayland/WaylandPasteboard.h"
+#include "machine/x11/WindowKeys.h"
+#include "machine/x11/WindowPasteboard.h"
+#include "machine/x11/X11Desktop.h"
+
+#include <QString>
+
+#include <memory>
+
+/// The Linux desktop as one machine.
+class LinuxMachine
+{
+public:
+    struct Settings
+    {
+        QString profile;      ///< folders and secrets of its own; empty for the ordinary one
+        QString soundsFolder; ///< where the four sounds are
+        QByteArray userAgent; ///< what services are told that we are
+    };
+    explicit LinuxMachine(const Settings &settings);
+
+    Platform &platform() { return m_platform; }
+    X11Desktop &desktop() { return m_desktop; }
+
+private:
+    Pasteboard &pasteboard();
+
+    X11Desktop m_desktop;
+    std::unique_ptr<PasteboardThread> m_waylandPasteboard = WaylandPasteboard::inThread();
+    std::unique_ptr<WindowPasteboard> m_windowPasteboard; // where there is no other
+    X11FloatingPanels m_panels{m_desktop.connection()};
+    PulseConnection m_pulse; // begins to connect while the rest is made
+    SystemClock m_clock;
+    XdgFolders m_folders;
+    StatVolumes m_volumes;
+    PreferencesFile m_defaults;
+    SecretServiceStore m_secrets;
+    HostName m_computerName;
+    DesktopWorkspace m_workspace;
+    NetworkTransport m_http;
+    PulseMicrophone m_microphone;
+    PulseSoundPlayer m_sounds;
+    WindowKeys m_windowKeys;
+    DesktopActivation m_activation;
+    PortalAppearance m_appearance;
+    DeviceGraphics m_graphics;
+    XdgAutostart m_autostart;
+    DiskThread m_background;
+    DesktopPresence m_presence;
+    Platform m_platform;
+};

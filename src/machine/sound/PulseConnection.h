@@ -1,0 +1,90 @@
+#pragma once
+
+#include "machine/sound/InputSources.h"
+#include "machine/sound/LoopTimer.h"
+#include "machine/sound/PulseLoop.h"
+
+#include <atomic>
+#include <chrono>
+#include <optional>
+#include <vector>
+
+#include <pulse/context.h>
+#include <pulse/introspect.h>
+#include <pulse/subscribe.h>
+
+/// The program's one connection to the audio server, PulseAudio or PipeWire, kept open all the time.
+///
+/// It starts to connect when it is made and connects again by itself when the server went away: soon
+/// at first, then ever more rarely, and at once when somebody asks. It never starts a server. While it
+/// stands, the server tells what changes; nothing is polled.
+class PulseConnection final
+{
+public:
+    enum class State {
+        connecting,
+        ready,
+        refused, // a server runs, but does not let us in
+        absent,  // no server answers
+    };
+
+    PulseConnection();
+    ~PulseConnection();
+    PulseConnection(const PulseConnection &) = delete;
+    PulseConnection &operator=(const PulseConnection &) = delete;
+
+    /// Where things stand. From any thread, as `hasInput` and `isRefused`.
+    State state() const { return m_state; }
+
+    /// Whether the server has a real input; false while there is no server.
+    bool hasInput() const { return m_hasInput; }
+
+    /// Whether the server that answered last turned us away.
+    bool isRefused() const { return m_isRefused; }
+
+    /// Connects now rather than at the next attempt, where there is no connection. From any thread.
+    void knock();
+
+    PulseLoop &loop() { return m_loop; }
+
+    // The rest is for the loop's thread.
+
+    /// Connects if need be and calls as soon as it is known where things stand, after a moment at the latest.
+    void whenSettled(PulseLoop::Task call);
+
+    /// The context to work with; null while there is none.
+    pa_context *context() const { return m_state == State::ready ? m_context : nullptr; }
+
+    const InputSources &sources() const { return m_sources; }
+
+    /// A number that grows with each new connection: what a former one held is gone.
+    unsigned generation() const { return m_generation; }
+
+private:
+    void connect();
+    void disconnect();
+    void retryLater();
+    void settle(State state);
+    void callWaiting();
+    void sourcesChanged() { m_hasInput = m_sources.hasInput(); }
+
+    // Called by libpulse.
+    void contextChanged();
+    void greet();
+    void sourceEvent(pa_subscription_event_type_t event, uint32_t index);
+    void learn(const pa_source_info &source);
+    void askForDefault();
+
+    PulseLoop m_loop;
+    pa_context *m_context = nullptr;
+    std::optional<LoopTimer> m_retry;
+    std::optional<LoopTimer> m_grace; // while somebody waits
+    std::vector<PulseLoop::Task> m_waiting;
+    std::chrono::milliseconds m_pause;
+    std::chrono::steady_clock::time_point m_began;
+    std::atomic<State> m_state = State::connecting;
+    std::atomic<bool> m_hasInput = false;
+    std::atomic<bool> m_isRefused = false;
+    unsigned m_generation = 0;
+    InputSources m_sources;
+};

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "machine/x11/X11AccessibilityTrust.h"
+#include "machine/x11/X11Connection.h"
+#include "machine/x11/X11KeyPoster.h"
+#include "machine/x11/X11KeyTaps.h"
+#include "machine/x11/X11Keyboard.h"
+#include "machine/x11/X11PasteboardThread.h"
+
+/// What an X11 session gives: keys, keystrokes and the clipboard. Needs an event loop, not a window.
+///
+/// Without a server there is no trust, no tap and no keystroke, and the clipboard is a memory of our own.
+class X11Desktop
+{
+public:
+    /// An empty name is the display of the environment.
+    explicit X11Desktop(const QByteArray &display = {});
+
+    X11Connection &connection() { return m_connection; }
+    X11AccessibilityTrust &trust() { return m_trust; }
+    X11PasteboardThread &pasteboard() { return m_pasteboard; }
+    X11KeyTaps &keyTaps() { return m_keyTaps; }
+    X11KeyPoster &keyPoster() { return m_keyPoster; }
+
+private:
+    X11Connection m_connection;
+    X11Keyboard m_keyboard;
+    X11AccessibilityTrust m_trust;
+    X11PasteboardThread m_pasteboard;
+    X11KeyTaps m_keyTaps;
+    X11KeyPoster m_keyPoster;
+};

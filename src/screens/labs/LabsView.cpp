@@ -1,0 +1,183 @@
+#include "screens/labs/LabsView.h"
+
+#include "dictation/TextInserter.h"
+#include "screens/labs/LabsTexts.h"
+#include "base/Pasteboard.h"
+#include "preferences/Defaults.h"
+#include "preferences/Prefs.h"
+#include "base/Text.h"
+#include "base/Provider.h"
+
+#include <QPointer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int promptLimit = 8000;
+constexpr int contextLimit = 4000;
+
+QString counter(const QString &text, int limit)
+{
+    return u"%1/%2"_s.arg(Text::characterCount(text)).arg(limit);
+}
+
+QVariantMap option(const QString &value, const QString &text)
+{
+    return {{u"value"_s, value}, {u"text"_s, text}};
+}
+
+} // namespace
+
+LabsView::LabsView(const Collaborators &with)
+    : m_session(with.session),
+      m_answerMode(with.answerMode),
+      m_defaults(with.defaults),
+      m_pasteboard(with.pasteboard),
+      m_inserter(with.inserter),
+      m_dictation(with.dictation),
+      m_openSettings(with.openSettings)
+{
+    connect(&m_session, &LabsSession::changed, this, &LabsView::changed);
+    connect(&m_answerMode, &LabsAnswerMode::enabledChanged, this, &LabsView::changed);
+    connect(&m_defaults, &Defaults::changed, this, [this](const QString &key) {
+        if (key == PrefsKey::provider || key == PrefsKey::labsProvider)
+            Q_EMIT changed();
+    });
+}
+
+LabsView::~LabsView()
+{
+    m_stop.request_stop();
+}
+
+bool LabsView::usable() const
+{
+    const auto provider = Providers::fromRawValue(m_defaults.textOrEmpty(PrefsKey::provider));
+    return provider.value_or(Provider::sayvane) == Provider::sayvane;
+}
+
+QVariantList LabsView::providers() const
+{
+    QVariantList all;
+    for (const LabsProvider provider : m_session.availableProviders())
+        all.append(option(LabsProviderNames::rawValue(provider), LabsProviderNames::title(provider)));
+    return all;
+}
+
+QVariantList LabsView::modes()
+{
+    QVariantList all;
+    for (const LabsMode mode : LabsModes::allCases)
+        all.append(option(LabsModes::rawValue(mode), LabsModes::title(mode)));
+    return all;
+}
+
+void LabsView::selectProvider(const QString &rawValue)
+{
+    m_defaults.set(PrefsKey::labsProvider, rawValue);
+}
+
+QString LabsView::providersNotice() const
+{
+    if (m_session.loadingProviders() || !m_session.availableProviders().isEmpty())
+        return {};
+    const QString &error = m_session.providersError();
+    return error.isEmpty() ? tr("Labs is not offered on this server right now.") : error;
+}
+
+QString LabsView::modeHint() const
+{
+    return LabsTexts::hint(m_session.mode());
+}
+
+QString LabsView::promptLabel() const
+{
+    return LabsTexts::promptLabel(m_session.mode());
+}
+
+QString LabsView::promptCount() const
+{
+    return counter(m_session.prompt(), promptLimit);
+}
+
+QString LabsView::contextLabel() const
+{
+    return LabsTexts::contextLabel(m_session.mode());
+}
+
+QString LabsView::contextCount() const
+{
+    return counter(m_session.context(), contextLimit);
+}
+
+QString LabsView::answerHeading() const
+{
+    const auto &answer = m_session.answer();
+    return answer ? LabsTexts::heading(answer->provider, answer->model) : QString();
+}
+
+QString LabsView::answerText() const
+{
+    return hasAnswer() ? m_session.answer()->text : QString();
+}
+
+QString LabsView::answerModeCaption() const
+{
+    return tr("While this is on, an ordinary dictation is answered by %1 and the answer is pasted instead of "
+              "the "
+              "transcript. Turns itself off after 30 minutes.")
+        .arg(LabsProviderNames::title(m_session.answeringProvider()));
+}
+
+bool LabsView::canSwitchAnswerMode() const
+{
+    return m_answerMode.enabled() || !m_session.availableProviders().isEmpty();
+}
+
+void LabsView::appear()
+{
+    if (!usable() || m_session.didLoadProviders())
+        return;
+    m_session.setDidLoadProviders(true);
+    m_session.loadProviders();
+}
+
+void LabsView::openSettings()
+{
+    m_openSettings();
+}
+
+void LabsView::dictate()
+{
+    if (dictating())
+        return m_dictation.finishRecording();
+    m_dictation.captureNextTranscript([session = QPointer(&m_session)](const QString &transcript) {
+        if (session)
+            session->setPrompt(transcript);
+    });
+}
+
+void LabsView::ask()
+{
+    m_session.ask(selectedProvider());
+}
+
+void LabsView::copyAnswer()
+{
+    if (hasAnswer())
+        m_pasteboard.setString(answerText());
+}
+
+void LabsView::pasteAnswer()
+{
+    if (!hasAnswer())
+        return;
+    copyAnswer();
+    paste(answerText(), m_stop.get_token());
+}
+
+QCoro::Task<> LabsView::paste(QString text, std::stop_token stop)
+{
+    co_await m_inserter.insert(text, stop);
+}

@@ -1,0 +1,117 @@
+#pragma once
+
+#include "screens/settings/OwnKey.h"
+
+#include <QCoroTask>
+#include <QObject>
+#include <QString>
+
+#include <stop_token>
+
+class ConnectionTest;
+class Keychain;
+class Pasteboard;
+class Prefs;
+class Workspace;
+
+/// The rows that keep the user's own API key of the chosen provider.
+class KeyRow final : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString apiKey READ apiKey WRITE setApiKey NOTIFY changed)
+    Q_PROPERTY(bool showKey READ showKey WRITE setShowKey NOTIFY changed)
+    Q_PROPERTY(bool keyFieldFocused READ keyFieldFocused WRITE setKeyFieldFocused NOTIFY changed)
+    Q_PROPERTY(bool keySaved READ keySaved NOTIFY changed)
+    Q_PROPERTY(QString keyError READ keyError NOTIFY changed)
+    Q_PROPERTY(QString keyNotice READ keyNotice NOTIFY changed)
+    Q_PROPERTY(bool keyStored READ keyStored NOTIFY changed)
+    Q_PROPERTY(QString keySuffix READ keySuffix NOTIFY changed)
+    Q_PROPERTY(QString keyPlaceholder READ keyPlaceholder NOTIFY changed)
+    Q_PROPERTY(QString consoleAddress READ consoleAddress NOTIFY changed)
+public:
+    struct Collaborators
+    {
+        const Prefs &prefs;
+        Keychain &keychain;
+        Pasteboard &pasteboard;
+        Workspace &workspace;
+        ConnectionTest &connection;
+    };
+    explicit KeyRow(const Collaborators &with);
+    ~KeyRow() override;
+
+    /// What is typed; never the stored key.
+    const QString &apiKey() const { return m_apiKey; }
+    void setApiKey(const QString &text);
+    /// Whether the field shows letters instead of dots.
+    bool showKey() const { return m_showKey; }
+    void setShowKey(bool show);
+    bool keyFieldFocused() const { return m_keyFieldFocused; }
+    void setKeyFieldFocused(bool focused);
+
+    /// Whether the last save succeeded.
+    bool keySaved() const { return m_keySaved; }
+    const QString &keyError() const { return m_keyError; }
+    const QString &keyNotice() const { return m_keyNotice; }
+
+    /// Whether the current provider has a key, as last read, and its last four characters.
+    bool keyStored() const { return m_keyStored; }
+    const QString &keySuffix() const { return m_keySuffix; }
+    QString keyPlaceholder() const;
+    QString consoleAddress() const;
+
+    /// Whether the keychain has yet to say if there is a key.
+    bool isPending() const;
+    /// As far as is known now.
+    bool storedKeyExists() const;
+    void refreshKeyState();
+    /// Looks for a key that is not known; the owner of a closed keyring may be asked to open it.
+    void lookForKey();
+
+    /// Stores what is typed, trimmed, and tests the connection with it.
+    Q_INVOKABLE void saveKey();
+    /// Fills the field from the clipboard; nothing is saved yet.
+    Q_INVOKABLE void pasteKey();
+    Q_INVOKABLE void removeKey();
+    /// Opens the page where such keys are made.
+    Q_INVOKABLE void openConsole();
+
+    /// Forgets what was typed and said for the provider chosen before.
+    void startOver();
+
+    static std::optional<Provider> wrongCredential(const QString &key, Provider provider)
+    {
+        return OwnKey::wrongCredential(key, provider);
+    }
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    QString account() const;
+    QString storedKey() const;
+    void emptyField();
+    void report(const QString &error, const QString &notice);
+    QCoro::Task<> takeFromClipboard();
+    QCoro::Task<> save(QString key, QString account);
+    QCoro::Task<> remove(QString account);
+    QCoro::Task<int32_t> keep(QString key, QString account);
+
+    const Prefs &m_prefs;
+    Keychain &m_keychain;
+    Pasteboard &m_pasteboard;
+    Workspace &m_workspace;
+    ConnectionTest &m_connection;
+
+    QString m_apiKey;
+    bool m_showKey = false;
+    bool m_keyFieldFocused = false;
+    bool m_keySaved = false;
+    QString m_keyError;
+    QString m_keyNotice;
+    bool m_keyStored = false;
+    QString m_keySuffix;
+    bool m_ignoreNextKeyChange = false;
+    bool m_saving = false;
+    std::stop_source m_stop; // stopped when this object goes away
+};
