@@ -109,8 +109,7 @@ int runProgram(const Invocation &asked, QuitSignals &quitSignals)
     QObject::connect(&quitSignals, &QuitSignals::received, qApp, &QCoreApplication::quit);
     // The desktop session is over. An X11 server that is Wayland's guest comes and goes.
     if (QGuiApplication::platformName() == "xcb"_L1)
-        QObject::connect(&machine->desktop().connection(), &X11Connection::lost, qApp,
-                         &QCoreApplication::quit);
+        QObject::connect(&machine->x11(), &X11Connection::lost, qApp, &QCoreApplication::quit);
     app->launch(asked.profile);
     const int status = QCoreApplication::exec();
     app.reset();

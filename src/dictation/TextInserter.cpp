@@ -1,13 +1,13 @@
 #include "dictation/TextInserter.h"
 
-#include "dictation/ClipboardSnapshot.h"
 #include "base/AccessibilityTrust.h"
 #include "base/KeyPoster.h"
 #include "base/Pasteboard.h"
 #include "base/Presence.h"
 #include "base/Sleep.h"
-#include "preferences/Prefs.h"
 #include "base/Text.h"
+#include "dictation/ClipboardSnapshot.h"
+#include "preferences/Prefs.h"
 
 #include <utility>
 
@@ -48,7 +48,7 @@ TextInserter::TextInserter(Pasteboard &pasteboard, KeyPoster &keys, const Access
 
 std::shared_ptr<ClipboardSnapshot> TextInserter::prepare()
 {
-    if (!m_trust.isTrusted() || !m_prefs.isEnabled(PrefsKey::restoreClipboard))
+    if (!m_trust.canType() || !m_prefs.isEnabled(PrefsKey::restoreClipboard))
         return nullptr;
     const auto last = m_lastPaste.lock();
     auto snapshot = std::make_shared<ClipboardSnapshot>(m_pasteboard, m_clock, last ? *last : Paste());
@@ -181,7 +181,7 @@ bool TextInserter::reachesClipboard() const
 
 bool TextInserter::mayType() const
 {
-    return m_trust.isTrusted() && !m_presence.isAway();
+    return m_trust.canType() && !m_presence.isAway();
 }
 
 QCoro::Task<bool> TextInserter::pressCommandV()
@@ -190,7 +190,7 @@ QCoro::Task<bool> TextInserter::pressCommandV()
         co_return false;
     const KeyChord commandV{keyCodeV, KeyFlags::command};
     const std::function<bool()> mayStill = [&trust = m_trust, &presence = m_presence] {
-        return trust.isTrusted() && !presence.isAway();
+        return trust.canType() && !presence.isAway();
     };
     co_return co_await m_keys.post(commandV, mayStill);
 }

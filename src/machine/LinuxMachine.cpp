@@ -1,7 +1,5 @@
 #include "machine/LinuxMachine.h"
 
-#include <QGuiApplication>
-
 LinuxMachine::LinuxMachine(const Settings &settings)
     : m_folders(settings.profile),
       m_defaults(m_folders.configuration(), m_clock),
@@ -18,31 +16,19 @@ LinuxMachine::LinuxMachine(const Settings &settings)
                  .computerName = m_computerName,
                  .workspace = m_workspace,
                  .http = m_http,
-                 .trust = m_desktop.trust(),
+                 .trust = m_desktop,
                  .microphone = m_microphone,
                  .sounds = m_sounds,
                  .keyTaps = m_desktop.keyTaps(),
                  .keyPoster = m_desktop.keyPoster(),
-                 .pasteboard = pasteboard(),
+                 .pasteboard = m_desktop.pasteboard(),
                  .localKeys = m_windowKeys,
                  .activation = m_activation,
                  .appearance = m_appearance,
-                 .panels = m_panels,
+                 .panels = m_desktop,
                  .graphics = m_graphics,
                  .autostart = m_autostart,
                  .background = m_background,
                  .presence = m_presence}
 {
-}
-
-// GNOME's compositor offers no such clipboard, but shares the one of its X11 server. Without that, too, only
-// our windows get at it.
-Pasteboard &LinuxMachine::pasteboard()
-{
-    if (m_waylandPasteboard)
-        return *m_waylandPasteboard;
-    if (m_desktop.connection().isOpen() || !QGuiApplication::platformName().startsWith(u"wayland"))
-        return m_desktop.pasteboard();
-    m_windowPasteboard = std::make_unique<WindowPasteboard>();
-    return *m_windowPasteboard;
 }

@@ -1,18 +1,13 @@
 #pragma once
 
 #include "base/Platform.h"
-#include "machine/desktop/PasteboardThread.h"
-#include "machine/x11/X11FloatingPanels.h"
-#include "machine/sound/PulseConnection.h"
-#include "machine/sound/PulseMicrophone.h"
-#include "machine/sound/PulseSoundPlayer.h"
+#include "machine/DesktopAccess.h"
 #include "machine/desktop/DesktopActivation.h"
 #include "machine/desktop/DesktopPresence.h"
 #include "machine/desktop/DesktopWorkspace.h"
 #include "machine/desktop/DeviceGraphics.h"
 #include "machine/desktop/DiskThread.h"
 #include "machine/desktop/HostName.h"
-#include "machine/network/NetworkTransport.h"
 #include "machine/desktop/PortalAppearance.h"
 #include "machine/desktop/PreferencesFile.h"
 #include "machine/desktop/SecretServiceStore.h"
@@ -20,10 +15,11 @@
 #include "machine/desktop/SystemClock.h"
 #include "machine/desktop/XdgAutostart.h"
 #include "machine/desktop/XdgFolders.h"
-#include "machine/wayland/WaylandPasteboard.h"
+#include "machine/network/NetworkTransport.h"
+#include "machine/sound/PulseConnection.h"
+#include "machine/sound/PulseMicrophone.h"
+#include "machine/sound/PulseSoundPlayer.h"
 #include "machine/x11/WindowKeys.h"
-#include "machine/x11/WindowPasteboard.h"
-#include "machine/x11/X11Desktop.h"
 
 #include <QString>
 
@@ -42,15 +38,11 @@ public:
     explicit LinuxMachine(const Settings &settings);
 
     Platform &platform() { return m_platform; }
-    X11Desktop &desktop() { return m_desktop; }
+    X11Connection &x11() { return m_desktop.x11(); }
 
 private:
-    Pasteboard &pasteboard();
-
-    X11Desktop m_desktop;
-    std::unique_ptr<PasteboardThread> m_waylandPasteboard = WaylandPasteboard::inThread();
-    std::unique_ptr<WindowPasteboard> m_windowPasteboard; // where there is no other
-    X11FloatingPanels m_panels{m_desktop.connection()};
+    PortalAppearance m_appearance;
+    DesktopAccess m_desktop{m_appearance};
     PulseConnection m_pulse; // begins to connect while the rest is made
     SystemClock m_clock;
     XdgFolders m_folders;
@@ -64,7 +56,6 @@ private:
     PulseSoundPlayer m_sounds;
     WindowKeys m_windowKeys;
     DesktopActivation m_activation;
-    PortalAppearance m_appearance;
     DeviceGraphics m_graphics;
     XdgAutostart m_autostart;
     DiskThread m_background;

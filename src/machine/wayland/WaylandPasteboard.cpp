@@ -1,6 +1,5 @@
 #include "machine/wayland/WaylandPasteboard.h"
 
-#include "machine/desktop/PasteboardThread.h"
 #include "machine/wayland/ClipboardOffer.h"
 #include "machine/wayland/ClipboardSource.h"
 #include "machine/wayland/PipeReader.h"
@@ -38,11 +37,11 @@ WaylandPasteboard::WaylandPasteboard() : m_isLost(!m_connection.clipboards() || 
     m_connection.flush();
 }
 
-std::unique_ptr<PasteboardThread> WaylandPasteboard::inThread()
+auto WaylandPasteboard::inThread() -> std::unique_ptr<Thread>
 {
     if (!WaylandConnection::answers())
         return nullptr;
-    auto clipboard = std::make_unique<PasteboardThread>([] { return std::make_unique<WaylandPasteboard>(); });
+    auto clipboard = std::make_unique<Thread>();
     return clipboard->isReachable() ? std::move(clipboard) : nullptr;
 }
 
@@ -63,7 +62,9 @@ void WaylandPasteboard::listen()
             },
         .selection = [](void *self, Device *,
                         Offer *selected) { static_cast<WaylandPasteboard *>(self)->adopt(selected); },
-        .finished = [](void *self, Device *) { static_cast<WaylandPasteboard *>(self)->m_isLost = true; }};
+        .finished = [](void *self, Device *) { static_cast<WaylandPasteboard *>(self)->m_isLost = true; },
+        .primary_selection = [](void *self, Device *,
+                                Offer *) { static_cast<WaylandPasteboard *>(self)->m_announced.reset(); }};
     zwlr_data_control_device_v1_add_listener(m_device, &listener, this);
     connect(&m_connection, &WaylandConnection::lost, this, [this] { m_isLost = true; });
 }
@@ -137,9 +138,26 @@ void WaylandPasteboard::setItems(const QList<PasteboardItem> &items)
     replace(std::move(contents));
 }
 
+void WaylandPasteboard::lendToPrimary()
+{
+    constexpr uint32_t known = ZWLR_DATA_CONTROL_DEVICE_V1_SET_PRIMARY_SELECTION_SINCE_VERSION;
+    if (!m_source || m_isLost || zwlr_data_control_device_v1_get_version(m_device) < known)
+        return;
+    m_lent = std::make_unique<ClipboardSource>(m_connection.clipboards(), m_ours, this);
+    connect(m_lent.get(), &ClipboardSource::asked, this, [this] { ++m_readCount; });
+    connect(m_lent.get(), &ClipboardSource::cancelled, this, [this, gone = m_lent.get()] {
+        if (gone == m_lent.get())
+            m_lent.release()->deleteLater(); // it is the one that is calling
+    });
+    zwlr_data_control_device_v1_set_primary_selection(m_device, m_lent->id());
+    m_connection.flush();
+}
+
 void WaylandPasteboard::replace(PasteboardItem contents)
 {
     ++m_changeCount;
+    if (std::exchange(m_lent, nullptr))
+        zwlr_data_control_device_v1_set_primary_selection(m_device, nullptr);
     m_ours = contents;
     m_isOurs = !contents.isEmpty();
     if (m_isLost) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/Pasteboard.h"
+#include "machine/desktop/PasteboardThread.h"
 #include "machine/wayland/WaylandConnection.h"
 
 #include <QObject>
@@ -10,7 +10,6 @@
 
 class ClipboardOffer;
 class ClipboardSource;
-class PasteboardThread;
 struct zwlr_data_control_device_v1;
 struct zwlr_data_control_offer_v1;
 
@@ -27,8 +26,10 @@ public:
     ~WaylandPasteboard() override;
     Q_DISABLE_COPY_MOVE(WaylandPasteboard)
 
-    /// It in a thread of its own; null where no compositor offers such a clipboard.
-    static std::unique_ptr<PasteboardThread> inThread();
+    /// In a thread of its own.
+    class Thread;
+    /// Null where no compositor offers such a clipboard.
+    static std::unique_ptr<Thread> inThread();
 
     bool isReachable() const override { return !m_isLost; }
     /// A pending call is never resumed when the pasteboard goes away.
@@ -37,6 +38,9 @@ public:
     bool isOurs() const override { return m_isOurs; }
     qint64 readCount() const override { return m_readCount; }
     void setItems(const QList<PasteboardItem> &items) override;
+
+    /// Offers what we put there last as the PRIMARY selection too, until it is replaced.
+    void lendToPrimary();
 
 protected:
     void setPlainText(const QString &text) override;
@@ -51,9 +55,21 @@ private:
     std::unique_ptr<ClipboardOffer> m_announced; // its types are being told
     std::shared_ptr<ClipboardOffer> m_offer;     // what is there
     std::unique_ptr<ClipboardSource> m_source;   // while it is ours
+    std::unique_ptr<ClipboardSource> m_lent;     // to PRIMARY
     PasteboardItem m_ours;                       // what we last put there
     std::atomic<qint64> m_changeCount = 0;
     std::atomic<qint64> m_readCount = 0;
     std::atomic<bool> m_isOurs = false;
     std::atomic<bool> m_isLost; // or never there
+};
+
+class WaylandPasteboard::Thread final : public PasteboardThread
+{
+public:
+    Thread() : PasteboardThread([] { return std::make_unique<WaylandPasteboard>(); }) {}
+
+    void lendToPrimary()
+    {
+        there([](Pasteboard &pasteboard) { static_cast<WaylandPasteboard &>(pasteboard).lendToPrimary(); });
+    }
 };

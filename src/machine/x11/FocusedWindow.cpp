@@ -4,7 +4,6 @@
 #include "machine/x11/X11Connection.h"
 #include "machine/x11/XcbReply.h"
 
-#include <QFile>
 #include <QList>
 
 namespace {
@@ -39,12 +38,6 @@ qint64 pidOf(X11Connection &connection, xcb_window_t window)
     return WindowProperty::read(connection, window, connection.atoms()["_NET_WM_PID"]).values().value(0);
 }
 
-QByteArray commandOf(qint64 pid)
-{
-    QFile file(QStringLiteral("/proc/%1/comm").arg(pid));
-    return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
-}
-
 } // namespace
 
 xcb_window_t FocusedWindow::find(X11Connection &connection)
@@ -64,5 +57,5 @@ FocusedWindow FocusedWindow::read(X11Connection &connection)
     const QList<QByteArray> names =
         WindowProperty::read(connection, window, XCB_ATOM_WM_CLASS).bytes.split('\0');
     const qint64 pid = pidOf(connection, window);
-    return {.instance = names.value(0), .className = names.value(1), .pid = pid, .command = commandOf(pid)};
+    return {{.instance = names.value(0), .className = names.value(1), .pid = pid, .command = commandOf(pid)}};
 }

@@ -1,6 +1,6 @@
 #include "machine/x11/KeyGrabs.h"
 
-#include "machine/x11/KeyPositions.h"
+#include "machine/desktop/KeyPositions.h"
 #include "machine/x11/ModifierMap.h"
 #include "machine/x11/X11Connection.h"
 #include "machine/x11/XcbReply.h"

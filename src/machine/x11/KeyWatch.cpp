@@ -1,6 +1,6 @@
 #include "machine/x11/KeyWatch.h"
 
-#include "machine/x11/KeyPositions.h"
+#include "machine/desktop/KeyPositions.h"
 #include "machine/x11/XcbReply.h"
 
 #include <QLoggingCategory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "machine/x11/PanelShadow.h"
+#include "machine/desktop/PanelShadow.h"
 
 #include <QRasterWindow>
 

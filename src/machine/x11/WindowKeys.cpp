@@ -1,7 +1,7 @@
 #include "machine/x11/WindowKeys.h"
 
 #include "base/KeyTap.h"
-#include "machine/x11/KeyPositions.h"
+#include "machine/desktop/KeyPositions.h"
 
 #include <QCoreApplication>
 #include <QHash>
@@ -92,7 +92,7 @@ private:
             return handler({.type = LocalKeyEventType::flagsChanged, .flags = held()});
         }
         const qint64 keyCode = key.nativeScanCode() < 256
-                                   ? KeyPositions::keyCode(static_cast<xcb_keycode_t>(key.nativeScanCode()))
+                                   ? KeyPositions::keyCode(static_cast<uint8_t>(key.nativeScanCode()))
                                    : -1;
         if (!isPress || keyCode < 0)
             return false;

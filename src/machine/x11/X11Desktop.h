@@ -17,7 +17,7 @@ public:
     explicit X11Desktop(const QByteArray &display = {});
 
     X11Connection &connection() { return m_connection; }
-    X11AccessibilityTrust &trust() { return m_trust; }
+    const X11AccessibilityTrust &trust() const { return m_trust; }
     X11PasteboardThread &pasteboard() { return m_pasteboard; }
     X11KeyTaps &keyTaps() { return m_keyTaps; }
     X11KeyPoster &keyPoster() { return m_keyPoster; }

@@ -1,16 +1,13 @@
 #include "machine/x11/X11FloatingPanels.h"
 
 #include "machine/x11/AccessiblePanel.h"
-#include "machine/desktop/NotificationPanel.h"
-#include "machine/x11/X11FloatingPanel.h"
 #include "machine/x11/X11Connection.h"
+#include "machine/x11/X11FloatingPanel.h"
 
 #include <QGuiApplication>
 
 std::unique_ptr<FloatingPanel> X11FloatingPanels::create(PanelContent &content)
 {
-    if (QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
-        return std::make_unique<NotificationPanel>();
     if (!m_connection.isOpen() || QGuiApplication::platformName() != QLatin1String("xcb"))
         return nullptr;
     AccessiblePanel::install();

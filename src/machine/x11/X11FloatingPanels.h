@@ -4,10 +4,7 @@
 
 class X11Connection;
 
-/// The floating panels of an X11 desktop.
-///
-/// A Wayland desktop gives an ordinary program only windows that take the keyboard and stand where the
-/// desktop likes; there notifications say what a panel would show.
+/// The floating panels of an X11 desktop; none where the program's windows are not on one.
 class X11FloatingPanels final : public FloatingPanels
 {
 public:

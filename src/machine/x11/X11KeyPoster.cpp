@@ -1,8 +1,8 @@
 #include "machine/x11/X11KeyPoster.h"
 
 #include "base/AccessibilityTrust.h"
+#include "machine/desktop/KeyPositions.h"
 #include "machine/x11/FocusedWindow.h"
-#include "machine/x11/KeyPositions.h"
 #include "machine/x11/WindowProperty.h"
 #include "machine/x11/X11Connection.h"
 #include "machine/x11/X11KeyTaps.h"

@@ -2,7 +2,7 @@
 
 #include "base/KeyPoster.h"
 #include "machine/desktop/FocusedObject.h"
-#include "machine/x11/TerminalPaste.h"
+#include "machine/desktop/TerminalPaste.h"
 
 #include <QList>
 #include <QObject>

@@ -1,8 +1,6 @@
-#include "machine/x11/TerminalPaste.h"
+#include "machine/desktop/TerminalPaste.h"
 
-#include "machine/x11/FocusedWindow.h"
-
-#include <QByteArray>
+#include <QFile>
 
 #include <algorithm>
 #include <array>
@@ -104,7 +102,13 @@ std::span<const PasteKeystroke> find(const QByteArray &name, qsizetype length)
 
 } // namespace
 
-std::span<const PasteKeystroke> pasteKeystrokes(const FocusedWindow &window)
+QByteArray FocusedProgram::commandOf(qint64 pid)
+{
+    QFile file(QStringLiteral("/proc/%1/comm").arg(pid));
+    return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
+}
+
+std::span<const PasteKeystroke> pasteKeystrokes(const FocusedProgram &window)
 {
     for (const QByteArray &name : {window.className, window.instance}) {
         if (const auto keystrokes = find(name.toLower(), qsizetype(64)); !keystrokes.empty())

@@ -1,4 +1,4 @@
-#include "machine/x11/PanelShadow.h"
+#include "machine/desktop/PanelShadow.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -1,4 +1,4 @@
-#include "machine/x11/KeyPositions.h"
+#include "machine/desktop/KeyPositions.h"
 
 #include <algorithm>
 #include <array>
@@ -81,13 +81,13 @@ const Position *find(qint64 keyCode)
 
 } // namespace
 
-xcb_keycode_t KeyPositions::xKeycode(qint64 keyCode)
+uint8_t KeyPositions::xKeycode(qint64 keyCode)
 {
     const Position *position = find(keyCode);
-    return position ? static_cast<xcb_keycode_t>(position->evdevKey + firstXKeycode) : xcb_keycode_t(0);
+    return position ? static_cast<uint8_t>(position->evdevKey + firstXKeycode) : uint8_t(0);
 }
 
-qint64 KeyPositions::keyCode(xcb_keycode_t xKeycode)
+qint64 KeyPositions::keyCode(uint8_t xKeycode)
 {
     return codeOfKey[xKeycode];
 }

@@ -1,0 +1,62 @@
+#include "machine/DesktopAccess.h"
+
+#include "machine/desktop/NotificationPanel.h"
+#include "machine/wayland/LayerPanel.h"
+
+#include <QGuiApplication>
+
+DesktopAccess::DesktopAccess(const Appearance &appearance)
+    : m_appearance(appearance),
+      m_waylandPasteboard(WaylandPasteboard::inThread()),
+      m_pasteboard(choosePasteboard()),
+      m_waylandKeys(m_wayland, [this] {
+          if (m_waylandPasteboard)
+              m_waylandPasteboard->lendToPrimary();
+      })
+{
+}
+
+bool DesktopAccess::isTrusted() const
+{
+    return m_x11.trust().isTrusted() || m_sway.isOpen();
+}
+
+bool DesktopAccess::canType() const
+{
+    return m_x11.trust().isTrusted() || m_waylandKeys.isUsable();
+}
+
+KeyTaps &DesktopAccess::keyTaps()
+{
+    if (!m_x11.trust().isTrusted() && m_sway.isOpen())
+        return m_sway;
+    return m_x11.keyTaps();
+}
+
+KeyPoster &DesktopAccess::keyPoster()
+{
+    if (!m_x11.trust().isTrusted() && m_waylandKeys.isUsable())
+        return m_waylandKeys;
+    return m_x11.keyPoster();
+}
+
+// GNOME's compositor offers no such clipboard, but shares the one of its X11 server. Without that, too, only
+// our windows get at it.
+Pasteboard &DesktopAccess::choosePasteboard()
+{
+    if (m_waylandPasteboard)
+        return *m_waylandPasteboard;
+    if (m_x11.connection().isOpen() || !QGuiApplication::platformName().startsWith(u"wayland"))
+        return m_x11.pasteboard();
+    m_windowPasteboard = std::make_unique<WindowPasteboard>();
+    return *m_windowPasteboard;
+}
+
+std::unique_ptr<FloatingPanel> DesktopAccess::create(PanelContent &content)
+{
+    if (!m_x11.trust().isTrusted() && LayerPanel::isOffered(m_wayland))
+        return std::make_unique<LayerPanel>(content, m_wayland, m_appearance);
+    if (QGuiApplication::platformName().startsWith(u"wayland"))
+        return std::make_unique<NotificationPanel>();
+    return m_x11Panels.create(content);
+}
