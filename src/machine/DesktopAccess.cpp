@@ -18,7 +18,7 @@ DesktopAccess::DesktopAccess(const Appearance &appearance)
 
 bool DesktopAccess::isTrusted() const
 {
-    return m_x11.trust().isTrusted() || m_sway.isOpen();
+    return m_x11.trust().isTrusted() || m_sway.isOpen() || m_plasma.isOpen();
 }
 
 bool DesktopAccess::canType() const
@@ -28,9 +28,11 @@ bool DesktopAccess::canType() const
 
 KeyTaps &DesktopAccess::keyTaps()
 {
-    if (!m_x11.trust().isTrusted() && m_sway.isOpen())
+    if (m_x11.trust().isTrusted())
+        return m_x11.keyTaps();
+    if (m_sway.isOpen())
         return m_sway;
-    return m_x11.keyTaps();
+    return m_plasma;
 }
 
 KeyPoster &DesktopAccess::keyPoster()

@@ -3,6 +3,7 @@
 #include "base/AccessibilityTrust.h"
 #include "base/FloatingPanels.h"
 #include "base/KeyTap.h"
+#include "machine/plasma/PlasmaKeyTaps.h"
 #include "machine/sway/SwayKeyTaps.h"
 #include "machine/wayland/WaylandConnection.h"
 #include "machine/wayland/WaylandKeyPoster.h"
@@ -20,7 +21,7 @@ class Appearance;
 ///
 /// | | an X11 server of its own | a Wayland compositor |
 /// |---|---|---|
-/// | the shortcut | a grab | sway's bindings |
+/// | the shortcut | a grab | sway's bindings, KWin's global shortcuts |
 /// | typing | XTEST | a virtual keyboard, KWin's fake input |
 /// | the clipboard | selections | data-control, else the selections of its X11 server, else our windows' |
 /// | the overlay | a window of its own | layer-shell, else notifications |
@@ -52,4 +53,5 @@ private:
     WaylandConnection m_wayland;
     WaylandKeyPoster m_waylandKeys;
     SwayKeyTaps m_sway;
+    PlasmaKeyTaps m_plasma;
 };

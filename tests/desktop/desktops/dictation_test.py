@@ -6,8 +6,10 @@ in windows of three kinds; the overlay is seen, the clipboard is as it was, and 
 
 import os
 import pathlib
+import signal
 import subprocess
 import sys
+import time
 import unittest
 
 HERE = pathlib.Path(__file__).parent
@@ -17,7 +19,11 @@ from screen_reader import HOME, eventually
 
 KEY = os.environ.get("DESKTOP_KEY", "leftmeta+space")
 PICTURES = os.environ.get("DESKTOP_PICTURES")
-MARK = HOME / "typed"
+ON_WAYLAND = os.environ["XDG_SESSION_TYPE"] == "wayland"
+COPY = ["wl-copy", "--type", "text/html"] if ON_WAYLAND else ["xclip", "-selection", "clipboard", "-t", "text/html"]
+PASTE = ["wl-paste", "--type", "text/html"] if ON_WAYLAND else [*COPY, "-o"]
+BEFORE = b"<b>copied before</b>"
+TYPED = HOME / "typed"
 
 
 def hands(*arguments):
@@ -25,31 +31,97 @@ def hands(*arguments):
 
 
 class DictationTest(PanelCase):
-    def look(self, name):
-        if PICTURES:
-            hands("shot", f"{PICTURES}/{name}.png")
-
-    def terminal(self):
-        """Notes every key as it comes."""
-        window = subprocess.Popen(["xterm", "-e", "sh", "-c", f"stty -icanon -echo; cat >{MARK}"])
+    def run_in(self, *command):
+        window = subprocess.Popen(command)
         self.addCleanup(window.wait)
         self.addCleanup(window.terminate)
-        eventually(MARK.exists, "a terminal")
+        return window
 
-    def test_words_go_where_the_cursor_is(self):
-        self.terminal()
-        import time
-        time.sleep(2)
-        self.assistant.spoken = "These words were said."
-        hands("key", KEY)
-        eventually(lambda: self.status()["state"] == "recording", "recording")
+    def terminal(self):
+        """Notes every key as it comes; done when it has the keyboard."""
+        TYPED.unlink(missing_ok=True)
+        self.run_in("xterm", "-e", "sh", "-c", f"stty -icanon -echo -isig; exec cat >>{TYPED}")
+        self.await_keyboard(lambda: TYPED.exists() and TYPED.read_bytes())
+        eventually(lambda: TYPED.read_bytes().endswith(b"."), "a terminal with the keyboard")
+        TYPED.write_bytes(b"")
+
+    def await_keyboard(self, came):
+        def tried():
+            hands("key", "dot")
+            time.sleep(0.3)
+            return came()
+        eventually(tried, "the keyboard")
+
+    def tap(self, state, seconds=0):
+        hands("key", KEY, seconds)
+        eventually(lambda: self.status()["state"] == state, state)
+
+    def dictate(self, words):
+        self.assistant.spoken = words
+        subprocess.run(COPY, input=BEFORE, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.tap("recording")
         self.look("recording")
         self.speak()
         hands("key", KEY)
-        self.look("processing")
         eventually(lambda: self.status()["state"] == "idle", "the end")
-        self.look("done")
-        eventually(lambda: MARK.read_text() == "These words were said.", "the words")
+        eventually(lambda: subprocess.run(PASTE, capture_output=True, check=False).stdout.strip() == BEFORE,
+                   "the clipboard as it was")
+
+    def look(self, name):
+        """Dark pixels where the overlay stands, in the middle at the lower end."""
+        picture = f"{PICTURES or HOME}/{name}.png"
+
+        def dark():
+            hands("shot", picture)
+            shown = subprocess.run(["convert", picture, "-gravity", "south", "-crop", "170x100+0+0", "+repage", "-fill",
+                                    "white", "+opaque", "none", "-colorspace", "gray", "-threshold", "30%", "-format",
+                                    "%[fx:mean]", "info:"], capture_output=True, check=True, text=True).stdout
+            return float(shown) < 0.9
+        return dark()
+
+    def test_words_go_where_the_cursor_is(self):
+        self.terminal()
+        self.dictate("These words were said.")
+        eventually(lambda: TYPED.read_text() == "These words were said.", "the words in a terminal")
+        hands("key", "dot")
+        eventually(lambda: TYPED.read_text() == "These words were said..", "the keyboard where it was")
+        for editor in ("mousepad", "featherpad"):
+            with self.subTest(editor):
+                file = HOME / f"{editor}.txt"
+                file.write_text("")
+                self.run_in(editor, file)
+
+                def saved():
+                    hands("key", "leftctrl+s")
+                    time.sleep(0.3)
+                    return file.read_text().replace("\n", "")  # one of them ends its files with one
+                self.await_keyboard(saved)
+                begun = saved()
+                self.dictate(f"Grüße an {editor}.")
+                eventually(lambda: saved() == f"{begun}Grüße an {editor}.", "the words in an editor")
+
+    def test_keys_are_taken_and_given_back(self):
+        self.terminal()
+        self.tap("recording", 1.5)  # one tap, however long it is held
+        self.assertEqual(self.status()["state"], "recording")
+        hands("key", "esc")
+        eventually(lambda: self.status()["state"] == "idle", "the end by Escape")
+        self.assertEqual(TYPED.read_bytes(), b"")
+        hands("key", "esc")
+        eventually(lambda: TYPED.read_bytes() == b"\x1b", "Escape back where it belongs")
+        self.tap("recording")
+        self.program.send_signal(signal.SIGKILL)
+        self.program.wait()
+
+        def escaped():
+            hands("key", "esc")
+            time.sleep(0.3)
+            return TYPED.read_bytes() != b"\x1b"
+        eventually(escaped, "Escape back after a crash")
+        self.start()
+        self.tap("recording")
+        hands("key", "esc")
+        eventually(lambda: self.status()["state"] == "idle", "the end by Escape")
 
 
 if __name__ == "__main__":

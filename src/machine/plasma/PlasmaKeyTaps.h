@@ -1,0 +1,53 @@
+#pragma once
+
+#include "base/KeyTap.h"
+#include "machine/desktop/Guard.h"
+
+#include <QDBusServiceWatcher>
+#include <QList>
+#include <QObject>
+#include <QString>
+
+#include <memory>
+
+/// Keys of a Plasma session: global shortcuts that KWin holds for us (org.kde.KGlobalAccel). It takes the key
+/// for itself and tells of each press, again and again while it is held. They are shown and can be changed
+/// among the desktop's shortcuts, under our name.
+///
+/// Shortcuts are kept there when a program ends; ours are out of use then, however we end.
+class PlasmaKeyTaps final : public QObject, public KeyTaps
+{
+    Q_OBJECT
+public:
+    PlasmaKeyTaps();
+    ~PlasmaKeyTaps() override;
+    Q_DISABLE_COPY_MOVE(PlasmaKeyTaps)
+
+    /// Whether KWin is there to hold them.
+    bool isOpen() const { return m_isOpen; }
+
+    std::unique_ptr<KeyTap> install(std::span<const KeyChord> chords, Handler handler) override;
+
+private:
+    class Tap;
+    /// What the desktop knows as one shortcut: all chords of one key.
+    struct Action
+    {
+        QString name;
+        QList<KeyChord> chords;
+        bool isHeld = false;
+        bool operator==(const Action &other) const { return name == other.name && chords == other.chords; }
+    };
+
+    Q_SLOT void pressed(const QString &component, const QString &action, qlonglong time);
+    Q_SLOT void released(const QString &component, const QString &action, qlonglong time);
+    bool watch(std::span<const KeyChord> chords);
+    bool take(const Action &action);
+    void letGo(const Action &action);
+
+    QDBusServiceWatcher m_watcher;
+    bool m_isOpen = false;
+    QList<Action> m_actions;
+    Tap *m_tap = nullptr;
+    std::unique_ptr<Guard> m_guard;
+};
