@@ -28,6 +28,8 @@ bool DesktopAccess::canType() const
 
 KeyTaps &DesktopAccess::keyTaps()
 {
+    if (m_x11.trust().isTrusted() && m_isGnome)
+        return m_gnome;
     if (m_x11.trust().isTrusted())
         return m_x11.keyTaps();
     if (m_sway.isOpen())

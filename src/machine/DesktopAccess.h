@@ -3,6 +3,7 @@
 #include "base/AccessibilityTrust.h"
 #include "base/FloatingPanels.h"
 #include "base/KeyTap.h"
+#include "machine/gnome/GnomeKeyTaps.h"
 #include "machine/plasma/PlasmaKeyTaps.h"
 #include "machine/sway/SwayKeyTaps.h"
 #include "machine/wayland/WaylandConnection.h"
@@ -21,10 +22,10 @@ class Appearance;
 ///
 /// | | an X11 server of its own | a Wayland compositor |
 /// |---|---|---|
-/// | the shortcut | a grab | sway's bindings, KWin's global shortcuts |
-/// | typing | XTEST | a virtual keyboard, KWin's fake input |
-/// | the clipboard | selections | data-control, else the selections of its X11 server, else our windows' |
-/// | the overlay | a window of its own | layer-shell, else notifications |
+/// | the shortcut | a grab; in GNOME one with Ctrl beside the logo key | sway's bindings, KWin's global
+/// shortcuts | | typing | XTEST | a virtual keyboard, KWin's fake input | | the clipboard | selections |
+/// data-control, else the selections of its X11 server, else our windows' | | the overlay | a window of its
+/// own | layer-shell, else notifications |
 class DesktopAccess final : public AccessibilityTrust, public FloatingPanels
 {
 public:
@@ -37,6 +38,8 @@ public:
     std::unique_ptr<FloatingPanel> create(PanelContent &content) override;
 
     X11Connection &x11() { return m_x11.connection(); }
+    /// Whether Fn is played by Ctrl and the logo key together.
+    bool fnTakesControl() const { return m_isGnome; }
     KeyTaps &keyTaps();
     KeyPoster &keyPoster();
     Pasteboard &pasteboard() { return m_pasteboard; }
@@ -54,4 +57,6 @@ private:
     WaylandKeyPoster m_waylandKeys;
     SwayKeyTaps m_sway;
     PlasmaKeyTaps m_plasma;
+    bool m_isGnome = GnomeKeyTaps::isGnome();
+    GnomeKeyTaps m_gnome{m_x11.keyTaps()};
 };

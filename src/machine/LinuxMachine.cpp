@@ -7,6 +7,7 @@ LinuxMachine::LinuxMachine(const Settings &settings)
       m_http(settings.userAgent),
       m_microphone(m_pulse),
       m_sounds(m_pulse, settings.soundsFolder),
+      m_windowKeys(m_desktop.fnTakesControl()),
       m_autostart(m_folders.userConfiguration(), settings.profile),
       m_platform{.clock = m_clock,
                  .folders = m_folders,

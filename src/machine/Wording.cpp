@@ -1,5 +1,7 @@
 #include "machine/Wording.h"
 
+#include "machine/gnome/GnomeKeyTaps.h"
+
 #include <QCoreApplication>
 #include <QLocale>
 #include <QTranslator>
@@ -25,6 +27,11 @@ void Wording::install(QCoreApplication &application)
     const bool isThere = here->load(u"linux_en"_s, folder);
     Q_ASSERT(isThere);
     add(application, std::move(here), isThere);
+    if (GnomeKeyTaps::isGnome()) {
+        auto gnome = std::make_unique<QTranslator>();
+        const bool isWorded = gnome->load(u"gnome_en"_s, folder);
+        add(application, std::move(gnome), isWorded);
+    }
     // Whoever is installed last is asked first.
     auto language = std::make_unique<QTranslator>();
     const bool isTranslated = language->load(QLocale(), u"sayvane"_s, u"_"_s, folder);

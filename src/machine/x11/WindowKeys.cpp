@@ -113,5 +113,11 @@ private:
 
 std::unique_ptr<LocalKeyMonitor> WindowKeys::addMonitor(Handler handler)
 {
-    return std::make_unique<WindowKeyMonitor>(std::move(handler));
+    if (!m_fnTakesControl)
+        return std::make_unique<WindowKeyMonitor>(std::move(handler));
+    return std::make_unique<WindowKeyMonitor>([handler = std::move(handler)](LocalKeyEvent event) {
+        if (event.flags & KeyFlags::fn)
+            event.flags &= ~KeyFlags::control;
+        return handler(event);
+    });
 }

@@ -9,5 +9,11 @@
 class WindowKeys final : public LocalKeys
 {
 public:
+    /// Whether Ctrl belongs to the logo key, and is none of its own beside it.
+    explicit WindowKeys(bool fnTakesControl) : m_fnTakesControl(fnTakesControl) {}
+
     std::unique_ptr<LocalKeyMonitor> addMonitor(Handler handler) override;
+
+private:
+    bool m_fnTakesControl;
 };

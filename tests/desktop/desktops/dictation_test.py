@@ -17,7 +17,7 @@ sys.path.append(str(HERE.parent / "program"))
 from panel_case import PanelCase
 from screen_reader import HOME, eventually
 
-KEY = os.environ.get("DESKTOP_KEY", "leftmeta+space")
+KEY = "leftctrl+leftmeta+space" if os.environ["XDG_CURRENT_DESKTOP"] == "GNOME" else "leftmeta+space"
 PICTURES = os.environ.get("DESKTOP_PICTURES")
 ON_WAYLAND = os.environ["XDG_SESSION_TYPE"] == "wayland"
 COPY = ["wl-copy", "--type", "text/html"] if ON_WAYLAND else ["xclip", "-selection", "clipboard", "-t", "text/html"]

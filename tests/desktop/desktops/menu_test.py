@@ -55,7 +55,8 @@ class MenuTest(PanelCase):
         eventually(lambda: subprocess.run(["xdotool", "search", "--onlyvisible", "--classname", "target"],
                                           capture_output=True, check=False).stdout, "a window")
         head = ["Open Sayvane", "-"]
-        shortcut = "(Super + Space to start / stop)"
+        keys = "Ctrl + Super + Space" if PANEL == "gnome-shell" else "Super + Space"
+        shortcut = f"({keys} to start / stop)"
         foot = ["-", "Settings", "Quit Sayvane"]
         account = ["(59 minutes left today)"]
         first, other = "The first text of the two.", "यह दूसरा पाठ है जो मैंने कहा"

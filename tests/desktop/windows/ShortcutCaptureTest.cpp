@@ -31,7 +31,7 @@ class ShortcutCaptureTest final : public QObject
         std::atomic<int> starts = 0;
         int pauses = 0;
         QString chosen;
-        WindowKeys keys;
+        WindowKeys keys{false};
         std::unique_ptr<HotkeyMonitor> monitor;
         HotkeyRecorder recorder{keys, [this] { return monitor.get(); }, [this](const HotkeySpec &spec) { use(spec); }};
 

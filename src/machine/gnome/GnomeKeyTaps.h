@@ -1,0 +1,31 @@
+#pragma once
+
+#include "base/KeyTap.h"
+
+#include <QList>
+#include <QMutex>
+
+/// The keys of a GNOME session on X11. Its window manager holds the left logo key itself and hands no other
+/// program what is pressed with it alone, and Super+Space changes the keyboard's language: what is Fn
+/// elsewhere is Ctrl and the logo key together here, whichever of them goes down first.
+class GnomeKeyTaps final : public KeyTaps
+{
+public:
+    /// Over the taps of the X server.
+    explicit GnomeKeyTaps(KeyTaps &taps) : m_taps(taps) {}
+
+    /// Whether GNOME's shell, or one of its kin, runs this session.
+    static bool isGnome();
+
+    std::unique_ptr<KeyTap> install(std::span<const KeyChord> chords, Handler handler) override;
+
+private:
+    class Tap;
+
+    QList<KeyChord> take(std::span<const KeyChord> chords);
+    quint64 meant(const KeyChord &pressed) const;
+
+    KeyTaps &m_taps;
+    mutable QMutex m_mutex; // the keys are judged on a thread of their own
+    QList<KeyChord> m_wanted;
+};
