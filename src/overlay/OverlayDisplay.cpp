@@ -4,6 +4,8 @@
 #include "overlay/OverlayLayout.h"
 #include "base/FloatingPanels.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
@@ -20,17 +22,8 @@ OverlayDisplay::OverlayDisplay(OverlayPanel &overlay, FloatingPanels &panels, Cl
       m_view(overlay.model()),
       m_size(OverlayLayout::panelSize)
 {
-    // A show tells the model first: the panel that appears has its content already.
-    connect(&overlay.model(), &OverlayModel::presentationChanged, this, [this] {
-        if (m_overlay.isVisible())
-            show();
-    });
-    connect(&overlay, &OverlayPanel::visibleChanged, this, [this] {
-        if (m_overlay.isVisible())
-            show();
-        else
-            hide();
-    });
+    connect(&overlay.model(), &OverlayModel::presentationChanged, this, &OverlayDisplay::changed);
+    connect(&overlay, &OverlayPanel::visibleChanged, this, &OverlayDisplay::changed);
     connect(&overlay.model(), &OverlayModel::levelsChanged, this, &OverlayDisplay::follow);
 }
 
@@ -40,6 +33,21 @@ void OverlayDisplay::prepare()
 {
     if (!m_panel)
         m_panel = m_panels.create(*this);
+}
+
+// What is to be seen holds up nothing that is to be done: an upload begins, and then its spinner is painted.
+void OverlayDisplay::changed()
+{
+    if (std::exchange(m_isDue, true))
+        return;
+    const auto refresh = [this] {
+        m_isDue = false;
+        if (m_overlay.isVisible())
+            show();
+        else
+            hide();
+    };
+    QMetaObject::invokeMethod(this, refresh, Qt::QueuedConnection);
 }
 
 void OverlayDisplay::show()

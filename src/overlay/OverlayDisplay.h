@@ -29,6 +29,7 @@ private:
     void paint(QPainter &painter) override;
     void screensChanged() override { place(); }
 
+    void changed();
     void show();
     void hide();
     void place();
@@ -42,6 +43,7 @@ private:
     OverlayView m_view;
     QSize m_size;
     LevelMotion m_levels;
+    bool m_isDue = false; // something to show or to hide, when there is time
     bool m_reducesMotion = false;
     Clock::Duration m_spinningSince{};
     std::unique_ptr<FloatingPanel> m_panel;

@@ -1,4 +1,5 @@
-"""Reads the rooms' LINKS and every include below src, and tells where an include has no arrow."""
+"""Reads the rooms' LINKS and every include below src, and tells where an include has no arrow and what the house
+amounts to."""
 
 import pathlib
 import re
@@ -7,6 +8,36 @@ import re
 CORE_ROOMS = {"base", "preferences", "cloud", "history", "dictation", "screens"}
 WINDOW_MODULES = {"Qt6::Gui", "Qt6::Widgets", "Qt6::Qml", "Qt6::Quick", "Qt6::QuickControls2"}
 KEYWORDS = {"SOURCES", "LINKS", "PRIVATE"}
+
+
+def includes(path):
+    """Our own files that it names."""
+    return re.findall(r'^\s*#\s*include\s*"([^"]+)"', path.read_text(), re.M)
+
+
+def circles(folder):
+    """The folders below it that include from one another in a circle, where names begin with that folder's own."""
+    seen = {}
+    for path in sorted(folder.rglob("*")):
+        if path.suffix in {".h", ".cpp"} and path.parent != folder:
+            room = path.parent.relative_to(folder).as_posix()
+            seen.setdefault(room, set()).update(
+                pathlib.PurePath(name).relative_to(folder.name).parent.as_posix()
+                for name in includes(path) if name.startswith(f"{folder.name}/"))
+    while True:
+        ground = [room for room, below in seen.items() if not (below - {room}) & seen.keys()]
+        if not ground:
+            return sorted(seen)
+        for room in ground:
+            del seen[room]
+
+
+def written_lines(paths):
+    """Lines that are neither blank nor comment."""
+    return sum(
+        not re.fullmatch(r"\s*(//.*)?", line)
+        for path in paths if path.suffix in {".h", ".cpp", ".qml", ".js", ".py", ".sh"}
+        for line in path.read_text(errors="replace").splitlines())
 
 
 class House:
@@ -62,6 +93,16 @@ class House:
         """The room whose folder is the nearest above the file."""
         nearest = [(len(folder.parts), room) for room, folder in self.folders.items() if folder in relative.parents]
         return max(nearest)[1] if nearest else None
+
+    def arrows(self):
+        """Each pair of rooms of which the first includes from the second."""
+        for path in self.files:
+            room = self.room_of(path.relative_to(self.source))
+            for name in includes(path):
+                if room and (self.source / name).is_file():
+                    other = self.room_of(pathlib.PurePath(name))
+                    if other != room:
+                        yield room, other
 
     def complaints(self):
         for room in self.links:

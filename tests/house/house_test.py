@@ -8,9 +8,12 @@ import tempfile
 import unittest
 import xml.etree.ElementTree
 
-from arrows import House
+from arrows import House, circles, written_lines
 
 SOURCE, QT_HEADERS, LUPDATE, WORDINGS = sys.argv[1:5]
+PROJECT = pathlib.Path(SOURCE).resolve().parent
+# What a stranger can still find the way in.
+LIMITS = {"rooms": 16, "arrows between rooms": 60, "source files": 450, "percent of tests beside the code": 35}
 
 ROOMS = {
     "base/CMakeLists.txt": "sayvane_room(base\n    SOURCES Text.h\n    LINKS Qt6::Core\n)",
@@ -52,6 +55,28 @@ class HouseTest(unittest.TestCase):
         self.assertGreater(len(house.files), 50)
         self.assertIn("Qt6::Gui", house.qt_modules.values())
         self.assertEqual(list(house.complaints()), [])
+
+    def test_it_stays_small(self):
+        house = House(SOURCE, QT_HEADERS)
+        tests, code = (written_lines(path for folder in folders for path in (PROJECT / folder).rglob("*"))
+                       for folders in (["tests"], ["src", "service", "tools", "packaging", "fuzz"]))
+        figures = dict(zip(LIMITS, (
+            len({folder.parts[0] for folder in house.folders.values()}),
+            len(set(house.arrows())),
+            sum(path.suffix in {".h", ".cpp", ".qml"} for path in pathlib.Path(SOURCE).rglob("*")),
+            -(-100 * tests // code),
+        )))
+        print(", ".join(f"{name}: {figure} (at most {LIMITS[name]})" for name, figure in figures.items()))
+        self.assertEqual({name: figure for name, figure in figures.items() if not 1 < figure <= LIMITS[name]}, {})
+
+    def test_the_service_has_layers(self):
+        self.assertEqual(circles(PROJECT / "service"), [])
+        with tempfile.TemporaryDirectory() as folder:
+            for path, text in {"a/A.h": '#include "service/b/B.h"', "b/B.h": '#include "service/a/A.h"', "c/C.h": ""}.items():
+                target = pathlib.Path(folder, "service", path)
+                target.parent.mkdir(parents=True)
+                target.write_text(text)
+            self.assertEqual(circles(pathlib.Path(folder, "service")), ["a", "b"])
 
     def test_violations_are_noticed(self):
         for name, (file, content, complaint) in {"none": ("main.cpp", "", None), **VIOLATIONS}.items():

@@ -44,6 +44,13 @@ class OverlayTest final : public QObject
         FlatPanels desktop;
         OverlayPanel overlay{clock};
         OverlayDisplay display{overlay, desktop, clock};
+
+        /// What is shown is painted when there is time.
+        void show(FlowState state, const std::optional<QString> &message, OverlayTone tone)
+        {
+            overlay.show(state, message, tone);
+            QCoreApplication::processEvents();
+        }
     };
 
 private Q_SLOTS:
@@ -106,7 +113,7 @@ private Q_SLOTS:
         f.desktop.visibleFrame = screen;
         QElapsedTimer timer;
         timer.start();
-        f.overlay.show(FlowState::idle, message, OverlayTone::failure);
+        f.show(FlowState::idle, message, OverlayTone::failure);
         QVERIFY2(timer.elapsed() < 1000, "everything waits for it");
         QCOMPARE(f.desktop.frame.width(), width);
         QCOMPARE(qRound((f.desktop.frame.height() - 18) / 16.0), lines);
@@ -144,7 +151,7 @@ private Q_SLOTS:
         Fixture f;
         f.overlay.push(0.5);
         QVERIFY(!f.desktop.content);
-        f.overlay.show(FlowState::recording, {}, OverlayTone::success);
+        f.show(FlowState::recording, {}, OverlayTone::success);
         f.overlay.push(0.5); // the same as before, one further
         f.overlay.push(0.5);
         f.clock.advance(100ms);
@@ -152,19 +159,20 @@ private Q_SLOTS:
         QVERIFY2(changed >= 3 && changed <= 8, qPrintable(QString::number(changed)));
         f.clock.advance(10s);
         QCOMPARE(f.desktop.updates, changed);
-        f.overlay.show(FlowState::processing, {}, OverlayTone::success);
+        f.show(FlowState::processing, {}, OverlayTone::success);
         f.clock.advance(850ms);
         QVERIFY(f.desktop.updates > changed + 40);
         f.overlay.push(1); // too late to be seen
         f.overlay.hide(0s);
+        QCoreApplication::processEvents();
         QVERIFY(!f.desktop.isShown);
         QCOMPARE(f.clock.pendingTimers(), 0U);
 
         f.desktop.reducesMotion = true;
-        f.overlay.show(FlowState::recording, {}, OverlayTone::success);
+        f.show(FlowState::recording, {}, OverlayTone::success);
         const int before = f.desktop.updates;
         f.overlay.push(0.2);
-        f.overlay.show(FlowState::processing, {}, OverlayTone::success);
+        f.show(FlowState::processing, {}, OverlayTone::success);
         QCOMPARE(f.desktop.updates, before + 1);
         QCOMPARE(f.clock.pendingTimers(), 0U);
         QCOMPARE(f.desktop.announcements,
@@ -212,7 +220,7 @@ private Q_SLOTS:
         QFETCH(const QColor, ground);
         QFETCH(const double, scale);
         Fixture f;
-        f.overlay.show(state, message.isEmpty() ? std::nullopt : std::optional(message), tone);
+        f.show(state, message.isEmpty() ? std::nullopt : std::optional(message), tone);
         for (int i = -2; i < 28; ++i)
             f.overlay.push(i / 22.0);
         f.clock.advance(150ms);

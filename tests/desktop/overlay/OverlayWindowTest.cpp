@@ -47,10 +47,21 @@ class OverlayWindowTest final : public QObject
         const auto reply = adopt(xcb_shape_get_rectangles_reply(m_connection.xcb(), asked, nullptr));
         return reply ? xcb_shape_get_rectangles_rectangles_length(reply.get()) : 0;
     }
-    void showSpinner() { m_overlay.show(FlowState::processing, std::nullopt, OverlayTone::success); }
+    void showSpinner() { show(FlowState::processing, std::nullopt, OverlayTone::success); }
+    /// The window is there when there is time.
+    void show(FlowState state, const std::optional<QString> &message, OverlayTone tone)
+    {
+        m_overlay.show(state, message, tone);
+        QCoreApplication::processEvents();
+    }
+    void hide()
+    {
+        m_overlay.hide(0s);
+        QCoreApplication::processEvents();
+    }
 
 private Q_SLOTS:
-    void cleanup() { m_overlay.hide(0s); }
+    void cleanup() { hide(); }
 
     void itLeavesTheUserAlone()
     {
@@ -75,7 +86,7 @@ private Q_SLOTS:
         QTRY_VERIFY(pixel({5, 5}) != QColor(Qt::yellow));
         QCOMPARE(pixel(inside()), dark);
         QProcess::execute(u"xdotool"_s, {u"set_desktop"_s, u"0"_s});
-        m_overlay.hide(0s);
+        hide();
         QTRY_COMPARE(pixel(inside()), QColor(Qt::yellow));
     }
 
@@ -132,7 +143,7 @@ private Q_SLOTS:
             return QTest::qWaitFor([&] { return hears("Transcribing 0\n"); }, 200);
         };
         QTRY_VERIFY_WITH_TIMEOUT(repeats(), patienceMs);
-        m_overlay.show(FlowState::idle, u"Nothing heard"_s, OverlayTone::failure);
+        show(FlowState::idle, u"Nothing heard"_s, OverlayTone::failure);
         QTRY_VERIFY2_WITH_TIMEOUT(hears("Nothing heard 0\n"), heard, patienceMs);
     }
 
