@@ -6,10 +6,8 @@
 
 #include <QAccessibleObject>
 #include <QGuiApplication>
-#include <QPainter>
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <span>
 #include <utility>
@@ -154,8 +152,10 @@ LayerPanel::LayerPanel(PanelContent &content, WaylandConnection &connection, con
         wl_output_add_listener(output, &listener, m_outputs.back().get());
     }
     m_connection.roundtrip();
+    int scale = 1;
     for (const auto &output : m_outputs)
-        m_scale = std::max(m_scale, double(output->scale));
+        scale = std::max(scale, output->scale);
+    m_picture.setScale(scale);
     QAccessible::installFactory(AccessibleLayer::make);
     QAccessible::isActive(); // makes Qt look for screen readers; they would miss what is said before
     connect(&connection, &WaylandConnection::lost, this, &LayerPanel::hide);
@@ -193,18 +193,17 @@ bool LayerPanel::reducesMotion() const
 
 void LayerPanel::show(const QRect &frame, double cornerRadius)
 {
-    const bool isLarger = frame.size() != m_panelSize;
-    m_panelSize = frame.size();
-    m_cornerRadius = cornerRadius;
-    m_margin = visibleFrame().value_or(frame).bottom() - frame.bottom();
+    const bool isLarger = frame.size() != m_picture.panel();
+    m_picture.resize(frame.size(), cornerRadius);
+    const int margin = visibleFrame().value_or(frame).bottom() - frame.bottom();
     if (!m_surface)
         makeSurface();
     else if (!isLarger)
-        return paint(QRect(QPoint(0, 0), m_panelSize));
+        return paint(QRect(QPoint(0, 0), m_picture.panel()));
     m_isConfigured = false; // it is painted when the compositor has agreed to the size
-    zwlr_layer_surface_v1_set_size(m_layer, uint32_t(m_panelSize.width() + 2 * reach),
-                                   uint32_t(m_panelSize.height() + 2 * reach));
-    zwlr_layer_surface_v1_set_margin(m_layer, 0, 0, m_margin - reach, 0);
+    zwlr_layer_surface_v1_set_size(m_layer, uint32_t(m_picture.size().width()),
+                                   uint32_t(m_picture.size().height()));
+    zwlr_layer_surface_v1_set_margin(m_layer, 0, 0, margin - reach, 0);
     wl_surface_commit(m_surface);
     m_connection.flush();
 }
@@ -252,13 +251,16 @@ void LayerPanel::configure(uint32_t serial)
     zwlr_layer_surface_v1_ack_configure(m_layer, serial);
     m_isConfigured = true;
     destroy(m_frame, wl_callback_destroy);
-    paint(QRect(QPoint(0, 0), m_panelSize));
+    paint(QRect(QPoint(0, 0), m_picture.panel()));
 }
 
 void LayerPanel::setScale(double scale)
 {
-    if (std::exchange(m_scale, scale) != scale && m_isConfigured)
-        paint(QRect(QPoint(0, 0), m_panelSize));
+    if (m_picture.scale() == scale)
+        return;
+    m_picture.setScale(scale);
+    if (m_isConfigured)
+        paint(QRect(QPoint(0, 0), m_picture.panel()));
 }
 
 void LayerPanel::hide()
@@ -283,25 +285,7 @@ void LayerPanel::paint(const QRect &part)
 {
     if (!m_isConfigured)
         return;
-    const QSize points = m_panelSize.grownBy({reach, reach, reach, reach});
-    const QSize pixels(int(std::lround(points.width() * m_scale)),
-                       int(std::lround(points.height() * m_scale)));
-    QRect changed = part;
-    if (m_picture.size() != pixels || m_picture.devicePixelRatio() != m_scale) {
-        m_picture = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
-        m_picture.setDevicePixelRatio(m_scale);
-    }
-    if (changed.size() == m_panelSize)
-        changed.adjust(-reach, -reach, reach, reach);
-    QPainter painter(&m_picture);
-    painter.translate(reach, reach);
-    painter.setClipRect(changed);
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.fillRect(changed, Qt::transparent);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    m_shadow.paint(painter, m_panelSize, m_cornerRadius);
-    m_content.paint(painter);
-    painter.end();
+    m_picture.paint(m_content, part);
     m_isChanged = true;
     if (!m_frame)
         commit();
@@ -314,11 +298,10 @@ void LayerPanel::commit()
         return;
     m_isChanged = false;
     if (m_viewport)
-        wp_viewport_set_destination(m_viewport, m_panelSize.width() + 2 * reach,
-                                    m_panelSize.height() + 2 * reach);
+        wp_viewport_set_destination(m_viewport, m_picture.size().width(), m_picture.size().height());
     else
-        wl_surface_set_buffer_scale(m_surface, int(m_scale));
-    buffer->give(m_surface, m_picture);
+        wl_surface_set_buffer_scale(m_surface, int(m_picture.scale()));
+    buffer->give(m_surface, m_picture.image());
     m_frame = wl_surface_frame(m_surface);
     static constexpr wl_callback_listener listener{.done = [](void *data, wl_callback *, uint32_t) {
         auto &self = *static_cast<LayerPanel *>(data);
@@ -334,10 +317,10 @@ void LayerPanel::commit()
 auto LayerPanel::freeBuffer() -> Buffer *
 {
     for (auto &buffer : m_buffers) {
-        if (buffer && !buffer->fits(m_picture.size()))
+        if (buffer && !buffer->fits(m_picture.image().size()))
             buffer.reset();
         if (!buffer)
-            buffer = std::make_unique<Buffer>(m_shm, m_picture.size());
+            buffer = std::make_unique<Buffer>(m_shm, m_picture.image().size());
         if (buffer->isFree())
             return buffer.get();
     }

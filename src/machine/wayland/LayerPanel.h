@@ -1,9 +1,8 @@
 #pragma once
 
 #include "base/FloatingPanel.h"
-#include "machine/desktop/PanelShadow.h"
+#include "machine/desktop/PanelPicture.h"
 
-#include <QImage>
 #include <QObject>
 #include <QSize>
 
@@ -87,12 +86,7 @@ private:
     bool m_isConfigured = false;
     bool m_isChanged = false; // the picture is newer than what the compositor has
 
-    QSize m_panelSize;
-    double m_cornerRadius = 0;
-    int m_margin = 0; // below the panel, in points
-    double m_scale = 1;
-    QImage m_picture;
-    PanelShadow m_shadow;
+    PanelPicture m_picture;
     QString m_announcement;
     std::array<std::unique_ptr<Buffer>, 3> m_buffers;
 };

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "machine/desktop/PanelShadow.h"
+
+#include <QImage>
+#include <QRect>
+
+class PanelContent;
+
+/// What a floating panel looks like with the shadow around it, kept in memory for a surface that is no window
+/// of Qt's. Premultiplied, 32 bits a pixel.
+class PanelPicture
+{
+public:
+    /// The panel's size in points, without the shadow.
+    void resize(const QSize &panel, double cornerRadius);
+    /// How many pixels a point has.
+    void setScale(double scale) { m_scale = scale; }
+
+    /// Paints the part of the panel anew, given in points; a part as large as the panel includes the shadow.
+    void paint(PanelContent &content, const QRect &part);
+
+    const QSize &panel() const { return m_panel; }
+    /// The size in points, the shadow included.
+    QSize size() const;
+    double scale() const { return m_scale; }
+    const QImage &image() const { return m_image; }
+
+private:
+    QSize m_panel;
+    double m_cornerRadius = 0;
+    double m_scale = 1;
+    QImage m_image;
+    PanelShadow m_shadow;
+};
