@@ -1,13 +1,13 @@
 #include "cli/HistoryCommand.h"
 
+#include "base/Clock.h"
+#include "base/Folders.h"
+#include "base/Platform.h"
 #include "cli/CommandContext.h"
 #include "cli/ExitCode.h"
 #include "cli/HistoryTable.h"
 #include "cli/Terminal.h"
 #include "history/HistoryFile.h"
-#include "base/Clock.h"
-#include "base/Folders.h"
-#include "base/Platform.h"
 
 #include <QFile>
 
@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 int HistoryCommand::run(const CommandContext &context)
 {
     const Platform &machine = context.machine();
-    QFile file(machine.folders.applicationSupport() + u"/Sayvane/history.json"_s);
+    QFile file(machine.folders.history());
     QList<Dictation> records;
     if (file.exists()) {
         if (!file.open(QIODevice::ReadOnly))
