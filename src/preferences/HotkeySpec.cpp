@@ -1,7 +1,7 @@
 #include "preferences/HotkeySpec.h"
 
-#include "base/KeyTap.h"
 #include "base/Json.h"
+#include "base/KeyTap.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -122,9 +122,21 @@ constexpr auto names = std::to_array<KeyName>({
     {126, "↑"},
 });
 
-// F1 to F20
-constexpr std::array<qint64, 20> functionKeyCodes{122, 120, 99,  118, 96,  97,  98, 100, 101, 109,
-                                                  103, 111, 105, 107, 113, 106, 64, 79,  80,  90};
+struct Modifier
+{
+    const char *member;
+    quint64 flag;
+    bool HotkeySpec::*held;
+};
+
+/// In the order of the stored form.
+constexpr auto modifiers = std::to_array<Modifier>({
+    {"fn", KeyFlags::fn, &HotkeySpec::fn},
+    {"command", KeyFlags::command, &HotkeySpec::command},
+    {"option", KeyFlags::option, &HotkeySpec::option},
+    {"control", KeyFlags::control, &HotkeySpec::control},
+    {"shift", KeyFlags::shift, &HotkeySpec::shift},
+});
 
 QString symbols(quint64 flags)
 {
@@ -140,45 +152,47 @@ QString symbols(quint64 flags)
     return text;
 }
 
-QStringView boolText(bool value)
-{
-    return value ? u"true" : u"false";
-}
-
 } // namespace
+
+HotkeySpec HotkeySpec::of(qint64 keyCode, quint64 flags)
+{
+    HotkeySpec spec{.keyCode = keyCode};
+    for (const Modifier &modifier : modifiers)
+        spec.*modifier.held = (flags & modifier.flag) != 0;
+    return spec;
+}
 
 QString HotkeySpec::jsonString() const
 {
-    return u"{\"keyCode\":%1,\"fn\":%2,\"command\":%3,\"option\":%4,\"control\":%5,\"shift\":%6}"_s.arg(
-        QString::number(keyCode), boolText(fn), boolText(command), boolText(option), boolText(control),
-        boolText(shift));
+    QString json = u"{\"keyCode\":%1"_s.arg(keyCode);
+    for (const Modifier &modifier : modifiers)
+        json +=
+            u",\"%1\":%2"_s.arg(QLatin1String(modifier.member), this->*modifier.held ? u"true" : u"false");
+    return json + u'}';
 }
 
 HotkeySpec HotkeySpec::decode(const std::optional<QString> &json)
 {
-    if (!json)
-        return {};
-    const QJsonDocument document = QJsonDocument::fromJson(json->toUtf8());
-    const QJsonObject object = document.object();
+    const QJsonObject object = QJsonDocument::fromJson(json.value_or(QString()).toUtf8()).object();
     const auto code = Json::wholeNumber(object.value("keyCode"_L1));
     if (!code)
         return {};
-    for (const auto member : {"fn"_L1, "command"_L1, "option"_L1, "control"_L1, "shift"_L1}) {
-        if (!object.value(member).isBool())
+    HotkeySpec spec{.keyCode = *code};
+    for (const Modifier &modifier : modifiers) {
+        const QJsonValue held = object.value(QLatin1String(modifier.member));
+        if (!held.isBool())
             return {};
+        spec.*modifier.held = held.toBool();
     }
-    return {.keyCode = *code,
-            .fn = object.value("fn"_L1).toBool(),
-            .command = object.value("command"_L1).toBool(),
-            .option = object.value("option"_L1).toBool(),
-            .control = object.value("control"_L1).toBool(),
-            .shift = object.value("shift"_L1).toBool()};
+    return spec;
 }
 
 quint64 HotkeySpec::requiredFlags() const
 {
-    return (fn ? KeyFlags::fn : 0) | (command ? KeyFlags::command : 0) | (option ? KeyFlags::option : 0) |
-           (control ? KeyFlags::control : 0) | (shift ? KeyFlags::shift : 0);
+    quint64 flags = 0;
+    for (const Modifier &modifier : modifiers)
+        flags |= this->*modifier.held ? modifier.flag : 0;
+    return flags;
 }
 
 QString HotkeySpec::displayString() const
@@ -188,7 +202,8 @@ QString HotkeySpec::displayString() const
 
 bool HotkeySpec::isFunctionKey() const
 {
-    return std::ranges::find(functionKeyCodes, keyCode) != functionKeyCodes.end();
+    const auto found = std::ranges::find(names, keyCode, &KeyName::code);
+    return found != names.end() && found->name[0] == 'F' && QChar::isDigit(char32_t(found->name[1]));
 }
 
 QString HotkeySpec::keyNameFor(qint64 keyCode)
