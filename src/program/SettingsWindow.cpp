@@ -1,9 +1,11 @@
 #include "program/SettingsWindow.h"
 
 #include "base/Activation.h"
-#include "screens/settings/SettingsForms.h"
 #include "program/DashboardWindowController.h"
 #include "program/WindowPlace.h"
+#include "screens/settings/SettingsForms.h"
+
+#include <QWindow>
 
 #include <utility>
 

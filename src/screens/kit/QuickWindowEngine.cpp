@@ -1,7 +1,7 @@
 #include "screens/kit/QuickWindowEngine.h"
 
-#include "screens/kit/AccessibleItem.h"
 #include "base/Graphics.h"
+#include "screens/kit/AccessibleItem.h"
 
 #include <QGuiApplication>
 #include <QIcon>
@@ -12,7 +12,7 @@
 using namespace Qt::StringLiterals;
 
 extern void qml_register_types_Sayvane();
-int qInitResources_qmlcache_sayvane_dashboard_window(); // what Q_INIT_RESOURCE calls
+int qInitResources_qmlcache_sayvane_kit(); // what Q_INIT_RESOURCE calls
 
 namespace {
 
@@ -20,7 +20,7 @@ namespace {
 void keepModule()
 {
     qml_register_types_Sayvane();
-    qInitResources_qmlcache_sayvane_dashboard_window();
+    qInitResources_qmlcache_sayvane_kit();
 }
 
 bool canUseOpenGL()
