@@ -3,7 +3,7 @@
 #include "base/Activation.h"
 #include "program/DashboardWindowController.h"
 #include "program/WindowPlace.h"
-#include "screens/settings/SettingsForms.h"
+#include "screens/settings/SettingsView.h"
 
 #include <QWindow>
 

@@ -1,22 +1,28 @@
 #include "screens/settings/ShortcutRows.h"
 
 #include "dictation/HotkeyRecorder.h"
-#include "preferences/Defaults.h"
 #include "preferences/Prefs.h"
 
 #include <utility>
 
-ShortcutRows::ShortcutRows(const Defaults &defaults, HotkeyRecorder &recorder,
+ShortcutRows::ShortcutRows(const Prefs &prefs, HotkeyRecorder &recorder,
                            std::function<void(const HotkeySpec &)> update)
-    : m_defaults(defaults),
+    : m_prefs(prefs),
       m_recorder(recorder),
       m_update(std::move(update))
 {
     connect(&recorder, &HotkeyRecorder::changed, this, &ShortcutRows::changed);
-    connect(&defaults, &Defaults::changed, this, [this](const QString &key) {
-        if (key == PrefsKey::hotkeySpec)
-            Q_EMIT changed();
-    });
+    connect(&prefs, &Prefs::hotkeySpecChanged, this, &ShortcutRows::changed);
+}
+
+QString ShortcutRows::shortcut() const
+{
+    return m_prefs.hotkeySpec().displayString();
+}
+
+bool ShortcutRows::usesFn() const
+{
+    return m_prefs.hotkeySpec().fn;
 }
 
 bool ShortcutRows::capturing() const
@@ -48,9 +54,4 @@ void ShortcutRows::resetToDefault()
 {
     m_recorder.cancel();
     m_update(HotkeySpec());
-}
-
-HotkeySpec ShortcutRows::spec() const
-{
-    return HotkeySpec::decode(m_defaults.text(PrefsKey::hotkeySpec));
 }

@@ -7,8 +7,8 @@
 
 #include <functional>
 
-class Defaults;
 class HotkeyRecorder;
+class Prefs;
 
 /// Shows the dictation shortcut, and lets the user choose another.
 class ShortcutRows final : public QObject
@@ -21,12 +21,12 @@ class ShortcutRows final : public QObject
     Q_PROPERTY(QString hint READ hint NOTIFY changed)
 public:
     /// `update` stores a shortcut and puts it in the place of the installed one.
-    ShortcutRows(const Defaults &defaults, HotkeyRecorder &recorder,
+    ShortcutRows(const Prefs &prefs, HotkeyRecorder &recorder,
                  std::function<void(const HotkeySpec &)> update);
 
     /// The stored shortcut as people read it.
-    QString shortcut() const { return spec().displayString(); }
-    bool usesFn() const { return spec().fn; }
+    QString shortcut() const;
+    bool usesFn() const;
     bool capturing() const;
     /// The modifiers held while capturing.
     QString pressed() const;
@@ -41,9 +41,7 @@ Q_SIGNALS:
     void changed();
 
 private:
-    HotkeySpec spec() const;
-
-    const Defaults &m_defaults;
+    const Prefs &m_prefs;
     HotkeyRecorder &m_recorder;
     std::function<void(const HotkeySpec &)> m_update;
 };
