@@ -88,16 +88,6 @@ void AccountStatus::setRemainingSeconds(qint64 seconds)
     Q_EMIT changed();
 }
 
-QVariant AccountStatus::dailyMinutes() const
-{
-    return m_info && m_info->dailyMinutes ? QVariant(*m_info->dailyMinutes) : QVariant();
-}
-
-QVariant AccountStatus::remainingSecondsValue() const
-{
-    return m_remainingSeconds ? QVariant(*m_remainingSeconds) : QVariant();
-}
-
 QString AccountStatus::minutesText(qint64 seconds)
 {
     if (seconds <= 0)
