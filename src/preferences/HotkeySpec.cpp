@@ -8,10 +8,18 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// What the keys from 0 on print, by the ANSI layout; a blank for one that has another name.
+constexpr std::string_view printed = "ASDFHGZXCV BQWERYT123465=97-80]OU[IP LJ'K;\\,/NM.  `";
+
+// F1 to F20
+constexpr std::array<qint64, 20> functionKeyCodes{122, 120, 99,  118, 96,  97,  98, 100, 101, 109,
+                                                  103, 111, 105, 107, 113, 106, 64, 79,  80,  90};
 
 struct KeyName
 {
@@ -20,59 +28,11 @@ struct KeyName
 };
 
 constexpr auto names = std::to_array<KeyName>({
-    {0, "A"},
-    {1, "S"},
-    {2, "D"},
-    {3, "F"},
-    {4, "H"},
-    {5, "G"},
-    {6, "Z"},
-    {7, "X"},
-    {8, "C"},
-    {9, "V"},
-    {11, "B"},
-    {12, "Q"},
-    {13, "W"},
-    {14, "E"},
-    {15, "R"},
-    {16, "Y"},
-    {17, "T"},
-    {18, "1"},
-    {19, "2"},
-    {20, "3"},
-    {21, "4"},
-    {22, "6"},
-    {23, "5"},
-    {24, "="},
-    {25, "9"},
-    {26, "7"},
-    {27, "-"},
-    {28, "8"},
-    {29, "0"},
-    {30, "]"},
-    {31, "O"},
-    {32, "U"},
-    {33, "["},
-    {34, "I"},
-    {35, "P"},
     {36, QT_TRANSLATE_NOOP("HotkeySpec", "Return")},
-    {37, "L"},
-    {38, "J"},
-    {39, "'"},
-    {40, "K"},
-    {41, ";"},
-    {42, "\\"},
-    {43, ","},
-    {44, "/"},
-    {45, "N"},
-    {46, "M"},
-    {47, "."},
     {48, QT_TRANSLATE_NOOP("HotkeySpec", "Tab")},
     {49, QT_TRANSLATE_NOOP("HotkeySpec", "Space")},
-    {50, "`"},
     {51, QT_TRANSLATE_NOOP("HotkeySpec", "Delete")},
     {53, QT_TRANSLATE_NOOP("HotkeySpec", "Escape")},
-    {64, "F17"},
     {65, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad .")},
     {67, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad *")},
     {69, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad +")},
@@ -80,8 +40,6 @@ constexpr auto names = std::to_array<KeyName>({
     {75, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad /")},
     {76, QT_TRANSLATE_NOOP("HotkeySpec", "Enter")},
     {78, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad -")},
-    {79, "F18"},
-    {80, "F19"},
     {81, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad =")},
     {82, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 0")},
     {83, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 1")},
@@ -91,31 +49,14 @@ constexpr auto names = std::to_array<KeyName>({
     {87, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 5")},
     {88, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 6")},
     {89, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 7")},
-    {90, "F20"},
     {91, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 8")},
     {92, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 9")},
-    {96, "F5"},
-    {97, "F6"},
-    {98, "F7"},
-    {99, "F3"},
-    {100, "F8"},
-    {101, "F9"},
-    {103, "F11"},
-    {105, "F13"},
-    {106, "F16"},
-    {107, "F14"},
-    {109, "F10"},
-    {111, "F12"},
-    {113, "F15"},
     {114, QT_TRANSLATE_NOOP("HotkeySpec", "Help")},
     {115, QT_TRANSLATE_NOOP("HotkeySpec", "Home")},
     {116, QT_TRANSLATE_NOOP("HotkeySpec", "Page Up")},
     {117, QT_TRANSLATE_NOOP("HotkeySpec", "Forward Delete")},
-    {118, "F4"},
     {119, QT_TRANSLATE_NOOP("HotkeySpec", "End")},
-    {120, "F2"},
     {121, QT_TRANSLATE_NOOP("HotkeySpec", "Page Down")},
-    {122, "F1"},
     {123, "←"},
     {124, "→"},
     {125, "↓"},
@@ -202,12 +143,15 @@ QString HotkeySpec::displayString() const
 
 bool HotkeySpec::isFunctionKey() const
 {
-    const auto found = std::ranges::find(names, keyCode, &KeyName::code);
-    return found != names.end() && found->name[0] == 'F' && QChar::isDigit(char32_t(found->name[1]));
+    return std::ranges::find(functionKeyCodes, keyCode) != functionKeyCodes.end();
 }
 
 QString HotkeySpec::keyNameFor(qint64 keyCode)
 {
+    if (keyCode >= 0 && keyCode < qint64(printed.size()) && printed[size_t(keyCode)] != ' ')
+        return QChar::fromLatin1(printed[size_t(keyCode)]);
+    if (const auto key = std::ranges::find(functionKeyCodes, keyCode); key != functionKeyCodes.end())
+        return u'F' + QString::number(key - functionKeyCodes.begin() + 1);
     const auto found = std::ranges::find(names, keyCode, &KeyName::code);
     return found != names.end() ? tr(found->name) : tr("Key %1").arg(keyCode);
 }

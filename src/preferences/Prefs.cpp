@@ -16,6 +16,11 @@ namespace {
 
 const QDateTime referenceDate(QDate(2001, 1, 1), QTime(0, 0), QTimeZone::utc());
 
+std::optional<bool> truthIn(const QJsonValue &stored)
+{
+    return stored.isBool() ? std::optional(stored.toBool()) : std::nullopt;
+}
+
 std::optional<QString> textIn(const QJsonValue &stored)
 {
     return stored.isString() ? std::optional(stored.toString()) : std::nullopt;
@@ -37,11 +42,7 @@ std::optional<std::optional<QDateTime>> dateIn(const QJsonValue &stored)
 
 } // namespace
 
-constinit const Prefs::Form<bool> Prefs::truth{.read =
-                                                   [](const QJsonValue &stored) {
-                                                       return stored.isBool() ? std::optional(stored.toBool())
-                                                                              : std::nullopt;
-                                                   },
+constinit const Prefs::Form<bool> Prefs::truth{.read = truthIn,
                                                .write = [](const bool &value) { return QJsonValue(value); }};
 
 constinit const Prefs::Form<Provider> Prefs::providerName{

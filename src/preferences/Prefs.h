@@ -66,31 +66,29 @@ public:
         }
 
         const QString &key() const { return m_key; }
-        T operator()() const { return stored().value_or(m_default()); }
+        T operator()() const
+        {
+            const std::optional<T> found = stored();
+            return found ? *found : m_default();
+        }
         operator T() const { return (*this)(); }
         /// What is stored alone.
         std::optional<T> stored() const { return m_form.read(m_owner.stored(m_key)); }
 
         void set(const T &value) { m_owner.store(m_key, m_form.write(value), m_changed); }
-        void operator=(const T &value) { set(value); }
         void remove() { m_owner.store(m_key, QJsonValue::Undefined, m_changed); }
 
     private:
+        friend Prefs;
+        /// For the property system, which calls the signal itself.
+        void operator=(const T &value) { m_owner.store(m_key, m_form.write(value), nullptr); }
+
         Prefs &m_owner;
         const Form<T> &m_form;
         QString m_key;
         std::function<T()> m_default;
         Signal m_changed;
     };
-
-    static const Form<bool> truth;
-    static const Form<Provider> providerName;
-    static const Form<HotkeySpec> shortcut;
-    static const Form<std::optional<QDateTime>> date;
-    static const Form<QString> text;
-    static const Form<QString> address; ///< https with a host, read without trailing slash
-    static const Form<QString> email;   ///< without white space around it; not stored when empty
-    static const Form<QString> code;    ///< read without spaces and tabs around it
 
     /// `defaultBaseURL` is the service that a user who chose none dictates to.
     Prefs(DefaultsStore &store, const QString &defaultBaseURL);
@@ -174,6 +172,15 @@ Q_SIGNALS:
     void changed(const QString &key);
 
 private:
+    static const Form<bool> truth;
+    static const Form<Provider> providerName;
+    static const Form<HotkeySpec> shortcut;
+    static const Form<std::optional<QDateTime>> date;
+    static const Form<QString> text;
+    static const Form<QString> address; ///< https with a host, read without trailing slash
+    static const Form<QString> email;   ///< without white space around it; not stored when empty
+    static const Form<QString> code;    ///< read without spaces and tabs around it
+
     void store(const QString &key, const QJsonValue &value, void (Prefs::*signal)());
     QString launchModel(ModelPurpose purpose) const;
 

@@ -24,7 +24,6 @@ private Q_SLOTS:
 
     void readsTheServiceAddress()
     {
-        QCOMPARE(prefs.accountBaseURL(), u"https://service.test"_s);
         for (const QString &text : {u"http://a.test"_s, u"https://"_s, u"https://a.test?x=1"_s, u"https://a.test#x"_s,
                                     u"https://a .test"_s}) {
             store.values.insert(u"accountBaseURL"_s, text);
@@ -37,7 +36,6 @@ private Q_SLOTS:
     void readsTheModel()
     {
         const auto provider = [this](const QString &raw) { store.values.insert(u"provider"_s, raw); };
-        QCOMPARE(prefs.chatModel(), u""_s);
         provider(u"Groq"_s);
         QCOMPARE(prefs.chatModel(), u""_s);
         provider(u"groq"_s);
@@ -60,11 +58,7 @@ private Q_SLOTS:
         QVERIFY(!prefs.advancedExpanded() && !prefs.showDashboardOnLaunch() && !prefs.keepFailedRecordings());
         QCOMPARE(prefs.vocabulary(), u"Sayvane, Groq, OpenAI"_s);
         QVERIFY(prefs.hotkeySpec() == HotkeySpec() && !prefs.labsAnswerModeExpiresAt());
-        prefs.registerDefaults(keychain);
-        QStringList stored = store.values.keys();
-        stored.sort();
-        QCOMPARE(stored, (QStringList{u"groqChatDefaultMigratedTo120b"_s, u"keychainKeysMigrated"_s,
-                                      u"languageDefaultMigratedToAuto"_s, u"provider"_s}));
+        QVERIFY(store.values.isEmpty());
     }
 
     void aValueOfAWrongTypeIsNone()
@@ -76,13 +70,13 @@ private Q_SLOTS:
         QCOMPARE(store.value(u"cleanupEnabled"_s), QJsonValue(7)); // and nobody overwrites it
     }
 
-    void storesTheEndOfAnswerMode()
+    void storesAndRemoves()
     {
         const QDateTime end(QDate(2026, 3, 1), QTime(10, 15, 42, 500), QTimeZone("Asia/Kolkata"));
         prefs.labsAnswerModeExpiresAt.set(end);
         // 978307200 is the start of 2001 in seconds of 1970.
         QCOMPARE(store.value(u"labsAnswerModeExpiresAt"_s).toDouble(),
-                 static_cast<double>(end.toSecsSinceEpoch() - 978307200) + 0.5);
+                 double(end.toSecsSinceEpoch() - 978307200) + 0.5);
         QCOMPARE(prefs.labsAnswerModeExpiresAt(), end);
         prefs.labsAnswerModeExpiresAt.set(std::nullopt);
         prefs.accountEmail.set(u" a@b.test\n"_s);
@@ -100,12 +94,10 @@ private Q_SLOTS:
         prefs.vocabularyTyped.remove();
         QCOMPARE(changes.size(), 1);
         QCOMPARE(prefs.language(), u"gu"_s);
-        prefs.language.remove();
-        QCOMPARE(changes.takeLast().first().toString(), u"language"_s);
-        QVERIFY(sounds.isEmpty());
+        QVERIFY(changes.takeLast().first() == u"language"_s && sounds.isEmpty());
         // as a page does it
         QVERIFY(prefs.setProperty("soundsEnabled", false) && prefs.setProperty("vocabulary", u" a, "_s));
-        QVERIFY(!sounds.isEmpty() && store.value(u"soundsEnabled"_s) == false && !prefs.soundsEnabled());
+        QVERIFY(sounds.size() == 1 && store.value(u"soundsEnabled"_s) == false && !prefs.soundsEnabled());
         QCOMPARE(prefs.property("vocabulary").toString() + prefs.vocabulary(), u" a, a,"_s);
     }
 
@@ -124,17 +116,14 @@ private Q_SLOTS:
         QCOMPARE(read(u",\"shift\":true"_s, {}), u"Fn + Space"_s);
         for (const quint64 flag :
              {KeyFlags::fn, KeyFlags::command, KeyFlags::option, KeyFlags::control, KeyFlags::shift}) {
-            const HotkeySpec spec = HotkeySpec::of(130, flag);
-            QCOMPARE(spec.requiredFlags(), flag);
-            QVERIFY(HotkeySpec::decode(spec.jsonString()) == spec);
+            QCOMPARE(HotkeySpec::decode(HotkeySpec::of(130, flag).jsonString()).requiredFlags(), flag);
         }
     }
 
     void namesEveryKeyOnce()
     {
         QCOMPARE(HotkeySpec::modifierDisplay(0x10008), u""_s); // caps lock and a side bit
-        QCOMPARE(HotkeySpec::modifierDisplay(0x800000), u"Fn"_s);
-        QCOMPARE(HotkeySpec::modifierDisplay(0x9E0000), u"Fn + ⌃⌥⇧⌘"_s);
+        QCOMPARE(HotkeySpec::modifierDisplay(0x800000) + HotkeySpec::modifierDisplay(0x9E0000), u"FnFn + ⌃⌥⇧⌘"_s);
         QStringList names;
         int functionKeys = 0;
         for (qint64 code = -1; code < 300; ++code) {
@@ -142,15 +131,13 @@ private Q_SLOTS:
                 names.append(name);
             functionKeys += HotkeySpec{.keyCode = code}.isFunctionKey() ? 1 : 0;
         }
-        QCOMPARE(names.size(), 100);
+        QVERIFY(names.size() == 100 && functionKeys == 20);
         QCOMPARE(names.removeDuplicates(), 0);
-        QCOMPARE(functionKeys, 20);
     }
 
     void namesALanguage()
     {
-        QCOMPARE(SpokenLanguage::nameFor(u" \n"_s), u"Auto-detect"_s);
-        QCOMPARE(SpokenLanguage::nameFor(u" GU\n"_s), u"Gujarati"_s);
+        QCOMPARE(SpokenLanguage::nameFor(u" \n"_s) + SpokenLanguage::nameFor(u" GU\n"_s), u"Auto-detectGujarati"_s);
         QCOMPARE(SpokenLanguage::nameFor(u" xx "_s), u"XX"_s);
         QVERIFY(SpokenLanguage::isListed(u""_s) && !SpokenLanguage::isListed(u" GU\n"_s));
     }

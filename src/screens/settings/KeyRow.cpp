@@ -94,14 +94,9 @@ void KeyRow::lookForKey()
         m_keychain.fetch(account(), m_stop.get_token());
 }
 
-bool KeyRow::storedKeyExists() const
-{
-    return !storedKey().isEmpty();
-}
-
 void KeyRow::refreshKeyState()
 {
-    const QString key = storedKey();
+    const QString key = m_keychain.read(account()).value.value_or(QString());
     const bool isStored = std::exchange(m_keyStored, !key.isEmpty()) != m_keyStored;
     if (std::exchange(m_keySuffix, key.right(suffixLength)) != m_keySuffix || isStored)
         Q_EMIT changed();
@@ -114,7 +109,7 @@ void KeyRow::saveKey()
     if (account().isEmpty() || m_saving)
         return;
     if (key.isEmpty())
-        return report({}, storedKeyExists()
+        return report({}, m_keyStored
                               ? tr("Nothing typed. The saved key is unchanged. Use Remove key to delete it.")
                               : tr("Type or paste a key first."));
     if (const auto other = OwnKey::wrongCredential(key, provider))
@@ -274,11 +269,6 @@ void KeyRow::startOver()
 QString KeyRow::account() const
 {
     return Providers::keychainAccount(m_prefs.provider());
-}
-
-QString KeyRow::storedKey() const
-{
-    return account().isEmpty() ? QString() : m_keychain.read(account()).value.value_or(QString());
 }
 
 void KeyRow::emptyField()

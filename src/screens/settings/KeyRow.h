@@ -27,7 +27,6 @@ class KeyRow final : public QObject
     Q_PROPERTY(QString keyError READ keyError NOTIFY changed)
     Q_PROPERTY(QString keyNotice READ keyNotice NOTIFY changed)
     Q_PROPERTY(bool keyStored READ keyStored NOTIFY changed)
-    Q_PROPERTY(QString keySuffix READ keySuffix NOTIFY changed)
     Q_PROPERTY(QString keyPlaceholder READ keyPlaceholder NOTIFY changed)
     Q_PROPERTY(QString consoleAddress READ consoleAddress NOTIFY changed)
     Q_PROPERTY(QString connectionStatus READ connectionStatus NOTIFY changed)
@@ -68,8 +67,6 @@ public:
 
     /// Whether the keychain has yet to say if there is a key.
     bool isPending() const;
-    /// As far as is known now.
-    bool storedKeyExists() const;
     void refreshKeyState();
     /// Looks for a key that is not known; the owner of a closed keyring may be asked to open it.
     void lookForKey();
@@ -98,7 +95,6 @@ Q_SIGNALS:
 
 private:
     QString account() const;
-    QString storedKey() const;
     void emptyField();
     void report(const QString &error, const QString &notice);
     QCoro::Task<> takeFromClipboard();

@@ -147,7 +147,7 @@ void SettingsView::autoExpandAdvancedIfNeeded()
 {
     if (m_key.isPending() || std::exchange(m_didAutoExpandAdvanced, true))
         return;
-    if (usesOwnKey() && !m_key.storedKeyExists())
+    if (usesOwnKey() && !m_key.keyStored())
         m_prefs.advancedExpanded.set(true);
 }
 

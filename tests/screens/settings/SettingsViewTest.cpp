@@ -35,26 +35,23 @@ struct Fixture
     std::function<void(const HotkeySpec &)> update = [this](const HotkeySpec &spec) { prefs.hotkeySpec.set(spec); };
     HotkeyRecorder recorder{machine.localKeys, [] { return nullptr; }, update};
     SettingsForms forms{{machine.platform, prefs, keychain, sessions, status, signIn, transcriber, recorder, update}};
+    std::unique_ptr<SettingsView> opened; // while there is one
 
     Fixture() { prefs.registerDefaults(keychain); }
 
     /// A form that somebody looks at, made when it is first needed.
     SettingsView &form()
     {
-        if (!m_form) {
-            m_form.reset(forms.open(nullptr));
-            m_form->setShown(true);
+        if (!opened) {
+            opened.reset(forms.open(nullptr));
+            opened->setShown(true);
         }
-        return *m_form;
+        return *opened;
     }
     KeyRow &key() { return *form().key(); }
-    void closeForm() { m_form.reset(); }
     void choose(const QString &provider) { form().setProviderSelection(provider); }
     QString keyIn(const QString &account) const { return QString::fromUtf8(machine.secrets.items.value(account)); }
     QString models() const { return prefs.transcriptionModel() + u'|' + prefs.chatModel(); }
-
-private:
-    std::unique_ptr<SettingsView> m_form;
 };
 
 } // namespace
@@ -77,10 +74,8 @@ private Q_SLOTS:
             {u"groq"_s, u"gsk_old9"_s, u""_s, u"gsk_old9"_s,
              u"Nothing typed. The saved key is unchanged. Use Remove key to delete it."_s},
             {u"groq"_s, u""_s, u" gsk_abcdef\n"_s, u"gsk_abcdef"_s, u""_s},
-            {u"openai"_s, u""_s, u"ab"_s, u"ab"_s, u""_s},
-            {u"groq"_s, u"gsk_old9"_s, u" sk-1 "_s, u"gsk_old9"_s,
-             u"! This looks like a OpenAI key. Switch Provider to OpenAI or paste a Groq key."_s},
-            {u"openai"_s, u""_s, u"gsk_1"_s, u""_s,
+            {u"openai"_s, u""_s, u"ab"_s, u"ab"_s, u""_s}, // shorter than what is shown of it
+            {u"openai"_s, u"sk-old9"_s, u" gsk_1 "_s, u"sk-old9"_s,
              u"! This looks like a Groq key. Switch Provider to Groq or paste a OpenAI key."_s},
             {u"groq"_s, u""_s, u"SK-1"_s, u"SK-1"_s, u""_s},
             {u"groq"_s, u""_s, u"gsk_locked"_s, u""_s, u"! Couldn't save to Keychain: The keyring is locked."_s},
@@ -107,7 +102,7 @@ private Q_SLOTS:
                                      : u"Key saved (%1%2). Enter a new key to replace it"_s.arg(start, after.right(4)));
             QCOMPARE(row.apiKey(), saved ? QString() : typed);
             QVERIFY(row.keySaved() == saved && row.showKey() != saved && row.keyFieldFocused() != saved);
-            QCOMPARE(m->machine.http.waiting(), saved ? 1 : 0);
+            QCOMPARE(m->machine.http.waiting(), saved ? 1 : 0); // its test
             // What was said holds until the user types on.
             row.setApiKey(u"x"_s);
             QVERIFY(row.keyError().isEmpty() && row.keyNotice().isEmpty() && !row.keySaved());
@@ -129,10 +124,8 @@ private Q_SLOTS:
         m->machine.http.answer(500, {});
         QVERIFY(!row.connectionError().isEmpty());
         row.removeKey();
-        QVERIFY(m->machine.secrets.items.isEmpty());
-        QVERIFY(row.keyError().isEmpty() && row.apiKey().isEmpty() && !row.keyStored());
-        QCOMPARE(row.keyNotice(), u"Key removed."_s);
-        QVERIFY(row.connectionError().isEmpty());
+        QVERIFY(m->machine.secrets.items.isEmpty() && !row.keyStored() && row.connectionError().isEmpty());
+        QVERIFY(row.keyError().isEmpty() && row.apiKey().isEmpty() && row.keyNotice() == u"Key removed.");
     }
 
     void waitsForTheKeyring()
@@ -146,8 +139,8 @@ private Q_SLOTS:
         QCOMPARE(secrets.asked, 2); // for the key and the session, as the form was opened, and by no timer
         QVERIFY(!row.keyStored() && !m->prefs.advancedExpanded() && m->machine.http.waiting() == 0);
         secrets.setTrouble(SecretStatus::success);
-        QVERIFY(row.keyStored() && !m->prefs.advancedExpanded());
-        QVERIFY(m->status.signedIn() && m->machine.http.waiting() == 2); // the account and its devices
+        QVERIFY(row.keyStored() && !m->prefs.advancedExpanded() && m->status.signedIn());
+        QCOMPARE(m->machine.http.waiting(), 2); // the account and its devices
         // A save takes as long as the owner does, and is one save.
         secrets.setHangs(true);
         row.setApiKey(u"gsk_new1"_s);
@@ -157,8 +150,7 @@ private Q_SLOTS:
         QCOMPARE(row.keyNotice(), u"Waiting for the Keychain. It may ask you first."_s);
         QCOMPARE(row.keySuffix(), u"old9"_s);
         secrets.setHangs(false);
-        QVERIFY(row.keySaved() && row.keyNotice().isEmpty() && row.apiKey().isEmpty());
-        QCOMPARE(row.keySuffix(), u"new1"_s);
+        QVERIFY(row.keySaved() && row.keyNotice().isEmpty() && row.apiKey().isEmpty() && row.keySuffix() == u"new1");
         // Nobody is told of another provider's key, nor a form that is gone.
         secrets.setHangs(true);
         row.setApiKey(u"gsk_new2"_s);
@@ -170,7 +162,7 @@ private Q_SLOTS:
         QCOMPARE(m->keyIn(u"groq_api_key"_s), u"gsk_new2"_s);
         secrets.setHangs(true);
         row.saveKey();
-        m->closeForm();
+        m->opened.reset();
         secrets.setHangs(false);
         QCOMPARE(m->keyIn(u"openai_api_key"_s), u"sk-typed"_s);
     }
@@ -178,21 +170,18 @@ private Q_SLOTS:
     void pastesAKeyThatIsNotYetSaved()
     {
         const PasteboardData picture{u"image/png"_s, "\x89PNG"};
-        const std::initializer_list<std::pair<QList<PasteboardItem>, QString>> cases{
-            {{}, {}},
-            {{{picture}}, {}},
-            {{{{u"UTF8_STRING"_s, " \n"}}}, {}},
-            {{{picture, {u"text/plain"_s, " gsk_1\n"}}}, u"gsk_1"_s},
-        };
+        const PasteboardData blanks{u"UTF8_STRING"_s, " \n"};
         m->choose(u"groq"_s);
         KeyRow &row = m->key();
-        for (const auto &[clipboard, field] : cases) {
-            m->machine.pasteboard.contents = clipboard;
+        for (const QList<PasteboardItem> &nothing : {QList<PasteboardItem>{}, {{picture}}, {{blanks}}}) {
+            m->machine.pasteboard.contents = nothing;
             row.pasteKey();
-            QCOMPARE(row.apiKey(), field);
-            QCOMPARE(row.keyFieldFocused(), !field.isEmpty());
-            QCOMPARE(row.keyNotice(), field.isEmpty() ? u"The clipboard has no text on it."_s : QString());
+            QCOMPARE(row.keyNotice(), u"The clipboard has no text on it."_s);
+            QVERIFY(row.apiKey().isEmpty() && !row.keyFieldFocused());
         }
+        m->machine.pasteboard.contents = {{picture, {u"text/plain"_s, " gsk_1\n"}}};
+        row.pasteKey();
+        QVERIFY(row.apiKey() == u"gsk_1" && row.keyFieldFocused() && row.keyNotice().isEmpty());
         QVERIFY(m->machine.secrets.items.isEmpty());
     }
 
@@ -205,14 +194,12 @@ private Q_SLOTS:
         row.saveKey();
         QVERIFY(row.testingConnection());
         m->machine.http.answer(200, R"({"data":[{"id":"whisper-large-v3-turbo"},{"id":"qwen-7b"}]})");
-        QVERIFY(!row.testingConnection());
         QCOMPARE(row.connectionStatus(), u"Connected to Groq: 2 models available"_s);
         QCOMPARE(row.connectionDetail(), u"Cleanup model updated to qwen-7b. In use: whisper-large-v3-turbo for "
                                          "transcription, qwen-7b for cleanup."_s);
-        QCOMPARE(m->prefs.chatModel(), u"qwen-7b"_s);
         // The next test starts with a clean sheet, and a refusal stands in its own words.
         row.testConnection();
-        QVERIFY(row.connectionStatus().isEmpty() && row.connectionDetail().isEmpty());
+        QVERIFY((row.connectionStatus() + row.connectionDetail()).isEmpty());
         m->machine.http.answer(401, {});
         QCOMPARE(row.connectionError(), u"Groq: API key rejected. Check it in Settings."_s);
         // Nobody is told what a provider answers that is no longer chosen.
@@ -227,7 +214,7 @@ private Q_SLOTS:
         }
         // A form that has gone leaves no test behind.
         row.testConnection();
-        m->closeForm();
+        m->opened.reset();
         QCOMPARE(m->machine.http.waiting(), 0);
     }
 
@@ -267,30 +254,24 @@ private Q_SLOTS:
             return m->prefs.advancedExpanded();
         };
         m->machine.secrets.items = {{u"openai_api_key"_s, "sk-1"}};
-        QVERIFY(isExpandedAfter(u"groq"_s));
-        QVERIFY(!isExpandedAfter(u"openai"_s));
-        QVERIFY(!isExpandedAfter(u"sayvane"_s));
+        QVERIFY(isExpandedAfter(u"groq"_s) && !isExpandedAfter(u"openai"_s) && !isExpandedAfter(u"sayvane"_s));
         m->choose(u"groq"_s);
         m->prefs.advancedExpanded.set(false);
         // Once per form, however often it is shown.
         m->form().setShown(false);
         m->form().setShown(true);
         QVERIFY(!m->prefs.advancedExpanded());
-        m->closeForm();
-        m->form();
+        m->opened.reset(), m->form();
         QVERIFY(m->prefs.advancedExpanded());
     }
 
     void choosesALanguage()
     {
         LanguageChoice &choice = *m->form().language();
-        QCOMPARE(choice.entries().size(), 15);
-        QCOMPARE(choice.selection(), QString());
+        QVERIFY(choice.entries().size() == 15 && choice.selection().isEmpty());
         choice.select(u"gu"_s);
-        QCOMPARE(m->prefs.language(), u"gu"_s);
         choice.select(u"other"_s);
-        QCOMPARE(m->prefs.language(), u"gu"_s);
-        QCOMPARE(choice.selection(), u"other"_s);
+        QVERIFY(choice.selection() == u"other" && m->prefs.language() == u"gu");
         choice.setCode(u" NE "_s);
         QCOMPARE(m->prefs.language(), u"ne"_s);
         choice.select(u"en"_s);
@@ -303,31 +284,26 @@ private Q_SLOTS:
 
     void takesAServiceAddress()
     {
+        ServiceAddress &row = *m->form().service();
         const std::initializer_list<std::pair<QString, QString>> cases{
             {u" https://B.test// "_s, u"https://B.test"_s},
-            {u"http://b.test"_s, {}},
-            {u"https://b.test?q"_s, {}},
-            {u"https://"_s, {}},
+            {u"http://b.test"_s, u"https://a.test"_s},
             {u" "_s, u"https://service.test"_s},
         };
-        ServiceAddress &row = *m->form().service();
-        for (const auto &[typed, taken] : cases) {
-            row.resetServiceURL();
+        for (const auto &[typed, inUse] : cases) {
             m->prefs.accountBaseURL.set(u"https://a.test"_s);
-            QVERIFY(!row.canApply());
+            QVERIFY(row.serviceURLDraft() == u"https://a.test" && !row.canApply());
             row.setServiceURLDraft(typed);
             QVERIFY(row.canApply());
             row.applyServiceURL();
-            QCOMPARE(m->prefs.accountBaseURL(), taken.isEmpty() ? u"https://a.test"_s : taken);
-            QCOMPARE(row.serviceURLDraft(), m->prefs.accountBaseURL());
-            QCOMPARE(row.serviceURLError(), taken.isEmpty()
-                                                ? u"That is not an https address. Use one like https://service.test."_s
-                                                : QString());
-            row.setServiceURLDraft(u"h"_s);
-            QVERIFY(row.serviceURLError().isEmpty());
+            QVERIFY(m->prefs.accountBaseURL() == inUse && row.serviceURLDraft() == inUse);
+            QCOMPARE(row.serviceURLError().endsWith(u"like https://service.test."), inUse == u"https://a.test");
         }
-        m->prefs.accountBaseURL.set(u"https://c.test"_s);
-        QCOMPARE(row.serviceURLDraft(), u"h"_s); // what is being typed is not taken away
+        row.setServiceURLDraft(u"http://"_s);
+        row.applyServiceURL();
+        row.setServiceURLDraft(u"h"_s);
+        m->prefs.accountBaseURL.set(u"https://c.test"_s); // what is being typed is not taken away
+        QVERIFY(row.serviceURLDraft() == u"h" && row.serviceURLError().isEmpty());
     }
 
     void followsWhatChangesElsewhere()
@@ -335,13 +311,12 @@ private Q_SLOTS:
         m->machine.trust.trusted = false;
         m->choose(u"groq"_s);
         SettingsView &form = m->form();
-        QVERIFY(!form.axTrusted() && form.micGranted());
-        m->machine.trust.trusted = true;
-        m->machine.microphone.authorized = Microphone::Authorization::denied;
         m->machine.secrets.items.insert(u"groq_api_key"_s, "gsk_wxyz");
         QCOMPARE(m->key().keySuffix(), u"wxyz"_s);
+        m->machine.trust.trusted = true;
+        m->machine.microphone.authorized = Microphone::Authorization::denied;
         m->machine.clock.advance(1999ms);
-        QVERIFY(!form.axTrusted());
+        QVERIFY(!form.axTrusted() && form.micGranted());
         QSignalSpy changes(&form, &SettingsView::changed);
         m->machine.clock.advance(1ms);
         QVERIFY(form.axTrusted() && !form.micGranted() && changes.size() == 1);
@@ -353,19 +328,15 @@ private Q_SLOTS:
 
     void asksForTheAccountOncePerForm()
     {
-        m->form();
-        QCOMPARE(m->machine.http.waiting(), 0); // nobody is signed in
-        m->closeForm();
+        QVERIFY(m->form().shown() && m->machine.http.waiting() == 0); // nobody is signed in
+        m->opened.reset();
         m->sessions.save(u"svs_1"_s);
         m->status.adopt({.token = u"svs_1"_s, .email = u"a@b.test"_s});
         AccountArea &area = *m->form().account();
-        QCOMPARE(area.leftToday(), u"Not known yet"_s);
-        QCOMPARE(m->machine.http.waiting(), 2);
+        QVERIFY(area.leftToday() == u"Not known yet" && m->machine.http.waiting() == 2);
         m->machine.http.answer(200, R"({"email":"a@b.test","dailyMinutes":30,"remainingSeconds":720})");
         m->machine.http.answer(200, R"([{"id":"1","device":"Study","current":true}])");
-        QCOMPARE(area.allowance(), u"30 minutes a day"_s);
-        QCOMPARE(area.leftToday(), u"12 minutes"_s);
-        QCOMPARE(m->signIn.devices().size(), 1);
+        QCOMPARE(area.allowance() + area.leftToday(), u"30 minutes a day12 minutes"_s);
         m->machine.clock.zone = QTimeZone(3600);
         QCOMPARE(area.lastUsed({}), u"Last used: not known"_s);
         QVERIFY(area.lastUsed(QDateTime({2026, 3, 1}, {23, 30}, Qt::UTC)).contains(u"00:30"_s));
@@ -379,11 +350,8 @@ private Q_SLOTS:
         ShortcutRows &rows = *m->form().shortcut();
         QVERIFY(rows.shortcut() == u"Fn + Space" && rows.usesFn());
         rows.change();
-        m->machine.localKeys.send({LocalKeyEventType::flagsChanged, 0, KeyFlags::command});
-        QCOMPARE(rows.pressed(), u"⌘"_s);
         m->machine.localKeys.send({LocalKeyEventType::keyDown, 2, KeyFlags::command | KeyFlags::shift});
-        QVERIFY(!rows.capturing() && !rows.usesFn());
-        QCOMPARE(rows.shortcut(), u"⇧⌘D"_s);
+        QVERIFY(!rows.capturing() && !rows.usesFn() && rows.shortcut() == u"⇧⌘D");
         rows.change();
         rows.resetToDefault();
         QVERIFY(!rows.capturing() && m->prefs.hotkeySpec() == HotkeySpec());
