@@ -29,8 +29,9 @@ constexpr qsizetype historyLength = 50;
 
 } // namespace
 
-FlowController::FlowController(Platform &platform, Prefs &prefs, Transcriber &transcriber, LabsClient &labs, const LabsSession &labsSession,
-                               const LabsAnswerMode &answerMode, HistoryStore &historyStore)
+FlowController::FlowController(Platform &platform, Prefs &prefs, Transcriber &transcriber, LabsClient &labs,
+                               const LabsSession &labsSession, const LabsAnswerMode &answerMode,
+                               HistoryStore &historyStore)
     : m_platform(platform),
       m_clock(platform.clock),
       m_prefs(prefs),
@@ -73,8 +74,7 @@ void FlowController::start()
     if (m_hotkey)
         return;
     auto monitor = std::make_unique<HotkeyMonitor>(
-        m_platform.keyTaps, m_prefs.hotkeySpec(),
-        [this] { schedule(&FlowController::toggle); },
+        m_platform.keyTaps, m_prefs.hotkeySpec(), [this] { schedule(&FlowController::toggle); },
         [this] { schedule(&FlowController::cancelRecording); });
     if (!monitor->start())
         return;

@@ -41,8 +41,8 @@ public:
     /// A recording's file must be larger than this, in bytes, to be transcribed.
     static constexpr qint64 minimumFileSize = 16000;
 
-    FlowController(Platform &platform, Prefs &prefs, Transcriber &transcriber,
-                   LabsClient &labs, const LabsSession &labsSession, const LabsAnswerMode &answerMode,
+    FlowController(Platform &platform, Prefs &prefs, Transcriber &transcriber, LabsClient &labs,
+                   const LabsSession &labsSession, const LabsAnswerMode &answerMode,
                    HistoryStore &historyStore);
     ~FlowController() override;
 

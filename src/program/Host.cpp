@@ -38,8 +38,7 @@ Host::Host(Platform &platform, const QString &serviceAddress)
                      .account = m_account,
                      .http = platform.http,
                      .clock = platform.clock}),
-      m_flow(platform, m_preferences.prefs, m_transcriber, m_labsClient, m_labs,
-             m_answerMode, m_history),
+      m_flow(platform, m_preferences.prefs, m_transcriber, m_labsClient, m_labs, m_answerMode, m_history),
       m_hotkeyRecorder(
           platform.localKeys, [this] { return m_flow.hotkey(); },
           [this](const HotkeySpec &spec) { m_flow.updateHotkey(spec); }),

@@ -111,8 +111,7 @@ void MenuView::appendFacts(QList<MenuEntry> &entries) const
     if (m_prefs.provider() == Provider::sayvane)
         appendAccount(entries);
     entries.append(text(u"language"_s, SpokenLanguage::nameFor(m_prefs.language())));
-    entries.append(
-        text(u"shortcut"_s, tr("%1 to start / stop").arg(m_prefs.hotkeySpec().displayString())));
+    entries.append(text(u"shortcut"_s, tr("%1 to start / stop").arg(m_prefs.hotkeySpec().displayString())));
     if (!m_history.records().isEmpty()) {
         const Dictation &newest = m_history.records().first();
         if (newest.transcribeMs) {

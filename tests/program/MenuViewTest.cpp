@@ -55,11 +55,11 @@ MenuView &MenuViewTest::menu()
 {
     if (!m_menu) {
         Host &host = m->host();
-        m_menu = std::make_unique<MenuView>(
-            MenuView::Observed{host.flow(), host.history(), host.account(), host.answerMode(), host.prefs(),
-                               m->machine.pasteboard},
-            ShellCommands{[this] { m_asked.append(u"dashboard"_s); }, [this] { m_asked.append(u"settings"_s); },
-                          [this] { m_asked.append(u"quit"_s); }});
+        m_menu = std::make_unique<MenuView>(MenuView::Observed{host.flow(), host.history(), host.account(),
+                                                               host.answerMode(), host.prefs(), m->machine.pasteboard},
+                                            ShellCommands{[this] { m_asked.append(u"dashboard"_s); },
+                                                          [this] { m_asked.append(u"settings"_s); },
+                                                          [this] { m_asked.append(u"quit"_s); }});
     }
     return *m_menu;
 }

@@ -89,10 +89,9 @@ private Q_SLOTS:
         m = std::make_unique<FlowFixture>();
         Host &host = m->host();
         host.prefs().cleanupEnabled.set(false);
-        m_view =
-            std::make_unique<MenuView>(MenuView::Observed{host.flow(), host.history(), host.account(),
-                                                          host.answerMode(), host.prefs(), m->machine.pasteboard},
-                                       ShellCommands{[] {}, [] {}, [] {}});
+        m_view = std::make_unique<MenuView>(MenuView::Observed{host.flow(), host.history(), host.account(),
+                                                               host.answerMode(), host.prefs(), m->machine.pasteboard},
+                                            ShellCommands{[] {}, [] {}, [] {}});
         m_menu = std::make_unique<BusMenu>([this] { return m_view->entries(); });
         connect(m_view.get(), &MenuView::changed, m_menu.get(), &BusMenu::announce);
     }
