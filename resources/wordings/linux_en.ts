@@ -10,6 +10,21 @@
     </message>
 </context>
 <context>
+    <name>AccountRows</name>
+    <message>
+        <source>Signed in, but the session could not be saved to the Keychain.</source>
+        <translation>Signed in, but the session could not be saved to the keyring.</translation>
+    </message>
+    <message>
+        <source>Unlock the login keychain, or allow the prompt, and try again. Giving up signs this Mac out on the server too.</source>
+        <translation>Unlock the keyring, or allow the prompt, and try again. Giving up signs this computer out on the server too.</translation>
+    </message>
+    <message>
+        <source>Giving up signs this Mac out on the server too.</source>
+        <translation>Giving up signs this computer out on the server too.</translation>
+    </message>
+</context>
+<context>
     <name>AccountSignIn</name>
     <message>
         <source>Couldn't save the session to the Keychain: %1</source>
@@ -18,13 +33,6 @@
     <message>
         <source>Couldn't remove from Keychain: %1</source>
         <translation>Couldn't remove from the keyring: %1</translation>
-    </message>
-</context>
-<context>
-    <name>DeviceRow</name>
-    <message>
-        <source>This Mac</source>
-        <translation>This computer</translation>
     </message>
 </context>
 <context>
@@ -119,21 +127,6 @@
     </message>
 </context>
 <context>
-    <name>KeychainRetryStep</name>
-    <message>
-        <source>Signed in, but the session could not be saved to the Keychain.</source>
-        <translation>Signed in, but the session could not be saved to the keyring.</translation>
-    </message>
-    <message>
-        <source>Unlock the login keychain, or allow the prompt, and try again. Giving up signs this Mac out on the server too.</source>
-        <translation>Unlock the keyring, or allow the prompt, and try again. Giving up signs this computer out on the server too.</translation>
-    </message>
-    <message>
-        <source>Giving up signs this Mac out on the server too.</source>
-        <translation>Giving up signs this computer out on the server too.</translation>
-    </message>
-</context>
-<context>
     <name>LabsAnswerPanel</name>
     <message>
         <source>Sayvane cannot bring the app you were in back to the front from here, so this also copies the answer: switch to it and press ⌘V if the paste does not land there.</source>
@@ -155,13 +148,6 @@
     </message>
 </context>
 <context>
-    <name>PermissionRow</name>
-    <message>
-        <source>Open System Settings</source>
-        <translation>Open Desktop Settings</translation>
-    </message>
-</context>
-<context>
     <name>SettingsPage</name>
     <message>
         <source>Off by default. Sayvane lives in the menu bar, and the dashboard is always one click away under “Open Sayvane”.</source>
@@ -174,6 +160,10 @@
     <message>
         <source>Accessibility is the only permission the hotkey normally needs. If the shortcut still does nothing after granting it, also enable Sayvane under Input Monitoring, then quit and relaunch.</source>
         <translation>The desktop has to let Sayvane watch the shortcut and send the paste key. If the shortcut does nothing, the desktop or another program uses these keys: choose others under Shortcut, or free them in the desktop's keyboard settings.</translation>
+    </message>
+    <message>
+        <source>Open System Settings</source>
+        <translation>Open Desktop Settings</translation>
     </message>
 </context>
 <context>
@@ -196,6 +186,10 @@
     <message>
         <source>Sign out on this Mac?</source>
         <translation>Sign out on this computer?</translation>
+    </message>
+    <message>
+        <source>This Mac</source>
+        <translation>This computer</translation>
     </message>
 </context>
 </TS>

@@ -13,4 +13,14 @@ public:
 
     /// Where application data belongs; the program keeps its own in a folder "Sayvane" below it.
     virtual QString applicationSupport() const = 0;
+
+    /// The program's own folder, and what it keeps there.
+    QString own() const { return applicationSupport() + QStringLiteral("/Sayvane"); }
+    QString history() const { return own() + QStringLiteral("/history.json"); }
+    QString keptRecordings() const { return own() + QStringLiteral("/recordings"); }
+    QString instanceLock() const { return own() + QStringLiteral("/instance.lock"); }
+
+    /// What the name of every recording begins with; its id follows.
+    static inline const QString recordingPrefix = QStringLiteral("sayvane-");
+    static QString recordingName(const QString &id) { return recordingPrefix + id + QStringLiteral(".wav"); }
 };

@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 int HistoryCommand::run(const CommandContext &context)
 {
     const Platform &machine = context.machine();
-    QFile file(machine.folders.applicationSupport() + u"/Sayvane/history.json"_s);
+    QFile file(machine.folders.history());
     QList<Dictation> records;
     if (file.exists()) {
         if (!file.open(QIODevice::ReadOnly))

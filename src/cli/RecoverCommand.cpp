@@ -9,7 +9,6 @@
 #include "base/Clock.h"
 #include "base/Platform.h"
 #include "history/LeftRecordings.h"
-#include "preferences/Defaults.h"
 #include "preferences/Prefs.h"
 
 #include <QDBusArgument>
@@ -56,11 +55,11 @@ int keepFailed(const CommandContext &context)
         const auto program = OfflineProgram::take(context);
         if (!program)
             return Terminal::complain(program.error(), ExitCode::inUse);
-        Defaults &defaults = (*program)->host().defaults();
+        Prefs &prefs = (*program)->host().prefs();
         if (wanted.isEmpty())
-            isOn = defaults.boolean(PrefsKey::keepFailedRecordings);
+            isOn = prefs.keepFailedRecordings();
         else
-            defaults.set(PrefsKey::keepFailedRecordings, isOn);
+            prefs.keepFailedRecordings.set(isOn);
     } else if (wanted.isEmpty()) {
         isOn = qdbus_cast<QVariantMap>(answer->value(0)).value(u"keepsFailedRecordings"_s).toBool();
     }

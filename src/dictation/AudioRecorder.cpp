@@ -35,7 +35,7 @@ void AudioRecorder::start(Started started)
 void AudioRecorder::open(const Started &started)
 {
     const QString id = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-    const QString path = m_folders.temporary() + u"/sayvane-%1.wav"_s.arg(id);
+    const QString path = m_folders.temporary() + u'/' + Folders::recordingName(id);
     if (!hasRoom(path, m_volumes))
         return giveUp(FlowError::lowDiskSpace(), started);
     auto opened = m_microphone.open(path, format);

@@ -4,7 +4,6 @@
 #include "history/HistoryStore.h"
 #include "base/Platform.h"
 #include "base/SoundPlayer.h"
-#include "preferences/Defaults.h"
 #include "preferences/Prefs.h"
 #include "cloud/speech/Transcriber.h"
 
@@ -30,12 +29,11 @@ constexpr qsizetype historyLength = 50;
 
 } // namespace
 
-FlowController::FlowController(Platform &platform, Defaults &defaults, const Prefs &prefs,
-                               Transcriber &transcriber, LabsClient &labs, const LabsSession &labsSession,
-                               const LabsAnswerMode &answerMode, HistoryStore &historyStore)
+FlowController::FlowController(Platform &platform, Prefs &prefs, Transcriber &transcriber, LabsClient &labs,
+                               const LabsSession &labsSession, const LabsAnswerMode &answerMode,
+                               HistoryStore &historyStore)
     : m_platform(platform),
       m_clock(platform.clock),
-      m_defaults(defaults),
       m_prefs(prefs),
       m_transcriber(transcriber),
       m_labs(labs),
@@ -76,8 +74,7 @@ void FlowController::start()
     if (m_hotkey)
         return;
     auto monitor = std::make_unique<HotkeyMonitor>(
-        m_platform.keyTaps, HotkeySpec::decode(m_defaults.text(PrefsKey::hotkeySpec)),
-        [this] { schedule(&FlowController::toggle); },
+        m_platform.keyTaps, m_prefs.hotkeySpec(), [this] { schedule(&FlowController::toggle); },
         [this] { schedule(&FlowController::cancelRecording); });
     if (!monitor->start())
         return;
@@ -100,7 +97,7 @@ void FlowController::schedule(void (FlowController::*step)())
 
 void FlowController::updateHotkey(const HotkeySpec &spec)
 {
-    m_defaults.set(PrefsKey::hotkeySpec, spec.jsonString());
+    m_prefs.hotkeySpec.set(spec);
     dropHotkey();
     start();
     if (m_hotkey)
@@ -360,7 +357,7 @@ void FlowController::showOutcome(const std::optional<QString> &notice)
 
 void FlowController::playSound(const QString &name)
 {
-    if (m_prefs.isEnabled(PrefsKey::soundsEnabled))
+    if (m_prefs.soundsEnabled())
         m_platform.sounds.play(name);
 }
 

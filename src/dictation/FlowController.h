@@ -18,7 +18,6 @@
 #include <optional>
 #include <stop_token>
 
-class Defaults;
 class HistoryStore;
 class LabsAnswerMode;
 class LabsClient;
@@ -42,8 +41,8 @@ public:
     /// A recording's file must be larger than this, in bytes, to be transcribed.
     static constexpr qint64 minimumFileSize = 16000;
 
-    FlowController(Platform &platform, Defaults &defaults, const Prefs &prefs, Transcriber &transcriber,
-                   LabsClient &labs, const LabsSession &labsSession, const LabsAnswerMode &answerMode,
+    FlowController(Platform &platform, Prefs &prefs, Transcriber &transcriber, LabsClient &labs,
+                   const LabsSession &labsSession, const LabsAnswerMode &answerMode,
                    HistoryStore &historyStore);
     ~FlowController() override;
 
@@ -147,8 +146,7 @@ private:
 
     Platform &m_platform;
     Clock &m_clock;
-    Defaults &m_defaults;
-    const Prefs &m_prefs;
+    Prefs &m_prefs;
     Transcriber &m_transcriber;
     LabsClient &m_labs;
     const LabsSession &m_labsSession;

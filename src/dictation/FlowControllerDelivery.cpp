@@ -47,7 +47,7 @@ QCoro::Task<> FlowController::transcribeAndDeliver(QString filePath, double dura
     draft.transcribeMs = FlowText::elapsedMilliseconds(m_clock.monotonic() - began);
     if (draft.raw.isEmpty())
         co_return failTranscription(FlowError::nothingHeard().description, recording);
-    if (m_prefs.isEnabled(PrefsKey::cleanupEnabled)) {
+    if (m_prefs.cleanupEnabled()) {
         draft = co_await cleanedUp(draft, stop);
         if (stop.stop_requested())
             co_return recording.keep();
@@ -163,7 +163,7 @@ QCoro::Task<> FlowController::paste(QString text, std::stop_token stored, std::s
 void FlowController::failTranscription(const QString &message, TemporaryFile &recording)
 {
     fail(message);
-    if (!m_prefs.isEnabled(PrefsKey::keepFailedRecordings))
+    if (!m_prefs.keepFailedRecordings())
         return;
     const QString path = recording.path();
     recording.keep();

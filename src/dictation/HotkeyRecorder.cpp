@@ -44,12 +44,7 @@ bool HotkeyRecorder::handle(const LocalKeyEvent &event)
 
 bool HotkeyRecorder::handleKeyDown(const LocalKeyEvent &event)
 {
-    const HotkeySpec spec{.keyCode = event.keyCode,
-                          .fn = (event.flags & KeyFlags::fn) != 0,
-                          .command = (event.flags & KeyFlags::command) != 0,
-                          .option = (event.flags & KeyFlags::option) != 0,
-                          .control = (event.flags & KeyFlags::control) != 0,
-                          .shift = (event.flags & KeyFlags::shift) != 0};
+    const HotkeySpec spec = HotkeySpec::of(event.keyCode, event.flags);
     const bool isPlain = (event.flags & KeyFlags::compared) == 0;
     if (isPlain && event.keyCode == HotkeyMonitor::escapeKeyCode)
         cancel();

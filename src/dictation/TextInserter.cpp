@@ -48,7 +48,7 @@ TextInserter::TextInserter(Pasteboard &pasteboard, KeyPoster &keys, const Access
 
 std::shared_ptr<ClipboardSnapshot> TextInserter::prepare()
 {
-    if (!m_trust.canType() || !m_prefs.isEnabled(PrefsKey::restoreClipboard))
+    if (!m_trust.canType() || !m_prefs.restoreClipboard())
         return nullptr;
     const auto last = m_lastPaste.lock();
     auto snapshot = std::make_shared<ClipboardSnapshot>(m_pasteboard, m_clock, last ? *last : Paste());
@@ -100,7 +100,7 @@ QCoro::Task<TextInserter::Reading> TextInserter::readBefore(std::stop_token stop
     std::shared_ptr<ClipboardSnapshot> snapshot = m_prepared.lock();
     m_prepared.reset();
     Reading reading;
-    if (!m_prefs.isEnabled(PrefsKey::restoreClipboard))
+    if (!m_prefs.restoreClipboard())
         co_return reading;
     if (!snapshot)
         snapshot = prepare();

@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 HistoryStore::HistoryStore(Folders &folders, Clock &clock, Background &background)
     : m_clock(clock),
       m_background(background),
-      m_disk(folders.applicationSupport() + u"/Sayvane/history.json"_s, clock)
+      m_disk(folders.history(), clock)
 {
     m_background.run(
         *this, [this] { m_loaded = m_disk.load(); }, [this] { adopt(); });

@@ -21,16 +21,11 @@ Q_LOGGING_CATEGORY(log, "com.sayvane.app.recovery", QtInfoMsg)
 
 constexpr uint32_t sampleRate = 16000;
 constexpr auto ownerOnly = QFile::ReadOwner | QFile::WriteOwner;
-const QString prefix = u"sayvane-"_s;
-
-QString keptFolder(const Folders &folders)
-{
-    return folders.applicationSupport() + u"/Sayvane/recordings"_s;
-}
 
 QFileInfoList recordingsIn(const QString &folder)
 {
-    return QDir(folder).entryInfoList({prefix + u"*.wav"_s}, QDir::Files | QDir::NoSymLinks, QDir::Time);
+    return QDir(folder).entryInfoList({Folders::recordingName(u"*"_s)}, QDir::Files | QDir::NoSymLinks,
+                                      QDir::Time);
 }
 
 qint64 soundIn(const QFileInfo &file)
@@ -94,7 +89,7 @@ int LeftRecordings::takeIn()
 
 bool LeftRecordings::takeIn(const QString &path)
 {
-    const QString kept = keptFolder(m_folders);
+    const QString kept = m_folders.keptRecordings();
     const QFileInfo file(path);
     // Repaired before it moves: a copy to another disk takes a moment, and its time with it.
     const QString target = kept + u'/' + file.fileName();
@@ -131,8 +126,8 @@ void LeftRecordings::removeOld()
 QList<LeftRecording> LeftRecordings::all() const
 {
     QList<LeftRecording> found;
-    for (const QFileInfo &file : recordingsIn(keptFolder(m_folders)))
-        found.append({.id = file.completeBaseName().sliced(prefix.size()),
+    for (const QFileInfo &file : recordingsIn(m_folders.keptRecordings()))
+        found.append({.id = file.completeBaseName().sliced(Folders::recordingPrefix.size()),
                       .path = file.filePath(),
                       .date = file.lastModified().toUTC(),
                       .seconds = static_cast<double>(soundIn(file)) / (sampleRate * WavHeader::sampleSize)});

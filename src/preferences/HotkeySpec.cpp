@@ -1,17 +1,25 @@
 #include "preferences/HotkeySpec.h"
 
-#include "base/KeyTap.h"
 #include "base/Json.h"
+#include "base/KeyTap.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// What the keys from 0 on print, by the ANSI layout; a blank for one that has another name.
+constexpr std::string_view printed = "ASDFHGZXCV BQWERYT123465=97-80]OU[IP LJ'K;\\,/NM.  `";
+
+// F1 to F20
+constexpr std::array<qint64, 20> functionKeyCodes{122, 120, 99,  118, 96,  97,  98, 100, 101, 109,
+                                                  103, 111, 105, 107, 113, 106, 64, 79,  80,  90};
 
 struct KeyName
 {
@@ -20,59 +28,11 @@ struct KeyName
 };
 
 constexpr auto names = std::to_array<KeyName>({
-    {0, "A"},
-    {1, "S"},
-    {2, "D"},
-    {3, "F"},
-    {4, "H"},
-    {5, "G"},
-    {6, "Z"},
-    {7, "X"},
-    {8, "C"},
-    {9, "V"},
-    {11, "B"},
-    {12, "Q"},
-    {13, "W"},
-    {14, "E"},
-    {15, "R"},
-    {16, "Y"},
-    {17, "T"},
-    {18, "1"},
-    {19, "2"},
-    {20, "3"},
-    {21, "4"},
-    {22, "6"},
-    {23, "5"},
-    {24, "="},
-    {25, "9"},
-    {26, "7"},
-    {27, "-"},
-    {28, "8"},
-    {29, "0"},
-    {30, "]"},
-    {31, "O"},
-    {32, "U"},
-    {33, "["},
-    {34, "I"},
-    {35, "P"},
     {36, QT_TRANSLATE_NOOP("HotkeySpec", "Return")},
-    {37, "L"},
-    {38, "J"},
-    {39, "'"},
-    {40, "K"},
-    {41, ";"},
-    {42, "\\"},
-    {43, ","},
-    {44, "/"},
-    {45, "N"},
-    {46, "M"},
-    {47, "."},
     {48, QT_TRANSLATE_NOOP("HotkeySpec", "Tab")},
     {49, QT_TRANSLATE_NOOP("HotkeySpec", "Space")},
-    {50, "`"},
     {51, QT_TRANSLATE_NOOP("HotkeySpec", "Delete")},
     {53, QT_TRANSLATE_NOOP("HotkeySpec", "Escape")},
-    {64, "F17"},
     {65, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad .")},
     {67, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad *")},
     {69, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad +")},
@@ -80,8 +40,6 @@ constexpr auto names = std::to_array<KeyName>({
     {75, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad /")},
     {76, QT_TRANSLATE_NOOP("HotkeySpec", "Enter")},
     {78, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad -")},
-    {79, "F18"},
-    {80, "F19"},
     {81, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad =")},
     {82, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 0")},
     {83, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 1")},
@@ -91,40 +49,35 @@ constexpr auto names = std::to_array<KeyName>({
     {87, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 5")},
     {88, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 6")},
     {89, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 7")},
-    {90, "F20"},
     {91, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 8")},
     {92, QT_TRANSLATE_NOOP("HotkeySpec", "Keypad 9")},
-    {96, "F5"},
-    {97, "F6"},
-    {98, "F7"},
-    {99, "F3"},
-    {100, "F8"},
-    {101, "F9"},
-    {103, "F11"},
-    {105, "F13"},
-    {106, "F16"},
-    {107, "F14"},
-    {109, "F10"},
-    {111, "F12"},
-    {113, "F15"},
     {114, QT_TRANSLATE_NOOP("HotkeySpec", "Help")},
     {115, QT_TRANSLATE_NOOP("HotkeySpec", "Home")},
     {116, QT_TRANSLATE_NOOP("HotkeySpec", "Page Up")},
     {117, QT_TRANSLATE_NOOP("HotkeySpec", "Forward Delete")},
-    {118, "F4"},
     {119, QT_TRANSLATE_NOOP("HotkeySpec", "End")},
-    {120, "F2"},
     {121, QT_TRANSLATE_NOOP("HotkeySpec", "Page Down")},
-    {122, "F1"},
     {123, "←"},
     {124, "→"},
     {125, "↓"},
     {126, "↑"},
 });
 
-// F1 to F20
-constexpr std::array<qint64, 20> functionKeyCodes{122, 120, 99,  118, 96,  97,  98, 100, 101, 109,
-                                                  103, 111, 105, 107, 113, 106, 64, 79,  80,  90};
+struct Modifier
+{
+    const char *member;
+    quint64 flag;
+    bool HotkeySpec::*held;
+};
+
+/// In the order of the stored form.
+constexpr auto modifiers = std::to_array<Modifier>({
+    {"fn", KeyFlags::fn, &HotkeySpec::fn},
+    {"command", KeyFlags::command, &HotkeySpec::command},
+    {"option", KeyFlags::option, &HotkeySpec::option},
+    {"control", KeyFlags::control, &HotkeySpec::control},
+    {"shift", KeyFlags::shift, &HotkeySpec::shift},
+});
 
 QString symbols(quint64 flags)
 {
@@ -140,45 +93,47 @@ QString symbols(quint64 flags)
     return text;
 }
 
-QStringView boolText(bool value)
-{
-    return value ? u"true" : u"false";
-}
-
 } // namespace
+
+HotkeySpec HotkeySpec::of(qint64 keyCode, quint64 flags)
+{
+    HotkeySpec spec{.keyCode = keyCode};
+    for (const Modifier &modifier : modifiers)
+        spec.*modifier.held = (flags & modifier.flag) != 0;
+    return spec;
+}
 
 QString HotkeySpec::jsonString() const
 {
-    return u"{\"keyCode\":%1,\"fn\":%2,\"command\":%3,\"option\":%4,\"control\":%5,\"shift\":%6}"_s.arg(
-        QString::number(keyCode), boolText(fn), boolText(command), boolText(option), boolText(control),
-        boolText(shift));
+    QString json = u"{\"keyCode\":%1"_s.arg(keyCode);
+    for (const Modifier &modifier : modifiers)
+        json +=
+            u",\"%1\":%2"_s.arg(QLatin1String(modifier.member), this->*modifier.held ? u"true" : u"false");
+    return json + u'}';
 }
 
 HotkeySpec HotkeySpec::decode(const std::optional<QString> &json)
 {
-    if (!json)
-        return {};
-    const QJsonDocument document = QJsonDocument::fromJson(json->toUtf8());
-    const QJsonObject object = document.object();
+    const QJsonObject object = QJsonDocument::fromJson(json.value_or(QString()).toUtf8()).object();
     const auto code = Json::wholeNumber(object.value("keyCode"_L1));
     if (!code)
         return {};
-    for (const auto member : {"fn"_L1, "command"_L1, "option"_L1, "control"_L1, "shift"_L1}) {
-        if (!object.value(member).isBool())
+    HotkeySpec spec{.keyCode = *code};
+    for (const Modifier &modifier : modifiers) {
+        const QJsonValue held = object.value(QLatin1String(modifier.member));
+        if (!held.isBool())
             return {};
+        spec.*modifier.held = held.toBool();
     }
-    return {.keyCode = *code,
-            .fn = object.value("fn"_L1).toBool(),
-            .command = object.value("command"_L1).toBool(),
-            .option = object.value("option"_L1).toBool(),
-            .control = object.value("control"_L1).toBool(),
-            .shift = object.value("shift"_L1).toBool()};
+    return spec;
 }
 
 quint64 HotkeySpec::requiredFlags() const
 {
-    return (fn ? KeyFlags::fn : 0) | (command ? KeyFlags::command : 0) | (option ? KeyFlags::option : 0) |
-           (control ? KeyFlags::control : 0) | (shift ? KeyFlags::shift : 0);
+    quint64 flags = 0;
+    for (const Modifier &modifier : modifiers)
+        flags |= this->*modifier.held ? modifier.flag : 0;
+    return flags;
 }
 
 QString HotkeySpec::displayString() const
@@ -193,6 +148,10 @@ bool HotkeySpec::isFunctionKey() const
 
 QString HotkeySpec::keyNameFor(qint64 keyCode)
 {
+    if (keyCode >= 0 && keyCode < qint64(printed.size()) && printed[size_t(keyCode)] != ' ')
+        return QChar::fromLatin1(printed[size_t(keyCode)]);
+    if (const auto key = std::ranges::find(functionKeyCodes, keyCode); key != functionKeyCodes.end())
+        return u'F' + QString::number(key - functionKeyCodes.begin() + 1);
     const auto found = std::ranges::find(names, keyCode, &KeyName::code);
     return found != names.end() ? tr(found->name) : tr("Key %1").arg(keyCode);
 }

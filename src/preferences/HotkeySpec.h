@@ -18,6 +18,9 @@ struct HotkeySpec
 
     bool operator==(const HotkeySpec &) const = default;
 
+    /// The shortcut of a key with the modifiers held, as `KeyFlags`.
+    static HotkeySpec of(qint64 keyCode, quint64 flags);
+
     /// The stored form: one object with the six members in the order of the fields.
     QString jsonString() const;
 
@@ -30,8 +33,10 @@ struct HotkeySpec
     /// What people read, such as "Fn + Space" or "⇧⌘D".
     QString displayString() const;
 
+    /// Whether it is one of F1 to F20.
     bool isFunctionKey() const;
 
+    /// What people call a key.
     static QString keyNameFor(qint64 keyCode);
 
     /// The modifiers held while a shortcut is being chosen; empty when there are none.

@@ -1,6 +1,5 @@
 #include "preferences/Migrations.h"
 
-#include "preferences/Defaults.h"
 #include "preferences/Keychain.h"
 #include "preferences/Prefs.h"
 
@@ -18,28 +17,31 @@ const QStringList legacyOpenAIModels{u"gpt-4o-transcribe"_s, u"gpt-4o-mini-trans
 const QStringList retiredChatModels{u"llama-3.1-8b-instant"_s, u"llama-3.3-70b-versatile"_s};
 
 // A value under any of these keys marks an earlier installation.
-const QStringList priorInstallKeys{
-    PrefsKey::cleanupEnabled,
-    PrefsKey::restoreClipboard,
-    PrefsKey::soundsEnabled,
-    PrefsKey::language,
-    PrefsKey::transcriptionModel,
-    PrefsKey::chatModel,
-    PrefsKey::vocabulary,
-    PrefsKey::hotkeySpec,
-    PrefsKey::showDashboardOnLaunch,
-    PrefsKey::advancedExpanded,
-    PrefsKey::keychainKeysMigrated,
-    PrefsKey::groqChatDefaultMigratedTo120b,
-    PrefsKey::languageDefaultMigratedToAuto,
-};
-
-// Stored while a first start has yet to be decided and the user has set something meanwhile: at the next
-// start that would look like an earlier installation.
-const QString firstStart = u"firstStartUndecided"_s;
+QStringList priorInstallKeys(const Prefs &prefs)
+{
+    return {prefs.cleanupEnabled.key(),
+            prefs.restoreClipboard.key(),
+            prefs.soundsEnabled.key(),
+            prefs.language.key(),
+            prefs.transcriptionModel.key(),
+            prefs.chatModel.key(),
+            prefs.vocabularyTyped.key(),
+            prefs.hotkeySpec.key(),
+            prefs.showDashboardOnLaunch.key(),
+            prefs.advancedExpanded.key(),
+            prefs.keychainKeysMigrated.key(),
+            prefs.groqChatDefaultMigratedTo120b.key(),
+            prefs.languageDefaultMigratedToAuto.key()};
+}
 
 const QString groqPrefix = u"gsk_"_s;
 const QString openAIPrefix = u"sk-"_s;
+
+/// What is stored, without white space around it.
+QString trimmed(const Prefs::Preference<QString> &preference)
+{
+    return preference.stored().value_or(QString()).trimmed();
+}
 
 bool isEmpty(const std::optional<QString> &value)
 {
@@ -48,8 +50,8 @@ bool isEmpty(const std::optional<QString> &value)
 
 } // namespace
 
-Migrations::Migrations(Defaults &defaults, Keychain &keychain, std::function<void()> providerSettled)
-    : m_defaults(defaults),
+Migrations::Migrations(Prefs &prefs, Keychain &keychain, std::function<void()> providerSettled)
+    : m_prefs(prefs),
       m_keychain(keychain),
       m_providerSettled(std::move(providerSettled))
 {
@@ -57,13 +59,14 @@ Migrations::Migrations(Defaults &defaults, Keychain &keychain, std::function<voi
 
 void Migrations::run()
 {
-    if (retiredChatModels.contains(m_defaults.storedText(PrefsKey::chatModel).value_or(QString()).trimmed()))
-        m_defaults.remove(PrefsKey::chatModel);
-    m_hadPreferences = !m_defaults.isStored(firstStart) &&
-                       std::ranges::any_of(priorInstallKeys,
-                                           [this](const QString &key) { return m_defaults.isStored(key); });
+    if (retiredChatModels.contains(trimmed(m_prefs.chatModel)))
+        m_prefs.chatModel.remove();
+    m_hadPreferences = !m_prefs.firstStartUndecided() &&
+                       std::ranges::any_of(priorInstallKeys(m_prefs), [this](const QString &key) {
+                           return !m_prefs.stored(key).isUndefined();
+                       });
     if (!m_hadPreferences)
-        connect(&m_defaults, &Defaults::changed, this, &Migrations::markFirstStart);
+        connect(&m_prefs, &Prefs::changed, this, &Migrations::markFirstStart);
     connect(&m_keychain, &Keychain::changed, this, &Migrations::goOn);
     goOn();
 }
@@ -74,7 +77,7 @@ void Migrations::goOn()
         if (!migrateToProviderSetting())
             return; // the later steps leave marks that would tell of an earlier version
         m_settled = true;
-        m_defaults.remove(firstStart);
+        m_prefs.firstStartUndecided.remove();
         migrateGroqChatDefault();
         migrateLanguageDefaultToAuto();
         if (m_providerSettled)
@@ -85,39 +88,32 @@ void Migrations::goOn()
 
 void Migrations::markFirstStart(const QString &key)
 {
-    if (!m_settled && priorInstallKeys.contains(key))
-        m_defaults.set(firstStart, true);
+    if (!m_settled && priorInstallKeys(m_prefs).contains(key))
+        m_prefs.firstStartUndecided.set(true);
 }
 
 bool Migrations::migrateToProviderSetting()
 {
-    const auto stored = [this](const QString &key) {
-        return m_defaults.storedText(key).value_or(QString()).trimmed();
-    };
-    const auto choose = [this](Provider provider) {
-        m_defaults.set(PrefsKey::provider, Providers::rawValue(provider));
-    };
-
-    if (m_defaults.storedText(PrefsKey::provider))
+    if (m_prefs.stored(m_prefs.provider.key()).isString())
         return true;
     for (const Provider provider : Providers::apiKeyProviders) {
         if (m_keychain.read(Providers::keychainAccount(provider)).isPending())
             return false;
     }
     if (!hasPriorInstall()) {
-        choose(Provider::sayvane);
+        m_prefs.provider.set(Provider::sayvane);
         return true;
     }
     if (priorInstallProvider() == Provider::openai) {
-        choose(Provider::openai);
+        m_prefs.provider.set(Provider::openai);
         return true;
     }
-    for (const QString &key : {PrefsKey::transcriptionModel, PrefsKey::chatModel}) {
-        const QString model = stored(key);
+    for (auto *preference : {&m_prefs.transcriptionModel, &m_prefs.chatModel}) {
+        const QString model = trimmed(*preference);
         if (model.isEmpty() || legacyOpenAIModels.contains(model))
-            m_defaults.remove(key);
+            preference->remove();
     }
-    choose(Provider::groq);
+    m_prefs.provider.set(Provider::groq);
     return true;
 }
 
@@ -156,26 +152,26 @@ std::optional<QString> Migrations::misfiled(const std::optional<QString> &value,
 
 void Migrations::migrateGroqChatDefault()
 {
-    if (m_defaults.boolean(PrefsKey::groqChatDefaultMigratedTo120b))
+    if (m_prefs.groqChatDefaultMigratedTo120b())
         return;
     // Marked first, so that the step never repeats.
-    m_defaults.set(PrefsKey::groqChatDefaultMigratedTo120b, true);
-    if (m_defaults.textOrEmpty(PrefsKey::chatModel).trimmed() == "openai/gpt-oss-20b"_L1)
-        m_defaults.set(PrefsKey::chatModel, u"openai/gpt-oss-120b"_s);
+    m_prefs.groqChatDefaultMigratedTo120b.set(true);
+    if (trimmed(m_prefs.chatModel) == "openai/gpt-oss-20b"_L1)
+        m_prefs.chatModel.set(u"openai/gpt-oss-120b"_s);
 }
 
 void Migrations::migrateLanguageDefaultToAuto()
 {
-    if (m_defaults.boolean(PrefsKey::languageDefaultMigratedToAuto))
+    if (m_prefs.languageDefaultMigratedToAuto())
         return;
-    m_defaults.set(PrefsKey::languageDefaultMigratedToAuto, true);
-    if (m_defaults.textOrEmpty(PrefsKey::language).trimmed().toLower() == "en"_L1)
-        m_defaults.set(PrefsKey::language, QString());
+    m_prefs.languageDefaultMigratedToAuto.set(true);
+    if (trimmed(m_prefs.language).toLower() == "en"_L1)
+        m_prefs.language.set(QString());
 }
 
 QCoro::Task<> Migrations::migrateMisfiledAPIKeys()
 {
-    if (m_moving || m_defaults.boolean(PrefsKey::keychainKeysMigrated))
+    if (m_moving || m_prefs.keychainKeysMigrated())
         co_return;
     const Keychain::ReadResult groq = m_keychain.read(Providers::keychainAccount(Provider::groq));
     const Keychain::ReadResult openai = m_keychain.read(Providers::keychainAccount(Provider::openai));
@@ -190,7 +186,7 @@ QCoro::Task<> Migrations::migrateMisfiledAPIKeys()
     else if (const auto mirrored = misfiled(groq.value, Provider::groq))
         done = co_await moveMisfiledKey(*mirrored, Provider::groq, openai.value, Provider::openai);
     if (self && done)
-        m_defaults.set(PrefsKey::keychainKeysMigrated, true);
+        m_prefs.keychainKeysMigrated.set(true);
 }
 
 QCoro::Task<bool> Migrations::moveMisfiledKey(QString key, Provider from, std::optional<QString> held,

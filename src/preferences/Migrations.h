@@ -9,8 +9,8 @@
 #include <functional>
 #include <optional>
 
-class Defaults;
 class Keychain;
+class Prefs;
 
 /// Brings the preferences and keys of an earlier version up to date at launch, from what is really stored
 /// and not from defaults.
@@ -21,7 +21,7 @@ class Migrations final : public QObject
     Q_OBJECT
 public:
     /// `providerSettled` is called once it is known which provider an earlier version dictated to.
-    Migrations(Defaults &defaults, Keychain &keychain, std::function<void()> providerSettled = {});
+    Migrations(Prefs &prefs, Keychain &keychain, std::function<void()> providerSettled = {});
 
     /// All steps, in the order they depend on each other.
     void run();
@@ -43,7 +43,7 @@ private:
     /// Moves a key to the provider it belongs to; false when the keychain refused and it must be tried again.
     QCoro::Task<bool> moveMisfiledKey(QString key, Provider from, std::optional<QString> held, Provider to);
 
-    Defaults &m_defaults;
+    Prefs &m_prefs;
     Keychain &m_keychain;
     std::function<void()> m_providerSettled;
     bool m_hadPreferences = false; // as the launch found it

@@ -1,9 +1,8 @@
 #include "preferences/Prefs.h"
 
-#include "preferences/Defaults.h"
-#include "preferences/HotkeySpec.h"
-#include "preferences/Migrations.h"
+#include "base/DefaultsStore.h"
 #include "base/Text.h"
+#include "preferences/Migrations.h"
 
 #include <QTimeZone>
 #include <QUrl>
@@ -17,48 +16,97 @@ namespace {
 
 const QDateTime referenceDate(QDate(2001, 1, 1), QTime(0, 0), QTimeZone::utc());
 
+std::optional<bool> truthIn(const QJsonValue &stored)
+{
+    return stored.isBool() ? std::optional(stored.toBool()) : std::nullopt;
+}
+
+std::optional<QString> textIn(const QJsonValue &stored)
+{
+    return stored.isString() ? std::optional(stored.toString()) : std::nullopt;
+}
+
+QJsonValue asItIs(const QString &value)
+{
+    return value;
+}
+
+std::optional<std::optional<QDateTime>> dateIn(const QJsonValue &stored)
+{
+    static constexpr double longest = 1e11; // seconds: beyond all years, within what a date can hold
+    const double seconds = stored.toDouble();
+    if (!(seconds > 0))
+        return std::nullopt;
+    return referenceDate.addMSecs(std::llround(std::min(seconds, longest) * 1000));
+}
+
 } // namespace
 
-Prefs::Prefs(Defaults &defaults, const QString &defaultBaseURL)
-    : m_defaults(defaults),
+constinit const Prefs::Form<bool> Prefs::truth{.read = truthIn,
+                                               .write = [](const bool &value) { return QJsonValue(value); }};
+
+constinit const Prefs::Form<Provider> Prefs::providerName{
+    .read = [](const QJsonValue &stored) { return Providers::fromRawValue(stored.toString()); },
+    .write = [](const Provider &value) { return QJsonValue(Providers::rawValue(value)); }};
+
+constinit const Prefs::Form<HotkeySpec> Prefs::shortcut{
+    .read = [](const QJsonValue &stored) { return std::optional(HotkeySpec::decode(textIn(stored))); },
+    .write = [](const HotkeySpec &value) { return QJsonValue(value.jsonString()); }};
+
+constinit const Prefs::Form<std::optional<QDateTime>> Prefs::date{
+    .read = dateIn, .write = [](const std::optional<QDateTime> &value) {
+        return value ? QJsonValue(static_cast<double>(referenceDate.msecsTo(*value)) / 1000)
+                     : QJsonValue(QJsonValue::Undefined);
+    }};
+
+constinit const Prefs::Form<QString> Prefs::text{.read = textIn, .write = asItIs};
+
+constinit const Prefs::Form<QString> Prefs::address{
+    .read = [](const QJsonValue &stored) { return validAccountBaseURL(stored.toString()); }, .write = asItIs};
+
+constinit const Prefs::Form<QString> Prefs::email{
+    .read = [](const QJsonValue &stored) { return std::optional(stored.toString().trimmed()); },
+    .write =
+        [](const QString &value) {
+            const QString trimmed = value.trimmed();
+            return trimmed.isEmpty() ? QJsonValue(QJsonValue::Undefined) : QJsonValue(trimmed);
+        }};
+
+constinit const Prefs::Form<QString> Prefs::code{
+    .read = [](const QJsonValue &stored) { return std::optional(Text::trimmedBlanks(stored.toString())); },
+    .write = asItIs};
+
+Prefs::Prefs(DefaultsStore &store, const QString &defaultBaseURL)
+    : m_store(store),
       m_defaultBaseURL(defaultBaseURL)
 {
 }
 
 Prefs::~Prefs() = default;
 
-Provider Prefs::provider() const
+QJsonValue Prefs::stored(const QString &key) const
 {
-    return Providers::fromRawValue(m_defaults.textOrEmpty(PrefsKey::provider)).value_or(Provider::sayvane);
+    return m_store.value(key);
 }
 
-QString Prefs::transcriptionModel() const
+void Prefs::store(const QString &key, const QJsonValue &value, void (Prefs::*signal)())
 {
-    return model(PrefsKey::transcriptionModel, ModelPurpose::transcription);
-}
-
-QString Prefs::chatModel() const
-{
-    return model(PrefsKey::chatModel, ModelPurpose::chat);
-}
-
-QString Prefs::model(const QString &key, ModelPurpose purpose) const
-{
-    const auto text = m_defaults.text(key);
-    return text ? *text : defaultModel(provider(), purpose);
+    if (stored(key) == value)
+        return;
+    if (value.isUndefined())
+        m_store.remove(key);
+    else
+        m_store.setValue(key, value);
+    if (signal)
+        Q_EMIT(this->*signal)();
+    Q_EMIT changed(key);
 }
 
 void Prefs::setModel(const QString &model, ModelPurpose purpose)
 {
     const QString trimmed = model.trimmed();
     if (!trimmed.isEmpty())
-        m_defaults.set(purpose == ModelPurpose::chat ? PrefsKey::chatModel : PrefsKey::transcriptionModel,
-                       trimmed);
-}
-
-QString Prefs::accountBaseURL() const
-{
-    return validAccountBaseURL(m_defaults.textOrEmpty(PrefsKey::accountBaseURL)).value_or(m_defaultBaseURL);
+        (purpose == ModelPurpose::chat ? chatModel : transcriptionModel).set(trimmed);
 }
 
 std::optional<QString> Prefs::validAccountBaseURL(const QString &text)
@@ -73,77 +121,16 @@ std::optional<QString> Prefs::validAccountBaseURL(const QString &text)
     return address;
 }
 
-QString Prefs::accountEmail() const
-{
-    return m_defaults.textOrEmpty(PrefsKey::accountEmail).trimmed();
-}
-
-void Prefs::setAccountEmail(const QString &email)
-{
-    const QString trimmed = email.trimmed();
-    if (trimmed.isEmpty())
-        m_defaults.remove(PrefsKey::accountEmail);
-    else
-        m_defaults.set(PrefsKey::accountEmail, trimmed);
-}
-
-std::optional<QDateTime> Prefs::labsAnswerModeExpiresAt() const
-{
-    static constexpr double longest = 1e11; // seconds: beyond all years, within what a date can hold
-    const double seconds = m_defaults.number(PrefsKey::labsAnswerModeExpiresAt).value_or(0);
-    if (!(seconds > 0))
-        return std::nullopt;
-    return referenceDate.addMSecs(std::llround(std::min(seconds, longest) * 1000));
-}
-
-void Prefs::setLabsAnswerModeExpiresAt(const std::optional<QDateTime> &date)
-{
-    if (date)
-        m_defaults.set(PrefsKey::labsAnswerModeExpiresAt,
-                       static_cast<double>(referenceDate.msecsTo(*date)) / 1000);
-    else
-        m_defaults.remove(PrefsKey::labsAnswerModeExpiresAt);
-}
-
-QString Prefs::language() const
-{
-    return Text::trimmedBlanks(m_defaults.textOrEmpty(PrefsKey::language));
-}
-
-QString Prefs::vocabulary() const
-{
-    return m_defaults.textOrEmpty(PrefsKey::vocabulary).trimmed();
-}
-
-bool Prefs::isEnabled(const QString &key) const
-{
-    return m_defaults.boolean(key);
-}
-
 void Prefs::registerDefaults(Keychain &keychain)
 {
-    m_migrations = std::make_unique<Migrations>(m_defaults, keychain, [this] { registerDefaults(); });
-    registerDefaults();
+    m_launchProvider = provider();
+    m_migrations = std::make_unique<Migrations>(*this, keychain, [this] { m_launchProvider = provider(); });
     m_migrations->run();
 }
 
-void Prefs::registerDefaults()
+QString Prefs::launchModel(ModelPurpose purpose) const
 {
-    m_defaults.registerDefaults({
-        {PrefsKey::provider, Providers::rawValue(Provider::sayvane)},
-        {PrefsKey::accountBaseURL, m_defaultBaseURL},
-        {PrefsKey::cleanupEnabled, true},
-        {PrefsKey::restoreClipboard, true},
-        {PrefsKey::soundsEnabled, true},
-        {PrefsKey::keepFailedRecordings, false},
-        {PrefsKey::language, QString()},
-        {PrefsKey::transcriptionModel, defaultModel(provider(), ModelPurpose::transcription)},
-        {PrefsKey::chatModel, defaultModel(provider(), ModelPurpose::chat)},
-        {PrefsKey::vocabulary, u"Sayvane, Groq, OpenAI"_s},
-        {PrefsKey::hotkeySpec, HotkeySpec().jsonString()},
-        {PrefsKey::showDashboardOnLaunch, false},
-        {PrefsKey::advancedExpanded, false},
-    });
+    return defaultModel(m_launchProvider.value_or(provider()), purpose);
 }
 
 QString Prefs::defaultModel(Provider provider, ModelPurpose purpose)

@@ -7,7 +7,6 @@
 #include "base/Clock.h"
 #include "base/Microphone.h"
 #include "base/Platform.h"
-#include "preferences/Defaults.h"
 #include "preferences/Prefs.h"
 
 #include <utility>
@@ -25,7 +24,6 @@ AppDelegate::AppDelegate(const Collaborators &with)
     : m_platform(with.platform),
       m_flow(with.flow),
       m_hotkeyRecorder(with.hotkeyRecorder),
-      m_defaults(with.defaults),
       m_prefs(with.prefs),
       m_credentials(with.credentials)
 {
@@ -52,7 +50,7 @@ void AppDelegate::applicationDidResignActive()
 
 void AppDelegate::openDashboardIfWanted()
 {
-    if (m_defaults.boolean(PrefsKey::showDashboardOnLaunch))
+    if (m_prefs.showDashboardOnLaunch())
         return m_showDashboard();
     m_undecided = m_credentials.arePending();
     const auto isNeeded = [this] { return !m_credentials.hasCredential(m_prefs.provider()); };

@@ -4,7 +4,6 @@
 #include <memory>
 
 class Credentials;
-class Defaults;
 class FlowController;
 class HotkeyRecorder;
 class Prefs;
@@ -23,7 +22,6 @@ public:
         Platform &platform;
         FlowController &flow;
         HotkeyRecorder &hotkeyRecorder;
-        const Defaults &defaults;
         const Prefs &prefs;
         const Credentials &credentials;
     };
@@ -44,7 +42,6 @@ private:
     Platform &m_platform;
     FlowController &m_flow;
     HotkeyRecorder &m_hotkeyRecorder;
-    const Defaults &m_defaults;
     const Prefs &m_prefs;
     const Credentials &m_credentials;
     std::function<void()> m_showDashboard;

@@ -6,8 +6,6 @@
 #include "program/ControlInterface.h"
 #include "program/FileTranscript.h"
 #include "cloud/labs/LabsAnswerMode.h"
-#include "preferences/Defaults.h"
-#include "preferences/HotkeySpec.h"
 #include "preferences/Prefs.h"
 #include "cloud/speech/Transcriber.h"
 
@@ -40,7 +38,6 @@ ControlService::ControlService(const Served &served, Commands commands)
       m_signIn(served.signIn),
       m_account(served.account),
       m_answerMode(served.answerMode),
-      m_defaults(served.defaults),
       m_prefs(served.prefs),
       m_transcriber(served.transcriber),
       m_commands(std::move(commands)),
@@ -125,13 +122,13 @@ QVariantMap ControlService::Status() const
     QVariantMap status{
         {u"version"_s, QCoreApplication::applicationVersion()},
         {u"state"_s, nameOf(m_flow.state())},
-        {u"shortcut"_s, HotkeySpec::decode(m_defaults.text(PrefsKey::hotkeySpec)).displayString()},
+        {u"shortcut"_s, m_prefs.hotkeySpec().displayString()},
         {u"shortcutActive"_s, m_flow.hotkeyActive()},
         {u"provider"_s, Providers::rawValue(m_prefs.provider())},
         {u"language"_s, m_prefs.language()},
         {u"signedIn"_s, m_account.signedIn()},
         {u"answerMode"_s, m_answerMode.enabled()},
-        {u"keepsFailedRecordings"_s, m_prefs.isEnabled(PrefsKey::keepFailedRecordings)},
+        {u"keepsFailedRecordings"_s, m_prefs.keepFailedRecordings()},
     };
     if (const auto email = m_account.email(); email && m_account.signedIn())
         status.insert(u"email"_s, *email);
@@ -171,7 +168,7 @@ QCoro::Task<> ControlService::transcribe(QString path, QDBusMessage request, QDB
 
 void ControlService::KeepFailedRecordings(bool keep)
 {
-    m_defaults.set(PrefsKey::keepFailedRecordings, keep);
+    m_prefs.keepFailedRecordings.set(keep);
 }
 
 void ControlService::SendCode(const QString &email)

@@ -12,7 +12,6 @@
 
 class AccountSignIn;
 class AccountStatus;
-class Defaults;
 class FlowController;
 class LabsAnswerMode;
 class Prefs;
@@ -30,8 +29,7 @@ public:
         AccountSignIn &signIn;
         const AccountStatus &account;
         const LabsAnswerMode &answerMode;
-        Defaults &defaults;
-        const Prefs &prefs;
+        Prefs &prefs;
         Transcriber &transcriber;
     };
     struct Commands
@@ -77,8 +75,7 @@ private:
     AccountSignIn &m_signIn;
     const AccountStatus &m_account;
     const LabsAnswerMode &m_answerMode;
-    Defaults &m_defaults;
-    const Prefs &m_prefs;
+    Prefs &m_prefs;
     Transcriber &m_transcriber;
     Commands m_commands;
     SignInSteps m_steps;

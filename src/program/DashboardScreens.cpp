@@ -7,9 +7,9 @@ using namespace Qt::StringLiterals;
 DashboardScreens::DashboardScreens(const Needs &needs)
     : m_navigation(needs.frame.navigation),
       m_frame(needs.frame),
-      m_dictations(needs.history, needs.frame.defaults, needs.frame.clock, needs.pasteboard),
-      m_insights(needs.history, needs.frame.defaults, needs.frame.prefs, needs.frame.clock),
-      m_dictionary(needs.frame.defaults)
+      m_dictations(needs.history, needs.frame.prefs, needs.frame.clock, needs.pasteboard),
+      m_insights(needs.history, needs.frame.prefs, needs.frame.clock),
+      m_dictionary(needs.frame.prefs)
 {
     QObject::connect(&m_frame, &DashboardView::dayBegan, &m_dictations, &DictationListView::refresh);
     QObject::connect(&m_frame, &DashboardView::dayBegan, &m_insights, &InsightsView::refresh);

@@ -38,7 +38,7 @@ QCoro::Task<FileTranscript> FileTranscript::of(QString path, Transcriber &transc
         result.error = raw.error().description;
     else if (result.text.isEmpty())
         result.error = FlowError::nothingHeard().description;
-    if (!result.error.isEmpty() || !prefs.isEnabled(PrefsKey::cleanupEnabled))
+    if (!result.error.isEmpty() || !prefs.cleanupEnabled())
         co_return result;
     const QString heard = result.text;
     const Transcriber::Text cleaned = co_await transcriber.cleanup(heard, stop);

@@ -9,7 +9,6 @@ using namespace Qt::StringLiterals;
 
 FormScreens::FormScreens(Host &host, Platform &platform, std::function<void()> openSettings)
     : m_settings({.platform = platform,
-                  .defaults = host.defaults(),
                   .prefs = host.prefs(),
                   .keychain = host.keychain(),
                   .sessions = host.sessions(),
@@ -20,7 +19,7 @@ FormScreens::FormScreens(Host &host, Platform &platform, std::function<void()> o
                   .updateHotkey = [&host](const HotkeySpec &spec) { host.flow().updateHotkey(spec); }}),
       m_labs({.session = host.labs(),
               .answerMode = host.answerMode(),
-              .defaults = host.defaults(),
+              .prefs = host.prefs(),
               .pasteboard = platform.pasteboard,
               .inserter = host.flow().inserter(),
               .dictation = {.state = [&host] { return host.flow().state(); },

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "screens/labs/LabsView.h"
-#include "screens/settings/SettingsForms.h"
+#include "screens/settings/SettingsView.h"
 
 #include <QVariantMap>
 

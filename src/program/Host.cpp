@@ -3,8 +3,7 @@
 #include "base/Platform.h"
 
 Host::Preferences::Preferences(DefaultsStore &store, Keychain &keychain, const QString &serviceAddress)
-    : defaults(store),
-      prefs(defaults, serviceAddress)
+    : prefs(store, serviceAddress)
 {
     prefs.registerDefaults(keychain);
 }
@@ -29,7 +28,6 @@ Host::Host(Platform &platform, const QString &serviceAddress)
       m_labsClient(m_accountClient, m_credentials, platform.http, platform.clock),
       m_labs({.client = m_labsClient,
               .account = m_account,
-              .defaults = m_preferences.defaults,
               .prefs = m_preferences.prefs,
               .clock = platform.clock}),
       m_answerMode(m_preferences.prefs, platform.clock),
@@ -40,8 +38,7 @@ Host::Host(Platform &platform, const QString &serviceAddress)
                      .account = m_account,
                      .http = platform.http,
                      .clock = platform.clock}),
-      m_flow(platform, m_preferences.defaults, m_preferences.prefs, m_transcriber, m_labsClient, m_labs,
-             m_answerMode, m_history),
+      m_flow(platform, m_preferences.prefs, m_transcriber, m_labsClient, m_labs, m_answerMode, m_history),
       m_hotkeyRecorder(
           platform.localKeys, [this] { return m_flow.hotkey(); },
           [this](const HotkeySpec &spec) { m_flow.updateHotkey(spec); }),
@@ -49,7 +46,6 @@ Host::Host(Platform &platform, const QString &serviceAddress)
       m_delegate({.platform = platform,
                   .flow = m_flow,
                   .hotkeyRecorder = m_hotkeyRecorder,
-                  .defaults = m_preferences.defaults,
                   .prefs = m_preferences.prefs,
                   .credentials = m_credentials})
 {

@@ -13,7 +13,6 @@
 #include "cloud/labs/LabsClient.h"
 #include "cloud/labs/LabsSession.h"
 #include "overlay/OverlayDisplay.h"
-#include "preferences/Defaults.h"
 #include "preferences/Keychain.h"
 #include "preferences/Prefs.h"
 #include "cloud/speech/Transcriber.h"
@@ -37,7 +36,6 @@ public:
     void launch(std::function<void()> showDashboard);
 
     Keychain &keychain() { return m_keychain; }
-    Defaults &defaults() { return m_preferences.defaults; }
     Prefs &prefs() { return m_preferences.prefs; }
     AccountSessionStore &sessions() { return m_sessions; }
     AccountStatus &account() { return m_account; }
@@ -58,7 +56,6 @@ private:
     struct Preferences
     {
         Preferences(DefaultsStore &store, Keychain &keychain, const QString &serviceAddress);
-        Defaults defaults;
         Prefs prefs;
     };
 

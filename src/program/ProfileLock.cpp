@@ -23,9 +23,8 @@ constexpr auto lookPause = 20ms;
 
 QString lockPath(const Folders &folders)
 {
-    const QString folder = folders.applicationSupport() + u"/Sayvane"_s;
-    QDir().mkpath(folder);
-    return folder + u"/instance.lock"_s;
+    QDir().mkpath(folders.own());
+    return folders.instanceLock();
 }
 
 /// Whether the open file is still the one at the path: somebody may have deleted it meanwhile, and then the

@@ -3,7 +3,7 @@
 #include "base/Activation.h"
 #include "program/DashboardWindowController.h"
 #include "program/WindowPlace.h"
-#include "screens/settings/SettingsForms.h"
+#include "screens/settings/SettingsView.h"
 
 #include <QWindow>
 
@@ -42,8 +42,7 @@ bool SettingsWindow::make()
     m_engine = m_makeEngine(m_appearance, m_graphics);
     if (!m_engine)
         return false;
-    m_window =
-        m_engine->makeWindow(u"settings/SettingsWindow"_s, {{u"forms"_s, QVariant::fromValue(&m_forms)}});
+    m_window = m_engine->makeWindow(u"SettingsWindow"_s, {{u"forms"_s, QVariant::fromValue(&m_forms)}});
     WindowPlace::fit(*m_window, m_activation.tilesWindows() ? QSize() : m_window->minimumSize());
     // While it tells that it was closed the window is still in use.
     connect(m_window.get(), &QWindow::visibleChanged, this, &SettingsWindow::dropIfClosed,

@@ -44,7 +44,6 @@ void Windows::openSettings()
 QVariantMap Windows::models()
 {
     m_screens.emplace(DashboardScreens::Needs{.frame = {.clock = m_platform.clock,
-                                                        .defaults = m_host.defaults(),
                                                         .prefs = m_host.prefs(),
                                                         .credentials = m_host.credentials(),
                                                         .navigation = m_navigation},

@@ -5,13 +5,10 @@
 #include "history/HistoryStore.h"
 #include "cloud/labs/LabsAnswerMode.h"
 #include "base/Pasteboard.h"
-#include "preferences/Defaults.h"
-#include "preferences/HotkeySpec.h"
 #include "preferences/Prefs.h"
 #include "preferences/SpokenLanguage.h"
 #include "base/Decimal.h"
 #include "base/Text.h"
-#include "base/Provider.h"
 
 #include <algorithm>
 #include <utility>
@@ -51,7 +48,7 @@ MenuView::MenuView(const Observed &observed, ShellCommands commands)
       m_history(observed.history),
       m_account(observed.account),
       m_answerMode(observed.answerMode),
-      m_defaults(observed.defaults),
+      m_prefs(observed.prefs),
       m_pasteboard(observed.pasteboard),
       m_commands(std::move(commands))
 {
@@ -62,10 +59,8 @@ MenuView::MenuView(const Observed &observed, ShellCommands commands)
     connect(&m_history, &HistoryStore::recordsChanged, this, &MenuView::changed);
     connect(&m_account, &AccountStatus::changed, this, &MenuView::changed);
     connect(&m_answerMode, &LabsAnswerMode::enabledChanged, this, &MenuView::changed);
-    connect(&m_defaults, &Defaults::changed, this, [this](const QString &key) {
-        if (key == PrefsKey::language || key == PrefsKey::provider || key == PrefsKey::hotkeySpec)
-            Q_EMIT changed();
-    });
+    for (const auto signal : {&Prefs::languageChanged, &Prefs::providerChanged, &Prefs::hotkeySpecChanged})
+        connect(&m_prefs, signal, this, &MenuView::changed);
 }
 
 QString MenuView::symbolFor(FlowState state)
@@ -113,12 +108,10 @@ QList<MenuEntry> MenuView::entries() const
 
 void MenuView::appendFacts(QList<MenuEntry> &entries) const
 {
-    const QString provider = m_defaults.textOrEmpty(PrefsKey::provider);
-    if (Providers::fromRawValue(provider).value_or(Provider::sayvane) == Provider::sayvane)
+    if (m_prefs.provider() == Provider::sayvane)
         appendAccount(entries);
-    entries.append(text(u"language"_s, SpokenLanguage::nameFor(m_defaults.textOrEmpty(PrefsKey::language))));
-    const HotkeySpec shortcut = HotkeySpec::decode(m_defaults.text(PrefsKey::hotkeySpec));
-    entries.append(text(u"shortcut"_s, tr("%1 to start / stop").arg(shortcut.displayString())));
+    entries.append(text(u"language"_s, SpokenLanguage::nameFor(m_prefs.language())));
+    entries.append(text(u"shortcut"_s, tr("%1 to start / stop").arg(m_prefs.hotkeySpec().displayString())));
     if (!m_history.records().isEmpty()) {
         const Dictation &newest = m_history.records().first();
         if (newest.transcribeMs) {

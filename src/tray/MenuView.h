@@ -7,11 +7,11 @@
 #include <QObject>
 
 class AccountStatus;
-class Defaults;
 class FlowController;
 class HistoryStore;
 class LabsAnswerMode;
 class Pasteboard;
+class Prefs;
 
 /// The menu of the tray: what it holds at this moment, and when that changed.
 ///
@@ -26,7 +26,7 @@ public:
         const HistoryStore &history;
         const AccountStatus &account;
         const LabsAnswerMode &answerMode;
-        const Defaults &defaults;
+        const Prefs &prefs;
         Pasteboard &pasteboard;
     };
     MenuView(const Observed &observed, ShellCommands commands);
@@ -53,7 +53,7 @@ private:
     const HistoryStore &m_history;
     const AccountStatus &m_account;
     const LabsAnswerMode &m_answerMode;
-    const Defaults &m_defaults;
+    const Prefs &m_prefs;
     Pasteboard &m_pasteboard;
     ShellCommands m_commands;
 };

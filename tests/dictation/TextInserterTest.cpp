@@ -1,6 +1,5 @@
 #include "dictation/TextInserter.h"
 
-#include "preferences/Defaults.h"
 #include "preferences/Prefs.h"
 #include "support/FakeMachine.h"
 
@@ -17,8 +16,7 @@ namespace {
 struct Fixture
 {
     FakeMachine machine;
-    Defaults defaults{machine.defaults};
-    Prefs prefs{defaults, u"https://service.test"_s};
+    Prefs prefs{machine.defaults, u"https://service.test"_s};
     TextInserter inserter{machine.pasteboard, machine.keyPoster, machine.trust, machine.presence, prefs, machine.clock};
     std::stop_source stop;
     std::optional<bool> pasted; ///< none as long as it is under way
@@ -103,7 +101,7 @@ void TextInserterTest::leavesTheTextWhereThereIsNothingToPutBack()
     m->machine.clock.advance(1s);
     QCOMPARE(m->machine.pasteboard.text(), u"new"_s);
     QCOMPARE(m->machine.clock.pendingTimers(), 0U);
-    const bool mayBeRead = m->machine.trust.trusted && m->prefs.isEnabled(PrefsKey::restoreClipboard);
+    const bool mayBeRead = m->machine.trust.trusted && m->prefs.restoreClipboard();
     QCOMPARE(m->inserter.prepare() != nullptr, mayBeRead);
     QVERIFY(mayBeRead || endsAfterMs > 0 || m->machine.pasteboard.asked == 0);
 }

@@ -531,7 +531,7 @@ void FlowControllerTest::theShortcutComesAndGoesWithTheTrust()
 
 void FlowControllerTest::aRejectedSessionSignsOut()
 {
-    m->host().prefs().setAccountEmail(u"a@b.test"_s);
+    m->host().prefs().accountEmail.set(u"a@b.test"_s);
     m->speak();
     m->machine.http.answer(401, "<html>");
     const QString sentence = u"Signed out. Sign in again in Settings."_s;

@@ -48,8 +48,7 @@ private Q_SLOTS:
         QCOMPARE(recorder.hint().value_or(QString()), hint);
         QCOMPARE(recorder.capturing(), !hint.isEmpty());
         QCOMPARE(program.machine.localKeys.isWatched(), !hint.isEmpty());
-        QCOMPARE(HotkeySpec::decode(program.host().defaults().text(PrefsKey::hotkeySpec)).displayString(),
-                 shortcut.isEmpty() ? u"Fn + Space"_s : shortcut);
+        QCOMPARE(program.host().prefs().hotkeySpec().displayString(), shortcut.isEmpty() ? u"Fn + Space"_s : shortcut);
         program.machine.keyTaps.tap(keyCode, flags & KeyFlags::compared);
         QCOMPARE(program.flow().state(), shortcut.isEmpty() ? FlowState::idle : FlowState::recording);
     }

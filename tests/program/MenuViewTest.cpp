@@ -55,11 +55,11 @@ MenuView &MenuViewTest::menu()
 {
     if (!m_menu) {
         Host &host = m->host();
-        m_menu = std::make_unique<MenuView>(
-            MenuView::Observed{host.flow(), host.history(), host.account(), host.answerMode(), host.defaults(),
-                               m->machine.pasteboard},
-            ShellCommands{[this] { m_asked.append(u"dashboard"_s); }, [this] { m_asked.append(u"settings"_s); },
-                          [this] { m_asked.append(u"quit"_s); }});
+        m_menu = std::make_unique<MenuView>(MenuView::Observed{host.flow(), host.history(), host.account(),
+                                                               host.answerMode(), host.prefs(), m->machine.pasteboard},
+                                            ShellCommands{[this] { m_asked.append(u"dashboard"_s); },
+                                                          [this] { m_asked.append(u"settings"_s); },
+                                                          [this] { m_asked.append(u"quit"_s); }});
     }
     return *m_menu;
 }
@@ -105,12 +105,12 @@ void MenuViewTest::theMenuHoldsWhatTheStateAsksFor_data()
                             << u"[Open Sayvane]|-|"_s + expected + u"|-|[SettingsCtrl+,]|[Quit SayvaneCtrl+Q]"_s;
     };
     const auto dictated = [](FlowFixture &at) {
-        at.host().defaults().set(PrefsKey::cleanupEnabled, false);
+        at.host().prefs().cleanupEnabled.set(false);
         at.dictate(u"one two three four"_s, {});
         at.finishPaste();
     };
     const auto known = [](FlowFixture &at) {
-        at.machine.defaults.values.insert(PrefsKey::accountEmail, u"ann@example.test"_s);
+        at.machine.defaults.values.insert(u"accountEmail"_s, u"ann@example.test"_s);
         at.host().account().setRemainingSeconds(240);
         at.host().answerMode().setEnabled(true);
     };
@@ -127,11 +127,11 @@ void MenuViewTest::theMenuHoldsWhatTheStateAsksFor_data()
         u"Sayvane: ready|Answer mode on|ann@example.test|4 minutes left today|Auto-detect|"
         "Fn + Space to start / stop|-|[Start Dictation]"_s);
     row(
-        "own key", [known](FlowFixture &at) { known(at), at.host().defaults().set(PrefsKey::provider, u"groq"_s); },
+        "own key", [known](FlowFixture &at) { known(at), at.host().prefs().provider.set(Provider::groq); },
         u"Sayvane: ready|Auto-detect|Fn + Space to start / stop|-|[Start Dictation]"_s);
     row(
         "a provider that nobody knows",
-        [known](FlowFixture &at) { known(at), at.host().defaults().set(PrefsKey::provider, u"other"_s); },
+        [known](FlowFixture &at) { known(at), at.machine.defaults.values.insert(u"provider"_s, u"other"_s); },
         u"Sayvane: ready|Answer mode on|ann@example.test|4 minutes left today|Auto-detect|"
         "Fn + Space to start / stop|-|[Start Dictation]"_s);
     row(
@@ -140,7 +140,7 @@ void MenuViewTest::theMenuHoldsWhatTheStateAsksFor_data()
     row(
         "other preferences",
         [](FlowFixture &at) {
-            at.host().defaults().set(PrefsKey::language, u" gu "_s);
+            at.host().prefs().language.set(u" gu "_s);
             at.flow().updateHotkey({.keyCode = 2, .fn = false, .command = true, .shift = true});
         },
         u"Sayvane: ready|Gujarati|⇧⌘D to start / stop|-|[Start Dictation]"_s);
@@ -198,7 +198,7 @@ void MenuViewTest::longTextsAreCut()
     QFETCH(QString, email);
     QFETCH(QString, text);
     QFETCH(QString, title);
-    m->machine.defaults.values.insert(PrefsKey::accountEmail, email);
+    m->machine.defaults.values.insert(u"accountEmail"_s, email);
     m->host().history().append({.id = QUuid::createUuid(), .date = m->machine.clock.now(), .text = text});
     QTEST(menu().entries()[3].text, "shownEmail");
     const MenuEntry first = entry(u"History"_s).submenu.value(0);
@@ -209,7 +209,7 @@ void MenuViewTest::longTextsAreCut()
 
 void MenuViewTest::entriesDoWhatTheySay()
 {
-    m->host().defaults().set(PrefsKey::cleanupEnabled, false);
+    m->host().prefs().cleanupEnabled.set(false);
     QSignalSpy changes(&menu(), &MenuView::changed);
     entry(u"Start Dictation"_s).action();
     QCOMPARE(m->flow().state(), FlowState::recording);
@@ -245,7 +245,7 @@ void MenuViewTest::theDashboardOpensForThoseWhoNeedIt()
 {
     QFETCH(bool, wanted);
     QFETCH(bool, credential);
-    m->machine.defaults.values.insert(PrefsKey::showDashboardOnLaunch, wanted);
+    m->machine.defaults.values.insert(u"showDashboardOnLaunch"_s, wanted);
     if (!credential)
         m->machine.secrets.items.clear();
     m->host();

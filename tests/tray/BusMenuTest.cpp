@@ -88,11 +88,10 @@ private Q_SLOTS:
     {
         m = std::make_unique<FlowFixture>();
         Host &host = m->host();
-        host.defaults().set(PrefsKey::cleanupEnabled, false);
-        m_view =
-            std::make_unique<MenuView>(MenuView::Observed{host.flow(), host.history(), host.account(),
-                                                          host.answerMode(), host.defaults(), m->machine.pasteboard},
-                                       ShellCommands{[] {}, [] {}, [] {}});
+        host.prefs().cleanupEnabled.set(false);
+        m_view = std::make_unique<MenuView>(MenuView::Observed{host.flow(), host.history(), host.account(),
+                                                               host.answerMode(), host.prefs(), m->machine.pasteboard},
+                                            ShellCommands{[] {}, [] {}, [] {}});
         m_menu = std::make_unique<BusMenu>([this] { return m_view->entries(); });
         connect(m_view.get(), &MenuView::changed, m_menu.get(), &BusMenu::announce);
     }
@@ -155,7 +154,7 @@ void BusMenuTest::panelsThatKeepEntriesShowWhatThereIs()
     dictate(QString());
     const QString failed = u"|-|(⚠️ Nothing heard)"_s;
     shows(u"(Sayvane: ready)|"_s + facts + lasted + u"|History>[one__two]"_s + failed);
-    m->host().defaults().set(PrefsKey::language, u"gu"_s);
+    m->host().prefs().language.set(u"gu"_s);
     const QString inGujarati = u"(Gujarati)|(Fn + Space to start / stop)"_s;
     shows(u"(Sayvane: ready)|"_s + inGujarati + lasted + u"|History>[one__two]"_s + failed);
     for (const QString &text : {u"three"_s, u"one_two"_s})

@@ -29,15 +29,11 @@ class AccountSignIn final : public QObject
     Q_OBJECT
     Q_PROPERTY(QString email READ email WRITE setEmail NOTIFY changed)
     Q_PROPERTY(QString code READ code NOTIFY changed)
-    Q_PROPERTY(Stage stage READ stage NOTIFY changed)
     /// Whether the code is asked for, not the address.
     Q_PROPERTY(bool isCodeStage READ isCodeStage NOTIFY changed)
     Q_PROPERTY(QString sentTo READ sentTo NOTIFY changed)
     Q_PROPERTY(bool busy READ busy NOTIFY changed)
-    Q_PROPERTY(QString error READ error NOTIFY changed)
     Q_PROPERTY(QString errorText READ errorText NOTIFY changed)
-    Q_PROPERTY(int countdown READ countdown NOTIFY changed)
-    Q_PROPERTY(bool rateLimited READ rateLimited NOTIFY changed)
     Q_PROPERTY(bool canResend READ canResend NOTIFY changed)
     Q_PROPERTY(bool needsKeychainRetry READ needsKeychainRetry NOTIFY changed)
     /// Of `DeviceSession`.
@@ -62,10 +58,9 @@ public:
 
     /// The address typed by the user.
     const QString &email() const { return m_email; }
-    Q_INVOKABLE void setEmail(const QString &email);
+    void setEmail(const QString &email);
     /// What was entered of the code: digits of any script, six at most.
     const QString &code() const { return m_code; }
-    Stage stage() const { return m_stage; }
     bool isCodeStage() const { return m_stage == Stage::code; }
     /// The address that the last code was sent to.
     const QString &sentTo() const { return m_sentTo; }
@@ -81,7 +76,6 @@ public:
     bool canResend() const { return m_countdown == 0 && !m_busy; }
     /// A session was verified but the keychain refused it; it is kept in memory.
     bool needsKeychainRetry() const { return m_needsKeychainRetry; }
-    const std::optional<AccountSession> &unsavedSession() const { return m_unsavedSession; }
     const QList<DeviceSession> &devices() const { return m_devices; }
     const QString &devicesError() const { return m_devicesError; }
     bool loadingDevices() const { return m_loadingDevices; }

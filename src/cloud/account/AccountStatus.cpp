@@ -33,7 +33,7 @@ void AccountStatus::adopt(const AccountSession &session)
     m_signedIn = true;
     ++m_session;
     m_email = session.email;
-    m_prefs.setAccountEmail(session.email);
+    m_prefs.accountEmail.set(session.email);
     m_info = AccountInfo{.email = session.email,
                          .plan = session.plan,
                          .status = u"active"_s,
@@ -50,7 +50,7 @@ void AccountStatus::signOut()
     m_signedIn = false;
     ++m_session;
     m_email.reset();
-    m_prefs.setAccountEmail(QString());
+    m_prefs.accountEmail.set(QString());
     m_remainingSeconds.reset();
     m_info.reset();
     Q_EMIT changed();
@@ -74,7 +74,7 @@ void AccountStatus::setInfo(const AccountInfo &info)
         m_remainingSeconds = std::max<qint64>(*info.remainingSeconds, 0);
     if (m_signedIn && info.email && !info.email->isEmpty()) {
         m_email = info.email;
-        m_prefs.setAccountEmail(*info.email);
+        m_prefs.accountEmail.set(*info.email);
     }
     Q_EMIT changed();
 }
@@ -86,16 +86,6 @@ void AccountStatus::setRemainingSeconds(qint64 seconds)
         return;
     m_remainingSeconds = left;
     Q_EMIT changed();
-}
-
-QVariant AccountStatus::dailyMinutes() const
-{
-    return m_info && m_info->dailyMinutes ? QVariant(*m_info->dailyMinutes) : QVariant();
-}
-
-QVariant AccountStatus::remainingSecondsValue() const
-{
-    return m_remainingSeconds ? QVariant(*m_remainingSeconds) : QVariant();
 }
 
 QString AccountStatus::minutesText(qint64 seconds)

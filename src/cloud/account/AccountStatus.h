@@ -4,7 +4,6 @@
 
 #include <QObject>
 #include <QString>
-#include <QVariant>
 
 #include <optional>
 
@@ -21,12 +20,6 @@ class AccountStatus final : public QObject
     Q_PROPERTY(QString email READ emailText NOTIFY changed)
     /// One line describing the account; empty when nothing is known of it.
     Q_PROPERTY(QString summary READ summary NOTIFY changed)
-    /// Undefined when not known.
-    Q_PROPERTY(QVariant dailyMinutes READ dailyMinutes NOTIFY changed)
-    /// Undefined when not known.
-    Q_PROPERTY(QVariant remainingSeconds READ remainingSecondsValue NOTIFY changed)
-    /// What is left today in words; empty when not known.
-    Q_PROPERTY(QString remainingText READ remainingText NOTIFY changed)
 public:
     AccountStatus(const AccountSessionStore &sessions, Prefs &prefs);
 
@@ -40,10 +33,6 @@ public:
     std::optional<qint64> remainingSeconds() const { return m_remainingSeconds; }
 
     QString summary() const { return m_info ? m_info->summary() : QString(); }
-    QString remainingText() const
-    {
-        return m_remainingSeconds ? minutesText(*m_remainingSeconds) : QString();
-    }
 
     /// Takes over a freshly verified session.
     void adopt(const AccountSession &session);
@@ -60,7 +49,7 @@ public:
     void setRemainingSeconds(qint64 seconds);
 
     /// An amount of time left in words, such as "4 minutes".
-    Q_INVOKABLE static QString minutesText(qint64 seconds);
+    static QString minutesText(qint64 seconds);
 
 Q_SIGNALS:
     void changed();
@@ -72,8 +61,6 @@ Q_SIGNALS:
 private:
     void mirror(const AccountSessionStore &sessions);
     QString emailText() const { return m_email.value_or(QString()); }
-    QVariant dailyMinutes() const;
-    QVariant remainingSecondsValue() const;
 
     Prefs &m_prefs;
     bool m_signedIn = false;

@@ -21,7 +21,7 @@ LabsAnswerMode::LabsAnswerMode(Prefs &prefs, Clock &clock) : m_prefs(prefs), m_c
     if (m_enabled)
         armExpiry();
     else
-        m_prefs.setLabsAnswerModeExpiresAt(std::nullopt);
+        m_prefs.labsAnswerModeExpiresAt.set(std::nullopt);
 }
 
 void LabsAnswerMode::setEnabled(bool on)
@@ -30,11 +30,11 @@ void LabsAnswerMode::setEnabled(bool on)
         return;
     m_enabled = on;
     if (on) {
-        m_prefs.setLabsAnswerModeExpiresAt(
+        m_prefs.labsAnswerModeExpiresAt.set(
             m_clock.now().addMSecs(std::chrono::milliseconds(duration).count()));
         armExpiry();
     } else {
-        m_prefs.setLabsAnswerModeExpiresAt(std::nullopt);
+        m_prefs.labsAnswerModeExpiresAt.set(std::nullopt);
         m_expireTask.reset();
     }
     Q_EMIT enabledChanged();

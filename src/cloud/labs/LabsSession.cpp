@@ -3,7 +3,6 @@
 #include "cloud/account/AccountStatus.h"
 #include "cloud/labs/LabsClient.h"
 #include "base/Clock.h"
-#include "preferences/Defaults.h"
 #include "preferences/Prefs.h"
 
 using namespace Qt::StringLiterals;
@@ -17,17 +16,13 @@ constexpr qsizetype historyLength = 5;
 LabsSession::LabsSession(const Collaborators &with)
     : m_client(with.client),
       m_account(with.account),
-      m_defaults(with.defaults),
       m_prefs(with.prefs),
       m_clock(with.clock),
       m_signedIn(m_account.signedIn()),
       m_accountSession(m_account.session())
 {
     connect(&m_account, &AccountStatus::changed, this, &LabsSession::followAccount);
-    connect(&m_defaults, &Defaults::changed, this, [this](const QString &key) {
-        if (key == PrefsKey::accountBaseURL)
-            forgetProviders();
-    });
+    connect(&m_prefs, &Prefs::accountBaseURLChanged, this, &LabsSession::forgetProviders);
 }
 
 LabsSession::~LabsSession()
@@ -103,7 +98,7 @@ bool LabsSession::canAsk() const
 
 std::optional<LabsProvider> LabsSession::chosenProvider() const
 {
-    return LabsProviderNames::fromRawValue(m_defaults.textOrEmpty(PrefsKey::labsProvider));
+    return LabsProviderNames::fromRawValue(m_prefs.labsProvider());
 }
 
 LabsProvider LabsSession::selectedProvider() const

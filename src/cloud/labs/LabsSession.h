@@ -18,7 +18,6 @@
 
 class AccountStatus;
 class Clock;
-class Defaults;
 class LabsClient;
 class Prefs;
 
@@ -49,7 +48,6 @@ public:
     {
         LabsClient &client;
         AccountStatus &account;
-        Defaults &defaults;
         const Prefs &prefs;
         Clock &clock;
     };
@@ -111,7 +109,6 @@ private:
 
     LabsClient &m_client;
     AccountStatus &m_account;
-    Defaults &m_defaults;
     const Prefs &m_prefs;
     Clock &m_clock;
     bool m_signedIn;

@@ -3,7 +3,6 @@
 #include "cloud/account/Credentials.h"
 #include "screens/dashboard/DashboardNavigation.h"
 #include "base/Clock.h"
-#include "preferences/Defaults.h"
 #include "preferences/Keychain.h"
 #include "preferences/Prefs.h"
 
@@ -18,10 +17,7 @@ DashboardView::DashboardView(const Needs &needs)
       m_day(today())
 {
     connect(&m_needs.credentials.keychain(), &Keychain::changed, this, &DashboardView::refreshCredential);
-    connect(&m_needs.defaults, &Defaults::changed, this, [this](const QString &key) {
-        if (key == PrefsKey::provider)
-            Q_EMIT changed();
-    });
+    connect(&m_needs.prefs, &Prefs::providerChanged, this, &DashboardView::changed);
 }
 
 DashboardView::~DashboardView() = default;
@@ -82,6 +78,6 @@ QDate DashboardView::today() const
 void DashboardView::openSettings()
 {
     if (usesOwnKey())
-        m_needs.defaults.set(PrefsKey::advancedExpanded, true);
+        m_needs.prefs.advancedExpanded.set(true);
     m_needs.navigation.setSection(DashboardSection::settings);
 }

@@ -10,7 +10,6 @@
 class Clock;
 class Credentials;
 class DashboardNavigation;
-class Defaults;
 class Prefs;
 class Timer;
 
@@ -27,8 +26,7 @@ public:
     struct Needs
     {
         Clock &clock;
-        Defaults &defaults;
-        const Prefs &prefs;
+        Prefs &prefs;
         const Credentials &credentials;
         DashboardNavigation &navigation;
     };

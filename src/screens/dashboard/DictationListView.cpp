@@ -4,26 +4,21 @@
 #include "history/HistoryStore.h"
 #include "base/Clock.h"
 #include "base/Pasteboard.h"
-#include "preferences/Defaults.h"
-#include "preferences/HotkeySpec.h"
 #include "preferences/Prefs.h"
 
 #include <QLocale>
 
 using namespace Qt::StringLiterals;
 
-DictationListView::DictationListView(HistoryStore &store, Defaults &defaults, Clock &clock,
+DictationListView::DictationListView(HistoryStore &store, const Prefs &prefs, Clock &clock,
                                      Pasteboard &pasteboard)
     : m_store(store),
-      m_defaults(defaults),
+      m_prefs(prefs),
       m_clock(clock),
       m_pasteboard(pasteboard)
 {
     connect(&m_store, &HistoryStore::recordsChanged, this, &DictationListView::refresh);
-    connect(&m_defaults, &Defaults::changed, this, [this](const QString &key) {
-        if (key == PrefsKey::hotkeySpec)
-            Q_EMIT changed();
-    });
+    connect(&m_prefs, &Prefs::hotkeySpecChanged, this, &DictationListView::changed);
     refresh();
 }
 
@@ -82,8 +77,7 @@ QString DictationListView::emptyHint() const
 {
     if (hasRecords())
         return {};
-    const HotkeySpec shortcut = HotkeySpec::decode(m_defaults.text(PrefsKey::hotkeySpec));
-    return tr("Press %1 anywhere to start.").arg(shortcut.displayString());
+    return tr("Press %1 anywhere to start.").arg(m_prefs.hotkeySpec().displayString());
 }
 
 void DictationListView::copy(int row)

@@ -7,7 +7,7 @@
 #include <QVariantList>
 
 class Clock;
-class Defaults;
+class Prefs;
 class HistoryStore;
 class Pasteboard;
 
@@ -26,7 +26,7 @@ class DictationListView final : public QObject
     Q_PROPERTY(QString clearTitle READ clearTitle NOTIFY changed)
     Q_PROPERTY(bool confirmingClear READ isConfirmingClear WRITE setConfirmingClear NOTIFY changed)
 public:
-    DictationListView(HistoryStore &store, Defaults &defaults, Clock &clock, Pasteboard &pasteboard);
+    DictationListView(HistoryStore &store, const Prefs &prefs, Clock &clock, Pasteboard &pasteboard);
 
     QString greeting() const;
     QVariantList figures() const;
@@ -62,7 +62,7 @@ Q_SIGNALS:
 
 private:
     HistoryStore &m_store;
-    Defaults &m_defaults;
+    const Prefs &m_prefs;
     Clock &m_clock;
     Pasteboard &m_pasteboard;
     QString m_search;

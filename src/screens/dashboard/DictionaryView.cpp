@@ -1,6 +1,5 @@
 #include "screens/dashboard/DictionaryView.h"
 
-#include "preferences/Defaults.h"
 #include "preferences/Prefs.h"
 #include "base/Text.h"
 
@@ -8,19 +7,16 @@
 
 using namespace Qt::StringLiterals;
 
-DictionaryView::DictionaryView(Defaults &defaults) : m_defaults(defaults)
+DictionaryView::DictionaryView(Prefs &prefs) : m_prefs(prefs)
 {
-    connect(&m_defaults, &Defaults::changed, this, [this](const QString &key) {
-        if (key == PrefsKey::vocabulary)
-            refresh();
-    });
+    connect(&m_prefs, &Prefs::vocabularyChanged, this, &DictionaryView::refresh);
     refresh();
 }
 
 QStringList DictionaryView::terms() const
 {
     QStringList terms;
-    for (const QString &piece : m_defaults.textOrEmpty(PrefsKey::vocabulary).split(u','))
+    for (const QString &piece : m_prefs.vocabulary().split(u','))
         if (const QString term = piece.trimmed(); !term.isEmpty())
             terms.append(term);
     return terms;
@@ -54,7 +50,7 @@ void DictionaryView::remove(const QString &term)
 
 void DictionaryView::store(const QStringList &terms)
 {
-    m_defaults.set(PrefsKey::vocabulary, terms.join(u", "_s));
+    m_prefs.vocabularyTyped.set(terms.join(u", "_s));
 }
 
 void DictionaryView::refresh()

@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <QStringListModel>
 
-class Defaults;
+class Prefs;
 
 /// The custom vocabulary as a list of terms; the preference behind it is one text with commas.
 class DictionaryView final : public QObject
@@ -16,7 +16,7 @@ class DictionaryView final : public QObject
     Q_PROPERTY(QString newTerm READ newTerm WRITE setNewTerm NOTIFY changed)
     Q_PROPERTY(bool canAdd READ canAdd NOTIFY changed)
 public:
-    explicit DictionaryView(Defaults &defaults);
+    explicit DictionaryView(Prefs &prefs);
 
     /// In stored order, trimmed; doubles stay.
     QStringList terms() const;
@@ -39,7 +39,7 @@ private:
     void store(const QStringList &terms);
     void refresh();
 
-    Defaults &m_defaults;
+    Prefs &m_prefs;
     QString m_newTerm;
     QStringListModel m_rows;
 };

@@ -4,7 +4,6 @@
 #include "screens/dashboard/StatsCard.h"
 #include "history/HistoryStore.h"
 #include "base/Clock.h"
-#include "preferences/Defaults.h"
 #include "preferences/Prefs.h"
 #include "base/Decimal.h"
 
@@ -12,16 +11,13 @@
 
 using namespace Qt::StringLiterals;
 
-InsightsView::InsightsView(HistoryStore &store, Defaults &defaults, const Prefs &prefs, Clock &clock)
+InsightsView::InsightsView(HistoryStore &store, const Prefs &prefs, Clock &clock)
     : m_store(store),
       m_prefs(prefs),
       m_clock(clock)
 {
     connect(&store, &HistoryStore::recordsChanged, this, &InsightsView::changed);
-    connect(&defaults, &Defaults::changed, this, [this](const QString &key) {
-        if (key == PrefsKey::provider)
-            Q_EMIT changed();
-    });
+    connect(&m_prefs, &Prefs::providerChanged, this, &InsightsView::changed);
 }
 
 QVariantList InsightsView::figures() const

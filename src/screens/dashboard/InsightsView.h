@@ -9,7 +9,6 @@
 #include <QVariantList>
 
 class Clock;
-class Defaults;
 class HistoryStore;
 class Prefs;
 
@@ -21,7 +20,7 @@ class InsightsView final : public QObject
     Q_PROPERTY(WordsChart chart READ chart NOTIFY changed)
     Q_PROPERTY(UsageCard usage READ usage NOTIFY changed)
 public:
-    InsightsView(HistoryStore &store, Defaults &defaults, const Prefs &prefs, Clock &clock);
+    InsightsView(HistoryStore &store, const Prefs &prefs, Clock &clock);
 
     QVariantList figures() const;
     /// Such as "1.2 s"; "not yet" before the first timed dictation.

@@ -9,7 +9,6 @@
 #include "screens/dashboard/Figure.h"
 #include "screens/dashboard/InsightsView.h"
 #include "screens/labs/LabsView.h"
-#include "screens/settings/SettingsForms.h"
 #include "screens/settings/SettingsView.h"
 
 #include <qqml.h>
@@ -118,11 +117,11 @@ struct SettingsViewType
     QML_UNCREATABLE("")
 };
 
-struct BoundPreferencesType
+struct PrefsType
 {
     Q_GADGET
-    QML_FOREIGN(BoundPreferences)
-    QML_NAMED_ELEMENT(BoundPreferences)
+    QML_FOREIGN(Prefs)
+    QML_NAMED_ELEMENT(Prefs)
     QML_UNCREATABLE("")
 };
 
@@ -150,14 +149,6 @@ struct AccountStatusType
     QML_UNCREATABLE("")
 };
 
-struct ConnectionTestType
-{
-    Q_GADGET
-    QML_FOREIGN(ConnectionTest)
-    QML_NAMED_ELEMENT(ConnectionTest)
-    QML_UNCREATABLE("")
-};
-
 struct KeyRowType
 {
     Q_GADGET
@@ -179,14 +170,6 @@ struct LanguageChoiceType
     Q_GADGET
     QML_FOREIGN(LanguageChoice)
     QML_NAMED_ELEMENT(LanguageChoice)
-    QML_UNCREATABLE("")
-};
-
-struct PermissionRowsType
-{
-    Q_GADGET
-    QML_FOREIGN(PermissionRows)
-    QML_NAMED_ELEMENT(PermissionRows)
     QML_UNCREATABLE("")
 };
 

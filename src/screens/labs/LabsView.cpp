@@ -3,10 +3,8 @@
 #include "dictation/TextInserter.h"
 #include "screens/labs/LabsTexts.h"
 #include "base/Pasteboard.h"
-#include "preferences/Defaults.h"
 #include "preferences/Prefs.h"
 #include "base/Text.h"
-#include "base/Provider.h"
 
 #include <QPointer>
 
@@ -32,7 +30,7 @@ QVariantMap option(const QString &value, const QString &text)
 LabsView::LabsView(const Collaborators &with)
     : m_session(with.session),
       m_answerMode(with.answerMode),
-      m_defaults(with.defaults),
+      m_prefs(with.prefs),
       m_pasteboard(with.pasteboard),
       m_inserter(with.inserter),
       m_dictation(with.dictation),
@@ -40,10 +38,8 @@ LabsView::LabsView(const Collaborators &with)
 {
     connect(&m_session, &LabsSession::changed, this, &LabsView::changed);
     connect(&m_answerMode, &LabsAnswerMode::enabledChanged, this, &LabsView::changed);
-    connect(&m_defaults, &Defaults::changed, this, [this](const QString &key) {
-        if (key == PrefsKey::provider || key == PrefsKey::labsProvider)
-            Q_EMIT changed();
-    });
+    connect(&m_prefs, &Prefs::providerChanged, this, &LabsView::changed);
+    connect(&m_prefs, &Prefs::labsProviderChanged, this, &LabsView::changed);
 }
 
 LabsView::~LabsView()
@@ -53,8 +49,7 @@ LabsView::~LabsView()
 
 bool LabsView::usable() const
 {
-    const auto provider = Providers::fromRawValue(m_defaults.textOrEmpty(PrefsKey::provider));
-    return provider.value_or(Provider::sayvane) == Provider::sayvane;
+    return m_prefs.provider() == Provider::sayvane;
 }
 
 QVariantList LabsView::providers() const
@@ -75,7 +70,7 @@ QVariantList LabsView::modes()
 
 void LabsView::selectProvider(const QString &rawValue)
 {
-    m_defaults.set(PrefsKey::labsProvider, rawValue);
+    m_prefs.labsProvider.set(rawValue);
 }
 
 QString LabsView::providersNotice() const

@@ -12,7 +12,6 @@
 #include <functional>
 #include <stop_token>
 
-class Defaults;
 class Pasteboard;
 class TextInserter;
 
@@ -46,7 +45,7 @@ public:
     {
         LabsSession &session;
         LabsAnswerMode &answerMode;
-        Defaults &defaults;
+        Prefs &prefs;
         Pasteboard &pasteboard;
         TextInserter &inserter;
         PromptDictation dictation;
@@ -108,7 +107,7 @@ private:
 
     LabsSession &m_session;
     LabsAnswerMode &m_answerMode;
-    Defaults &m_defaults;
+    Prefs &m_prefs;
     Pasteboard &m_pasteboard;
     TextInserter &m_inserter;
     PromptDictation m_dictation;

@@ -1,11 +1,9 @@
 #include "screens/settings/AccountArea.h"
 
-#include "cloud/account/AccountSessionStore.h"
 #include "base/Clock.h"
-#include "base/Platform.h"
 #include "base/Workspace.h"
+#include "cloud/account/AccountSessionStore.h"
 #include "screens/settings/OwnKey.h"
-#include "screens/settings/SettingsCollaborators.h"
 
 #include <QLocale>
 #include <QUrl>
@@ -23,12 +21,12 @@ QString withoutSeconds(QString timeFormat)
 
 } // namespace
 
-AccountArea::AccountArea(const SettingsCollaborators &with)
-    : m_sessions(with.sessions),
-      m_signIn(with.signIn),
-      m_status(with.accountStatus),
-      m_clock(with.platform.clock),
-      m_workspace(with.platform.workspace)
+AccountArea::AccountArea(const Needs &needs)
+    : m_sessions(needs.sessions),
+      m_signIn(needs.signIn),
+      m_status(needs.status),
+      m_clock(needs.clock),
+      m_workspace(needs.workspace)
 {
     connect(&m_signIn, &AccountSignIn::changed, this, &AccountArea::changed);
     connect(&m_status, &AccountStatus::changed, this, &AccountArea::changed);

@@ -12,7 +12,6 @@
 class AccountSessionStore;
 class Clock;
 class Workspace;
-struct SettingsCollaborators;
 
 /// The account in the form: signing in, or the account that is signed in and its devices.
 class AccountArea final : public QObject
@@ -25,7 +24,15 @@ class AccountArea final : public QObject
     Q_PROPERTY(QString resendLabel READ resendLabel NOTIFY changed)
     Q_PROPERTY(QString notice READ notice NOTIFY changed)
 public:
-    explicit AccountArea(const SettingsCollaborators &with);
+    struct Needs
+    {
+        AccountSessionStore &sessions;
+        AccountStatus &status;
+        AccountSignIn &signIn;
+        const Clock &clock;
+        Workspace &workspace;
+    };
+    explicit AccountArea(const Needs &needs);
     ~AccountArea() override;
 
     AccountSignIn *signIn() { return &m_signIn; }

@@ -5,7 +5,7 @@ import Sayvane
 Column {
     id: rows
 
-    required property BoundPreferences preferences
+    required property Prefs preferences
     required property LanguageChoice language
 
     width: parent ? parent.width : implicitWidth

@@ -1,11 +1,12 @@
 #include "screens/settings/KeyRow.h"
 
-#include "dictation/ClipboardText.h"
 #include "base/Pasteboard.h"
 #include "base/Workspace.h"
+#include "cloud/speech/ConnectionResult.h"
+#include "cloud/speech/Transcriber.h"
+#include "dictation/ClipboardText.h"
 #include "preferences/Keychain.h"
 #include "preferences/Prefs.h"
-#include "screens/settings/ConnectionTest.h"
 
 #include <QPointer>
 #include <QUrl>
@@ -28,12 +29,12 @@ QString waiting()
 
 } // namespace
 
-KeyRow::KeyRow(const Collaborators &with)
-    : m_prefs(with.prefs),
-      m_keychain(with.keychain),
-      m_pasteboard(with.pasteboard),
-      m_workspace(with.workspace),
-      m_connection(with.connection)
+KeyRow::KeyRow(const Needs &needs)
+    : m_prefs(needs.prefs),
+      m_keychain(needs.keychain),
+      m_transcriber(needs.transcriber),
+      m_pasteboard(needs.pasteboard),
+      m_workspace(needs.workspace)
 {
     refreshKeyState();
     connect(&m_keychain, &Keychain::changed, this, &KeyRow::refreshKeyState);
@@ -42,6 +43,7 @@ KeyRow::KeyRow(const Collaborators &with)
 KeyRow::~KeyRow()
 {
     m_stop.request_stop();
+    m_test.request_stop();
 }
 
 void KeyRow::setApiKey(const QString &text)
@@ -92,14 +94,9 @@ void KeyRow::lookForKey()
         m_keychain.fetch(account(), m_stop.get_token());
 }
 
-bool KeyRow::storedKeyExists() const
-{
-    return !storedKey().isEmpty();
-}
-
 void KeyRow::refreshKeyState()
 {
-    const QString key = storedKey();
+    const QString key = m_keychain.read(account()).value.value_or(QString());
     const bool isStored = std::exchange(m_keyStored, !key.isEmpty()) != m_keyStored;
     if (std::exchange(m_keySuffix, key.right(suffixLength)) != m_keySuffix || isStored)
         Q_EMIT changed();
@@ -112,10 +109,10 @@ void KeyRow::saveKey()
     if (account().isEmpty() || m_saving)
         return;
     if (key.isEmpty())
-        return report({}, storedKeyExists()
+        return report({}, m_keyStored
                               ? tr("Nothing typed. The saved key is unchanged. Use Remove key to delete it.")
                               : tr("Type or paste a key first."));
-    if (const auto other = wrongCredential(key, provider))
+    if (const auto other = OwnKey::wrongCredential(key, provider))
         return report(tr("This looks like a %1 key. Switch Provider to %1 or paste a %2 key.")
                           .arg(Providers::displayName(*other), Providers::displayName(provider)),
                       {});
@@ -158,7 +155,7 @@ QCoro::Task<> KeyRow::save(QString key, QString account)
     m_keySaved = true;
     refreshKeyState();
     Q_EMIT changed();
-    m_connection.testConnection();
+    testConnection();
 }
 
 void KeyRow::pasteKey()
@@ -214,12 +211,57 @@ void KeyRow::openConsole()
     Q_EMIT changed();
 }
 
+void KeyRow::testConnection()
+{
+    m_test.request_stop();
+    m_test = {};
+    m_testingConnection = true;
+    clearConnectionResult();
+    test(m_prefs.provider(), m_test.get_token());
+}
+
+QCoro::Task<> KeyRow::test(Provider provider, std::stop_token stop)
+{
+    const auto models = co_await m_transcriber.listModels(provider, stop);
+    if (stop.stop_requested())
+        co_return;
+    m_testingConnection = false;
+    if (m_prefs.provider() == provider) {
+        if (models)
+            applyResolvedModels(*models, provider);
+        else
+            m_connectionError = models.error().description;
+    }
+    Q_EMIT changed();
+}
+
+void KeyRow::applyResolvedModels(const QStringList &available, Provider provider)
+{
+    const ConnectionResult result = ConnectionResult::applyResolvedModels(
+        available, provider, m_prefs.transcriptionModel(), m_prefs.chatModel());
+    if (result.transcriptionModel)
+        m_prefs.setModel(*result.transcriptionModel, ModelPurpose::transcription);
+    if (result.chatModel)
+        m_prefs.setModel(*result.chatModel, ModelPurpose::chat);
+    m_connectionError.clear();
+    m_connectionStatus = result.status;
+    m_connectionDetail = result.detail;
+}
+
+void KeyRow::clearConnectionResult()
+{
+    m_connectionStatus.clear();
+    m_connectionDetail.clear();
+    m_connectionError.clear();
+    Q_EMIT changed();
+}
+
 void KeyRow::startOver()
 {
     emptyField();
     m_showKey = false;
     report({}, {});
-    m_connection.clearConnectionResult();
+    clearConnectionResult();
     refreshKeyState();
     Q_EMIT changed(); // what the placeholder and the page say depends on the provider
 }
@@ -227,11 +269,6 @@ void KeyRow::startOver()
 QString KeyRow::account() const
 {
     return Providers::keychainAccount(m_prefs.provider());
-}
-
-QString KeyRow::storedKey() const
-{
-    return account().isEmpty() ? QString() : m_keychain.read(account()).value.value_or(QString());
 }
 
 void KeyRow::emptyField()

@@ -5,16 +5,18 @@
 #include <QCoroTask>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 #include <stop_token>
 
-class ConnectionTest;
 class Keychain;
 class Pasteboard;
 class Prefs;
+class Transcriber;
 class Workspace;
 
-/// The rows that keep the user's own API key of the chosen provider.
+/// The rows that keep the user's own API key of the chosen provider, and ask the provider which models it
+/// serves, to take valid ones into use.
 class KeyRow final : public QObject
 {
     Q_OBJECT
@@ -25,19 +27,22 @@ class KeyRow final : public QObject
     Q_PROPERTY(QString keyError READ keyError NOTIFY changed)
     Q_PROPERTY(QString keyNotice READ keyNotice NOTIFY changed)
     Q_PROPERTY(bool keyStored READ keyStored NOTIFY changed)
-    Q_PROPERTY(QString keySuffix READ keySuffix NOTIFY changed)
     Q_PROPERTY(QString keyPlaceholder READ keyPlaceholder NOTIFY changed)
     Q_PROPERTY(QString consoleAddress READ consoleAddress NOTIFY changed)
+    Q_PROPERTY(QString connectionStatus READ connectionStatus NOTIFY changed)
+    Q_PROPERTY(QString connectionDetail READ connectionDetail NOTIFY changed)
+    Q_PROPERTY(QString connectionError READ connectionError NOTIFY changed)
+    Q_PROPERTY(bool testingConnection READ testingConnection NOTIFY changed)
 public:
-    struct Collaborators
+    struct Needs
     {
-        const Prefs &prefs;
+        Prefs &prefs;
         Keychain &keychain;
+        Transcriber &transcriber;
         Pasteboard &pasteboard;
         Workspace &workspace;
-        ConnectionTest &connection;
     };
-    explicit KeyRow(const Collaborators &with);
+    explicit KeyRow(const Needs &needs);
     ~KeyRow() override;
 
     /// What is typed; never the stored key.
@@ -62,8 +67,6 @@ public:
 
     /// Whether the keychain has yet to say if there is a key.
     bool isPending() const;
-    /// As far as is known now.
-    bool storedKeyExists() const;
     void refreshKeyState();
     /// Looks for a key that is not known; the owner of a closed keyring may be asked to open it.
     void lookForKey();
@@ -76,32 +79,37 @@ public:
     /// Opens the page where such keys are made.
     Q_INVOKABLE void openConsole();
 
+    /// The lines of the last test's result; empty without one.
+    const QString &connectionStatus() const { return m_connectionStatus; }
+    const QString &connectionDetail() const { return m_connectionDetail; }
+    const QString &connectionError() const { return m_connectionError; }
+    bool testingConnection() const { return m_testingConnection; }
+    /// A test that is under way is given up for the new one.
+    Q_INVOKABLE void testConnection();
+
     /// Forgets what was typed and said for the provider chosen before.
     void startOver();
-
-    static std::optional<Provider> wrongCredential(const QString &key, Provider provider)
-    {
-        return OwnKey::wrongCredential(key, provider);
-    }
 
 Q_SIGNALS:
     void changed();
 
 private:
     QString account() const;
-    QString storedKey() const;
     void emptyField();
     void report(const QString &error, const QString &notice);
     QCoro::Task<> takeFromClipboard();
     QCoro::Task<> save(QString key, QString account);
     QCoro::Task<> remove(QString account);
     QCoro::Task<int32_t> keep(QString key, QString account);
+    QCoro::Task<> test(Provider provider, std::stop_token stop);
+    void applyResolvedModels(const QStringList &available, Provider provider);
+    void clearConnectionResult();
 
-    const Prefs &m_prefs;
+    Prefs &m_prefs;
     Keychain &m_keychain;
+    Transcriber &m_transcriber;
     Pasteboard &m_pasteboard;
     Workspace &m_workspace;
-    ConnectionTest &m_connection;
 
     QString m_apiKey;
     bool m_showKey = false;
@@ -113,5 +121,10 @@ private:
     QString m_keySuffix;
     bool m_ignoreNextKeyChange = false;
     bool m_saving = false;
+    QString m_connectionStatus;
+    QString m_connectionDetail;
+    QString m_connectionError;
+    bool m_testingConnection = false;
+    std::stop_source m_test; // stopped when a newer test begins
     std::stop_source m_stop; // stopped when this object goes away
 };

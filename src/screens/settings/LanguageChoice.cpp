@@ -1,6 +1,5 @@
 #include "screens/settings/LanguageChoice.h"
 
-#include "preferences/Defaults.h"
 #include "preferences/Prefs.h"
 #include "preferences/SpokenLanguage.h"
 
@@ -17,12 +16,9 @@ QVariantMap entry(const QString &tag, const QString &text)
 
 } // namespace
 
-LanguageChoice::LanguageChoice(Defaults &defaults) : m_defaults(defaults)
+LanguageChoice::LanguageChoice(Prefs &prefs) : m_prefs(prefs)
 {
-    connect(&defaults, &Defaults::changed, this, [this](const QString &key) {
-        if (key == PrefsKey::language)
-            Q_EMIT changed();
-    });
+    connect(&prefs, &Prefs::languageChanged, this, &LanguageChoice::changed);
 }
 
 QVariantList LanguageChoice::entries()
@@ -36,35 +32,30 @@ QVariantList LanguageChoice::entries()
 
 QString LanguageChoice::selection() const
 {
-    return showsOther() ? otherTag : normalisedCode();
+    return showsOther() ? otherTag : code().trimmed().toLower();
 }
 
 void LanguageChoice::select(const QString &tag)
 {
     m_wantsOtherLanguage = tag == otherTag;
     if (!m_wantsOtherLanguage)
-        m_defaults.set(PrefsKey::language, tag);
+        m_prefs.language.set(tag);
     Q_EMIT changed();
 }
 
 bool LanguageChoice::showsOther() const
 {
-    return m_wantsOtherLanguage || !SpokenLanguage::isListed(normalisedCode());
+    return m_wantsOtherLanguage || !SpokenLanguage::isListed(code().trimmed().toLower());
 }
 
 QString LanguageChoice::code() const
 {
-    return m_defaults.textOrEmpty(PrefsKey::language);
+    return m_prefs.language();
 }
 
 void LanguageChoice::setCode(const QString &text)
 {
     m_wantsOtherLanguage = showsOther(); // the field stays while it is typed in, also when it is emptied
-    m_defaults.set(PrefsKey::language, text.trimmed().toLower());
+    m_prefs.language.set(text.trimmed().toLower());
     Q_EMIT changed(); // also when only what is typed differs from what is stored
-}
-
-QString LanguageChoice::normalisedCode() const
-{
-    return code().trimmed().toLower();
 }

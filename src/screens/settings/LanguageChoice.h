@@ -4,7 +4,7 @@
 #include <QString>
 #include <QVariantList>
 
-class Defaults;
+class Prefs;
 
 /// Which language the user dictates in: one of the list, or any other by its code.
 class LanguageChoice final : public QObject
@@ -16,7 +16,7 @@ class LanguageChoice final : public QObject
     Q_PROPERTY(bool showsOther READ showsOther NOTIFY changed)
     Q_PROPERTY(QString code READ code WRITE setCode NOTIFY changed)
 public:
-    explicit LanguageChoice(Defaults &defaults);
+    explicit LanguageChoice(Prefs &prefs);
 
     static QVariantList entries();
 
@@ -36,8 +36,6 @@ Q_SIGNALS:
     void changed();
 
 private:
-    QString normalisedCode() const;
-
-    Defaults &m_defaults;
+    Prefs &m_prefs;
     bool m_wantsOtherLanguage = false;
 };

@@ -1,25 +1,18 @@
 #include "screens/settings/ServiceAddress.h"
 
-#include "preferences/Defaults.h"
 #include "preferences/Prefs.h"
 
 using namespace Qt::StringLiterals;
 
-ServiceAddress::ServiceAddress(Defaults &defaults, const Prefs &prefs)
-    : m_defaults(defaults),
-      m_prefs(prefs),
-      m_serviceURLDraft(prefs.accountBaseURL())
+ServiceAddress::ServiceAddress(Prefs &prefs) : m_prefs(prefs), m_serviceURLDraft(prefs.accountBaseURL())
 {
-    connect(&defaults, &Defaults::changed, this,
-            [this, inUse = m_serviceURLDraft](const QString &key) mutable {
-                if (key != PrefsKey::accountBaseURL)
-                    return;
-                // Somebody else changed it: a field in which nothing was typed follows.
-                const bool isUntouched = m_serviceURLDraft == std::exchange(inUse, m_prefs.accountBaseURL());
-                if (isUntouched)
-                    show(inUse);
-                Q_EMIT changed();
-            });
+    connect(&prefs, &Prefs::accountBaseURLChanged, this, [this, inUse = m_serviceURLDraft]() mutable {
+        // Somebody else changed it: a field in which nothing was typed follows.
+        const bool isUntouched = m_serviceURLDraft == std::exchange(inUse, m_prefs.accountBaseURL());
+        if (isUntouched)
+            show(inUse);
+        Q_EMIT changed();
+    });
 }
 
 void ServiceAddress::setServiceURLDraft(const QString &text)
@@ -57,7 +50,7 @@ void ServiceAddress::resetServiceURL()
 void ServiceAddress::store(const QString &address)
 {
     m_serviceURLError.clear();
-    m_defaults.set(PrefsKey::accountBaseURL, address);
+    m_prefs.accountBaseURL.set(address);
     show(address);
     Q_EMIT changed();
 }

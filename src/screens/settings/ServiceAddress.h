@@ -3,7 +3,6 @@
 #include <QObject>
 #include <QString>
 
-class Defaults;
 class Prefs;
 
 /// The row that edits where the hosted service lives. Nothing is stored before it is applied.
@@ -14,7 +13,7 @@ class ServiceAddress final : public QObject
     Q_PROPERTY(QString serviceURLError READ serviceURLError NOTIFY changed)
     Q_PROPERTY(bool canApply READ canApply NOTIFY changed)
 public:
-    ServiceAddress(Defaults &defaults, const Prefs &prefs);
+    explicit ServiceAddress(Prefs &prefs);
 
     const QString &serviceURLDraft() const { return m_serviceURLDraft; }
     void setServiceURLDraft(const QString &text);
@@ -36,8 +35,7 @@ private:
     /// Fills the field on the program's behalf, which leaves the error alone.
     void show(const QString &address);
 
-    Defaults &m_defaults;
-    const Prefs &m_prefs;
+    Prefs &m_prefs;
     QString m_serviceURLDraft;
     QString m_serviceURLError;
     bool m_ignoreNextServiceURLChange = false;

@@ -39,22 +39,111 @@ Column {
                 name: rows.form.providerName
                 key: rows.form.key
             }
-            ConnectionRows {
-                name: rows.form.providerName
-                connection: rows.form.connection
+            Column {
+                width: parent ? parent.width : implicitWidth
+                spacing: Theme.labelSpacing
+
+                Button {
+                    text: qsTr("Test connection")
+                    help: qsTr("Asks %1 which models it serves. No audio is sent.").arg(rows.form.providerName)
+                    busy: rows.form.key.testingConnection
+                    enabled: !busy
+                    onClicked: rows.form.key.testConnection()
+                }
+                StatusLine {
+                    tone: StatusLine.Success
+                    text: rows.form.key.connectionStatus
+                }
+                Caption {
+                    width: parent.width
+                    visible: text !== ""
+                    text: rows.form.key.connectionDetail
+                }
+                StatusLine {
+                    tone: StatusLine.Failure
+                    text: rows.form.key.connectionError
+                }
             }
             Divider {
                 width: parent.width
             }
-            ModelRows {
-                form: rows.form
+            FormRow {
+                text: qsTr("Transcription model")
+
+                TextField {
+                    width: parent.width
+                    label: qsTr("Transcription model")
+                    text: rows.form.preferences.transcriptionModel
+                    onTextEdited: rows.form.preferences.transcriptionModel = text
+                }
+                Caption {
+                    width: parent.width
+                    text: rows.form.transcriptionCaption
+                }
+            }
+            FormRow {
+                text: qsTr("Cleanup model")
+
+                TextField {
+                    width: parent.width
+                    label: qsTr("Cleanup model")
+                    text: rows.form.preferences.chatModel
+                    onTextEdited: rows.form.preferences.chatModel = text
+                }
+                Caption {
+                    width: parent.width
+                    text: rows.form.cleanupCaption
+                }
+            }
+            Button {
+                text: qsTr("Reset to defaults")
+                onClicked: rows.form.resetModels()
             }
             Divider {
                 width: parent.width
             }
         }
     }
-    ServiceAddressRow {
-        service: rows.form.service
+    FormRow {
+        id: address
+
+        readonly property ServiceAddress service: rows.form.service
+
+        text: qsTr("Service URL")
+
+        Row {
+            width: parent.width
+            spacing: Theme.labelSpacing
+
+            TextField {
+                width: parent.width - apply.width - reset.width - 2 * parent.spacing
+                label: address.text
+                text: address.service.serviceURLDraft
+                failed: address.service.serviceURLError !== ""
+                inputMethodHints: Qt.ImhUrlCharactersOnly
+                onTextEdited: address.service.serviceURLDraft = text
+                onAccepted: address.service.applyServiceURL()
+            }
+            Button {
+                id: apply
+                text: qsTr("Apply")
+                enabled: address.service.canApply
+                onClicked: address.service.applyServiceURL()
+            }
+            Button {
+                id: reset
+                text: qsTr("Reset")
+                help: qsTr("Back to the address that Sayvane came with")
+                onClicked: address.service.resetServiceURL()
+            }
+        }
+        StatusLine {
+            tone: StatusLine.Failure
+            text: address.service.serviceURLError
+        }
+        Caption {
+            width: parent.width
+            text: qsTr("Where the Sayvane account lives, https only. Leave this alone unless you have been asked to change it.")
+        }
     }
 }

@@ -63,17 +63,17 @@ ScrollPane {
 
         PermissionRow {
             title: qsTr("Microphone")
-            granted: page.form.permissions.micGranted
-            onOpened: page.form.permissions.openMicrophonePane()
+            granted: page.form.micGranted
+            onOpened: page.form.openMicrophonePane()
         }
         PermissionRow {
             title: qsTr("Accessibility (hotkey + paste)")
-            granted: page.form.permissions.axTrusted
-            onOpened: page.form.permissions.openAccessibilityPane()
+            granted: page.form.axTrusted
+            onOpened: page.form.openAccessibilityPane()
         }
         StatusLine {
             tone: StatusLine.Warning
-            text: page.form.permissions.paneNotice
+            text: page.form.paneNotice
         }
         Caption {
             width: parent.width
@@ -87,6 +87,77 @@ ScrollPane {
             id: shortcut
             model: page.form.shortcut
             onHeightChanged: if (model.capturing) Qt.callLater(page.reveal, shortcut)
+        }
+    }
+
+    /// A part of a form: its name, if it has one, over a card with its rows.
+    component FormSection: Column {
+        id: section
+
+        default property alias items: card.items
+        property string title: ""
+
+        width: parent ? parent.width : implicitWidth
+        spacing: Theme.labelSpacing
+
+        SectionHeader {
+            visible: section.title !== ""
+            text: section.title
+        }
+        Card {
+            id: card
+            width: section.width
+        }
+    }
+
+    /// One permission: whether the system grants it, and the way to where it does.
+    component PermissionRow: Item {
+        id: row
+
+        property string title: ""
+        property bool granted: false
+
+        signal opened
+
+        width: parent ? parent.width : implicitWidth
+        implicitHeight: Theme.controlHeight
+
+        Label {
+            width: state.x - x - Theme.labelSpacing
+            anchors.verticalCenter: parent.verticalCenter
+            text: row.title
+            elide: Text.ElideRight
+            wrapMode: Text.NoWrap
+        }
+        Row {
+            id: state
+            anchors.right: open.left
+            anchors.rightMargin: Theme.rowSpacing
+            anchors.verticalCenter: parent.verticalCenter
+            spacing: 6
+            Accessible.role: Accessible.StaticText
+            Accessible.name: row.title + ": " + word.text
+
+            Rectangle {
+                anchors.verticalCenter: parent.verticalCenter
+                width: 8
+                height: 8
+                radius: 4
+                color: row.granted ? Theme.success : Theme.error
+            }
+            Label {
+                id: word
+                text: row.granted ? qsTr("Granted") : qsTr("Required")
+                color: row.granted ? Theme.secondary : Theme.error
+                Accessible.ignored: true
+            }
+        }
+        Button {
+            id: open
+            anchors.right: parent.right
+            text: qsTr("Open System Settings")
+            help: qsTr("Opens the system settings for %1").arg(row.title)
+            onClicked: row.opened()
         }
     }
 }

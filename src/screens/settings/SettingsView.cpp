@@ -1,11 +1,11 @@
 #include "screens/settings/SettingsView.h"
 
+#include "base/AccessibilityTrust.h"
 #include "base/Clock.h"
+#include "base/Microphone.h"
 #include "base/Platform.h"
-#include "preferences/Defaults.h"
+#include "base/Workspace.h"
 #include "preferences/Keychain.h"
-#include "preferences/Prefs.h"
-#include "screens/settings/ProviderTexts.h"
 
 #include <utility>
 
@@ -16,42 +16,32 @@ namespace {
 
 constexpr auto refreshInterval = 2s;
 
-Provider providerOf(const QString &rawValue)
-{
-    return Providers::fromRawValue(rawValue).value_or(Provider::sayvane);
-}
-
 } // namespace
 
-SettingsView::SettingsView(const SettingsCollaborators &with, QObject *parent)
+SettingsView::SettingsView(const Needs &needs, QObject *parent)
     : QObject(parent),
-      m_clock(with.platform.clock),
-      m_defaults(with.defaults),
-      m_prefs(with.prefs),
-      m_preferences(with.defaults),
-      m_account(with),
-      m_connection(with.prefs, with.transcriber),
-      m_key({.prefs = with.prefs,
-             .keychain = with.keychain,
-             .pasteboard = with.platform.pasteboard,
-             .workspace = with.platform.workspace,
-             .connection = m_connection}),
-      m_service(with.defaults, with.prefs),
-      m_language(with.defaults),
-      m_permissions(with.platform.microphone, with.platform.trust, with.platform.workspace),
-      m_shortcut(with.defaults, with.recorder, with.updateHotkey),
-      m_providerRaw(with.defaults.textOrEmpty(PrefsKey::provider))
+      m_platform(needs.platform),
+      m_prefs(needs.prefs),
+      m_account({.sessions = needs.sessions,
+                 .status = needs.accountStatus,
+                 .signIn = needs.signIn,
+                 .clock = needs.platform.clock,
+                 .workspace = needs.platform.workspace}),
+      m_key({.prefs = needs.prefs,
+             .keychain = needs.keychain,
+             .transcriber = needs.transcriber,
+             .pasteboard = needs.platform.pasteboard,
+             .workspace = needs.platform.workspace}),
+      m_service(needs.prefs),
+      m_language(needs.prefs),
+      m_shortcut(needs.prefs, needs.recorder, needs.updateHotkey),
+      m_provider(needs.prefs.provider())
 {
-    connect(&with.keychain, &Keychain::changed, this, [this] {
+    connect(&needs.keychain, &Keychain::changed, this, [this] {
         if (shown())
             decideOnOpen();
     });
-    connect(&m_defaults, &Defaults::changed, this, [this](const QString &key) {
-        if (key != PrefsKey::provider)
-            return;
-        const QString to = m_defaults.textOrEmpty(PrefsKey::provider);
-        providerChanged(std::exchange(m_providerRaw, to), to);
-    });
+    connect(&m_prefs, &Prefs::providerChanged, this, &SettingsView::providerChanged);
 }
 
 SettingsView::~SettingsView()
@@ -68,39 +58,44 @@ QVariantList SettingsView::providers()
     return all;
 }
 
-QString SettingsView::providerSelection() const
-{
-    return Providers::rawValue(m_prefs.provider());
-}
-
 void SettingsView::setProviderSelection(const QString &rawValue)
 {
-    m_defaults.set(PrefsKey::provider, rawValue);
-}
-
-QString SettingsView::providerName() const
-{
-    return Providers::displayName(m_prefs.provider());
-}
-
-bool SettingsView::usesOwnKey() const
-{
-    return !Providers::keychainAccount(m_prefs.provider()).isEmpty();
+    if (const auto provider = Providers::fromRawValue(rawValue))
+        m_prefs.provider.set(*provider);
 }
 
 QString SettingsView::advancedLabel() const
 {
-    return ProviderTexts::advancedLabel(m_prefs.provider());
+    return usesOwnKey() ? tr("Advanced: bring your own API key")
+                        : tr("Advanced: use your own API key instead");
 }
 
 QString SettingsView::transcriptionCaption() const
 {
-    return ProviderTexts::transcriptionCaption(m_prefs.provider());
+    switch (m_provider) {
+    case Provider::sayvane:
+        return {};
+    case Provider::groq:
+        return tr("whisper-large-v3-turbo: fastest and cheapest. whisper-large-v3: slightly more accurate.");
+    case Provider::openai:
+        return tr("gpt-4o-mini-transcribe: cheapest and fast. gpt-4o-transcribe: most accurate. whisper-1: "
+                  "classic.");
+    }
+    Q_UNREACHABLE();
 }
 
 QString SettingsView::cleanupCaption() const
 {
-    return ProviderTexts::cleanupCaption(m_prefs.provider());
+    switch (m_provider) {
+    case Provider::sayvane:
+        return {};
+    case Provider::groq:
+        return tr("openai/gpt-oss-120b: the default, best at telling an instruction from content. "
+                  "openai/gpt-oss-20b: cheaper and a little faster. Test connection picks a valid one.");
+    case Provider::openai:
+        return tr("gpt-4o-mini: cheap and fast. gpt-4.1-mini: stronger. Test connection picks a valid one.");
+    }
+    Q_UNREACHABLE();
 }
 
 void SettingsView::setShown(bool shown)
@@ -108,7 +103,7 @@ void SettingsView::setShown(bool shown)
     if (shown == this->shown())
         return;
     if (shown) {
-        m_ticker = m_clock.every(refreshInterval, [this] { refresh(); });
+        m_ticker = m_platform.clock.every(refreshInterval, [this] { refresh(); });
         refresh();
         m_key.lookForKey();
         m_account.lookForSession();
@@ -123,31 +118,28 @@ void SettingsView::setShown(bool shown)
 
 void SettingsView::resetModels()
 {
-    const Provider provider = m_prefs.provider();
-    m_preferences.setTranscriptionModel(Prefs::defaultModel(provider, ModelPurpose::transcription));
-    m_preferences.setChatModel(Prefs::defaultModel(provider, ModelPurpose::chat));
+    m_prefs.transcriptionModel.set(Prefs::defaultModel(m_provider, ModelPurpose::transcription));
+    m_prefs.chatModel.set(Prefs::defaultModel(m_provider, ModelPurpose::chat));
 }
 
-void SettingsView::providerChanged(const QString &from, const QString &to)
+void SettingsView::providerChanged()
 {
-    const Provider before = providerOf(from);
-    const Provider now = providerOf(to);
-    if (before == now)
+    const Provider before = std::exchange(m_provider, m_prefs.provider());
+    if (before == m_provider)
         return;
     if (usesOwnKey()) {
         // A model that the user typed is kept.
-        const auto replaced = [&](const QString &stored, ModelPurpose purpose) {
-            const QString model = stored.trimmed();
-            return model.isEmpty() || model == Prefs::defaultModel(before, purpose);
+        const auto adopt = [&](Prefs::Preference<QString> &preference, ModelPurpose purpose) {
+            const QString model = preference().trimmed();
+            if (model.isEmpty() || model == Prefs::defaultModel(before, purpose))
+                preference.set(Prefs::defaultModel(m_provider, purpose));
         };
-        if (replaced(m_preferences.transcriptionModel(), ModelPurpose::transcription))
-            m_preferences.setTranscriptionModel(Prefs::defaultModel(now, ModelPurpose::transcription));
-        if (replaced(m_preferences.chatModel(), ModelPurpose::chat))
-            m_preferences.setChatModel(Prefs::defaultModel(now, ModelPurpose::chat));
+        adopt(m_prefs.transcriptionModel, ModelPurpose::transcription);
+        adopt(m_prefs.chatModel, ModelPurpose::chat);
     }
     m_key.startOver();
     if (usesOwnKey() && !m_key.keyStored())
-        m_preferences.setAdvancedExpanded(true);
+        m_prefs.advancedExpanded.set(true);
     Q_EMIT changed();
 }
 
@@ -155,8 +147,8 @@ void SettingsView::autoExpandAdvancedIfNeeded()
 {
     if (m_key.isPending() || std::exchange(m_didAutoExpandAdvanced, true))
         return;
-    if (usesOwnKey() && !m_key.storedKeyExists())
-        m_preferences.setAdvancedExpanded(true);
+    if (usesOwnKey() && !m_key.keyStored())
+        m_prefs.advancedExpanded.set(true);
 }
 
 void SettingsView::decideOnOpen()
@@ -167,6 +159,29 @@ void SettingsView::decideOnOpen()
 
 void SettingsView::refresh()
 {
-    m_permissions.refresh();
+    const bool trusted = m_platform.trust.isTrusted();
+    const bool granted = m_platform.microphone.authorization() == Microphone::Authorization::authorized;
+    const bool isNews = trusted != m_axTrusted || granted != m_micGranted;
+    m_axTrusted = trusted;
+    m_micGranted = granted;
+    if (isNews)
+        Q_EMIT changed();
     m_key.refreshKeyState();
+}
+
+void SettingsView::openMicrophonePane()
+{
+    open(SettingsPane::microphone,
+         tr("This desktop has no settings page for the microphone. Look for its sound settings."));
+}
+
+void SettingsView::openAccessibilityPane()
+{
+    open(SettingsPane::accessibility, tr("This desktop has no settings page for accessibility."));
+}
+
+void SettingsView::open(SettingsPane pane, const QString &notice)
+{
+    m_paneNotice = m_platform.workspace.open(pane) ? QString() : notice;
+    Q_EMIT changed();
 }

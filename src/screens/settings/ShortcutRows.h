@@ -1,14 +1,12 @@
 #pragma once
 
-#include "preferences/HotkeySpec.h"
+#include "dictation/HotkeyRecorder.h"
+#include "preferences/Prefs.h"
 
 #include <QObject>
 #include <QString>
 
 #include <functional>
-
-class Defaults;
-class HotkeyRecorder;
 
 /// Shows the dictation shortcut, and lets the user choose another.
 class ShortcutRows final : public QObject
@@ -21,29 +19,27 @@ class ShortcutRows final : public QObject
     Q_PROPERTY(QString hint READ hint NOTIFY changed)
 public:
     /// `update` stores a shortcut and puts it in the place of the installed one.
-    ShortcutRows(const Defaults &defaults, HotkeyRecorder &recorder,
+    ShortcutRows(const Prefs &prefs, HotkeyRecorder &recorder,
                  std::function<void(const HotkeySpec &)> update);
 
     /// The stored shortcut as people read it.
-    QString shortcut() const { return spec().displayString(); }
-    bool usesFn() const { return spec().fn; }
-    bool capturing() const;
+    QString shortcut() const { return m_prefs.hotkeySpec().displayString(); }
+    bool usesFn() const { return m_prefs.hotkeySpec().fn; }
+    bool capturing() const { return m_recorder.capturing(); }
     /// The modifiers held while capturing.
-    QString pressed() const;
+    QString pressed() const { return m_recorder.pressed(); }
     /// Why the last key was refused; empty when none was.
-    QString hint() const;
+    QString hint() const { return m_recorder.hint().value_or(QString()); }
 
-    Q_INVOKABLE void change();
-    Q_INVOKABLE void cancel();
+    Q_INVOKABLE void change() { m_recorder.begin(); }
+    Q_INVOKABLE void cancel() { m_recorder.cancel(); }
     Q_INVOKABLE void resetToDefault();
 
 Q_SIGNALS:
     void changed();
 
 private:
-    HotkeySpec spec() const;
-
-    const Defaults &m_defaults;
+    const Prefs &m_prefs;
     HotkeyRecorder &m_recorder;
     std::function<void(const HotkeySpec &)> m_update;
 };

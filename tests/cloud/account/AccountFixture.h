@@ -4,7 +4,6 @@
 #include "cloud/account/AccountSessionStore.h"
 #include "cloud/account/AccountSignIn.h"
 #include "cloud/account/AccountStatus.h"
-#include "preferences/Defaults.h"
 #include "preferences/Keychain.h"
 #include "preferences/Prefs.h"
 #include "support/FakeMachine.h"
@@ -34,8 +33,7 @@ public:
     }
 
     FakeMachine machine;
-    Defaults defaults{machine.defaults};
-    Prefs prefs{defaults, QStringLiteral("https://service.test")};
+    Prefs prefs{machine.defaults, QStringLiteral("https://service.test")};
     Keychain keychain{machine.secrets};
     AccountSessionStore sessions{keychain};
     AccountStatus account{sessions, prefs};

@@ -78,7 +78,7 @@ void AccountSignInTest::signsInWithACode()
     QVERIFY(model().loadingDevices());
     http().answer(200, R"({"plan":"pro","remainingSeconds":120})");
     http().answer(200, R"([{"id":"1","device":"Desk","current":true}])");
-    QCOMPARE(m->account.property("remainingText").toString(), u"2 minutes"_s);
+    QCOMPARE(m->account.remainingSeconds(), 120);
     const QVariant device = model().property("devices").toList().value(0);
     QCOMPARE(device.metaType().metaObject()->property(1).readOnGadget(device.constData()).toString(), u"Desk"_s);
     QVERIFY(!model().loadingDevices() && waiting() == 0);

@@ -43,7 +43,7 @@ struct Fixture : AccountFixture
     Credentials credentials{keychain, sessions};
     LabsClient labs{client, credentials, machine.http, machine.clock};
     std::unique_ptr<LabsSession> session =
-        std::make_unique<LabsSession>(LabsSession::Collaborators{labs, account, defaults, prefs, machine.clock});
+        std::make_unique<LabsSession>(LabsSession::Collaborators{labs, account, prefs, machine.clock});
     std::unique_ptr<LabsAnswerMode> mode = std::make_unique<LabsAnswerMode>(prefs, machine.clock);
 };
 
@@ -109,9 +109,9 @@ void LabsTest::followsWhoIsSignedInWhere()
     QCOMPARE(offered() + m->session->providersError(), u"claude,chatgpt"_s);
 
     // Another service is asked at once, and the one from before no more.
-    m->defaults.set(PrefsKey::accountBaseURL, u"https://slow.test"_s);
+    m->prefs.accountBaseURL.set(u"https://slow.test"_s);
     QCOMPARE(offered(), QString());
-    m->defaults.set(PrefsKey::accountBaseURL, u"https://other.test"_s);
+    m->prefs.accountBaseURL.set(u"https://other.test"_s);
     QVERIFY(m->machine.http.waiting() == 1 && m->session->loadingProviders());
     QCOMPARE(m->machine.http.requests.last().url.host(), u"other.test"_s);
     m->machine.http.answer(200, R"({"claude":false,"chatgpt":true})");
@@ -146,7 +146,7 @@ void LabsTest::sendsTheQuestion()
     QCOMPARE(m->machine.http.requests.last().timeout, 45s);
     m->machine.http.answer(200, R"({"text":" \n"})");
     QCOMPARE(m->session->error(), u"Sayvane sent an empty answer back."_s);
-    m->defaults.set(u"language"_s, u" gu "_s);
+    m->prefs.language.set(u" gu "_s);
     m->session->setProperty("mode", u"rewrite"_s);
     m->session->setProperty("mode", u"sing"_s); // unknown: nothing changes
     m->session->setContext(u" "_s + u"é"_s.repeated(5000));

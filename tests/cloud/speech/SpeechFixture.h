@@ -3,7 +3,6 @@
 #include "cloud/account/AccountSessionStore.h"
 #include "cloud/account/AccountStatus.h"
 #include "cloud/account/Credentials.h"
-#include "preferences/Defaults.h"
 #include "preferences/Keychain.h"
 #include "preferences/Prefs.h"
 #include "cloud/speech/Transcriber.h"
@@ -35,6 +34,7 @@ public:
         : transcriber({prefs, credentials, sessions, account, network ? *network : machine.http, machine.clock})
     {
         choose(QStringLiteral("groq"));
+        set(QStringLiteral("vocabulary"), QString());
         QFile file(wav);
         if (file.open(QIODevice::WriteOnly))
             file.write(recording);
@@ -69,8 +69,7 @@ public:
     const QByteArray recording = QByteArray("RIFF\0\r\n--\xFFWAVE", 14);
     Machine machine;
     const QString wav = machine.folders.temporary() + QStringLiteral("/sayvane-test.wav");
-    Defaults defaults{machine.defaults};
-    Prefs prefs{defaults, QStringLiteral("https://service.test")};
+    Prefs prefs{machine.defaults, QStringLiteral("https://service.test")};
     Keychain keychain{machine.secrets};
     AccountSessionStore sessions{keychain};
     AccountStatus account{sessions, prefs};

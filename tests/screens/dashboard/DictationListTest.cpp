@@ -1,8 +1,8 @@
 #include "screens/dashboard/DictationListView.h"
 #include "history/HistoryFile.h"
 #include "history/HistoryStore.h"
-#include "preferences/Defaults.h"
 #include "base/AtomicFile.h"
+#include "preferences/Prefs.h"
 #include "support/FakeMachine.h"
 
 #include <QAbstractItemModelTester>
@@ -33,15 +33,15 @@ struct Fixture
     }
 
     FakeMachine machine;
+    Prefs prefs{machine.defaults, {}};
     std::optional<HistoryStore> m_store;
     HistoryStore &store() { return *m_store; }
-    Defaults defaults{machine.defaults};
     std::optional<DictationListView> m_view;
 
     DictationListView &view()
     {
         if (!m_view)
-            m_view.emplace(store(), defaults, machine.clock, machine.pasteboard);
+            m_view.emplace(store(), prefs, machine.clock, machine.pasteboard);
         return *m_view;
     }
     QUuid add(const QString &date, const QString &text, const std::optional<QString> &raw = {})
@@ -106,7 +106,7 @@ private Q_SLOTS:
         QFETCH(QString, search);
         QFETCH(QStringList, found);
         Fixture f;
-        f.defaults.set(u"hotkeySpec"_s, u"not JSON"_s);
+        f.machine.defaults.values.insert(u"hotkeySpec"_s, u"not JSON"_s);
         QCOMPARE(f.view().emptyTitle(), u"No dictations yet"_s);
         QCOMPARE(f.view().emptyHint(), u"Press Fn + Space anywhere to start."_s);
         f.add(u"2026-02-28T10:00:00Z"_s, u"Send the DRAFT"_s, u"um send the draft"_s);

@@ -6,7 +6,6 @@
 #include "screens/dashboard/Figure.h"
 #include "screens/dashboard/InsightsView.h"
 #include "history/HistoryStore.h"
-#include "preferences/Defaults.h"
 #include "preferences/Keychain.h"
 #include "preferences/Prefs.h"
 #include "support/FakeMachine.h"
@@ -24,14 +23,13 @@ struct Fixture
 {
     FakeMachine machine;
     Keychain keychain{machine.secrets};
-    Defaults defaults{machine.defaults};
-    Prefs prefs{defaults, u"https://service.test"_s};
+    Prefs prefs{machine.defaults, u"https://service.test"_s};
     AccountSessionStore sessions{keychain};
     Credentials credentials{keychain, sessions};
     HistoryStore store{machine.folders, machine.clock, machine.background};
     DashboardNavigation navigation;
-    DashboardView dashboard{{machine.clock, defaults, prefs, credentials, navigation}};
-    InsightsView insights{store, defaults, prefs, machine.clock};
+    DashboardView dashboard{{machine.clock, prefs, credentials, navigation}};
+    InsightsView insights{store, prefs, machine.clock};
 
     void add(const QString &date, double seconds, qint64 words, const std::optional<QString> &provider = {})
     {
@@ -95,7 +93,7 @@ private Q_SLOTS:
         QCOMPARE(f.insights.usage().footnotes().size(), 1);
 
         QSignalSpy changed(&f.insights, &InsightsView::changed);
-        f.defaults.set(u"provider"_s, u"groq"_s);
+        f.prefs.provider.set(Provider::groq);
         QCOMPARE(changed.count(), 1);
         const UsageCard usage = f.insights.usage();
         QCOMPARE(Fixture::texts(usage.monthFigures()).last(), u"under $0.01 estimate"_s);
@@ -142,13 +140,13 @@ private Q_SLOTS:
     void termsAreKeptInNormalForm()
     {
         Fixture f;
-        f.defaults.set(u"vocabulary"_s, u"a,, b ,\nc"_s);
-        DictionaryView view(f.defaults);
+        f.prefs.vocabularyTyped.set(u"a,, b ,\nc"_s);
+        DictionaryView view(f.prefs);
         QCOMPARE(view.terms(), (QStringList{u"a"_s, u"b"_s, u"c"_s}));
         const auto add = [&](const QString &term) {
             view.setNewTerm(term);
             view.add();
-            return f.defaults.textOrEmpty(u"vocabulary"_s);
+            return f.prefs.vocabularyTyped();
         };
         QCOMPARE(add(u" \n"_s), u"a,, b ,\nc"_s);
         QCOMPARE(view.newTerm(), u" \n"_s);
@@ -159,14 +157,14 @@ private Q_SLOTS:
         QCOMPARE(view.newTerm(), QString());
         QCOMPARE(add(u" Acme, Inc "_s), u"a, b, c, Acme  Inc"_s);
 
-        f.defaults.set(u"vocabulary"_s, u"b,x,a,b,B"_s); // changed elsewhere
+        f.prefs.vocabularyTyped.set(u"b,x,a,b,B"_s); // changed elsewhere
         QCOMPARE(view.rows()->stringList(), (QStringList{u"b"_s, u"x"_s, u"a"_s, u"b"_s, u"B"_s}));
         view.remove(u"b"_s);
-        QCOMPARE(f.defaults.textOrEmpty(u"vocabulary"_s), u"x, a, B"_s);
+        QCOMPARE(f.prefs.vocabularyTyped(), u"x, a, B"_s);
         QCOMPARE(view.rows()->stringList(), view.terms());
-        f.defaults.set(u"vocabulary"_s, u"x"_s);
+        f.prefs.vocabularyTyped.set(u"x"_s);
         view.remove(u"x"_s);
-        QCOMPARE(f.defaults.text(u"vocabulary"_s), QString());
+        QCOMPARE(f.prefs.vocabularyTyped(), QString());
         QVERIFY(view.isEmpty());
     }
 
@@ -183,14 +181,14 @@ private Q_SLOTS:
         QVERIFY(f.dashboard.hasCredential()); // as soon as the keyring tells of it
 
         f.dashboard.openSettings();
-        QVERIFY(!f.defaults.boolean(u"advancedExpanded"_s));
+        QVERIFY(!f.prefs.advancedExpanded());
         f.navigation.setSection(DashboardSection::insights);
-        f.defaults.set(u"provider"_s, u"groq"_s);
+        f.prefs.provider.set(Provider::groq);
         f.machine.clock.advance(2s);
         QVERIFY(!f.dashboard.hasCredential());
         QCOMPARE(f.dashboard.bannerMessage(), u"Add a transcription key under Settings, Advanced"_s);
         f.dashboard.openSettings();
-        QVERIFY(f.defaults.boolean(u"advancedExpanded"_s));
+        QVERIFY(f.prefs.advancedExpanded());
         QCOMPARE(f.navigation.section().rawValue(), u"settings"_s);
 
         f.machine.clock.advance(15h);

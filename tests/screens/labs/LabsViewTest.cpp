@@ -6,7 +6,6 @@
 #include "cloud/account/Credentials.h"
 #include "dictation/TextInserter.h"
 #include "cloud/labs/LabsClient.h"
-#include "preferences/Defaults.h"
 #include "preferences/Keychain.h"
 #include "preferences/Prefs.h"
 #include "support/FakeMachine.h"
@@ -26,14 +25,13 @@ struct Fixture
 {
     FakeMachine machine;
     Keychain keychain{machine.secrets};
-    Defaults defaults{machine.defaults};
-    Prefs prefs{defaults, u"https://service.test"_s};
+    Prefs prefs{machine.defaults, u"https://service.test"_s};
     AccountSessionStore sessions{keychain};
     AccountStatus status{sessions, prefs};
     Credentials credentials{keychain, sessions};
     AccountClient account{{prefs, sessions, status, machine.http, machine.clock}};
     LabsClient client{account, credentials, machine.http, machine.clock};
-    LabsSession session{{client, status, defaults, prefs, machine.clock}};
+    LabsSession session{{client, status, prefs, machine.clock}};
     LabsAnswerMode answerMode{prefs, machine.clock};
     TextInserter inserter{machine.pasteboard, machine.keyPoster, machine.trust, machine.presence, prefs, machine.clock};
     FlowState flow = FlowState::idle;
@@ -42,7 +40,7 @@ struct Fixture
     int settingsOpened = 0;
     LabsView view{{session,
                    answerMode,
-                   defaults,
+                   prefs,
                    machine.pasteboard,
                    inserter,
                    {[this] { return flow; }, [this](auto into) { capture = into; }, [this] { ++finished; }},
@@ -101,7 +99,7 @@ void LabsViewTest::isUsableWithTheHostedServiceAlone()
 {
     QFETCH(const QString, provider);
     QFETCH(const bool, usable);
-    m->defaults.set(PrefsKey::provider, provider);
+    m->machine.defaults.values.insert(u"provider"_s, provider);
     QCOMPARE(m->view.usable(), usable);
     m->view.appear();
     m->view.appear(); // once in a run
@@ -145,16 +143,16 @@ void LabsViewTest::selectsAnAssistantThatIsOffered()
     QFETCH(const QByteArray, offered);
     QFETCH(const QString, stored);
     QFETCH(const QString, notice);
-    m->defaults.set(PrefsKey::labsProvider, stored);
+    m->prefs.labsProvider.set(stored);
     m->offer(offered);
     QTEST(LabsProviderNames::rawValue(m->view.selectedProvider()), "selected");
     QCOMPARE(m->view.providersNotice(), notice);
     QCOMPARE(m->view.providers().isEmpty(), !notice.isEmpty());
-    QCOMPARE(m->defaults.textOrEmpty(PrefsKey::labsProvider), stored); // until the user picks
+    QCOMPARE(m->prefs.labsProvider(), stored); // until the user picks
     m->session.loadProviders();
     QVERIFY(m->view.providersNotice().isEmpty());
     m->view.selectProvider(u"chatgpt"_s);
-    QCOMPARE(m->defaults.textOrEmpty(PrefsKey::labsProvider), u"chatgpt"_s);
+    QCOMPARE(m->prefs.labsProvider(), u"chatgpt"_s);
 }
 
 void LabsViewTest::speaksOfTheMode()
@@ -179,7 +177,7 @@ void LabsViewTest::answerModeCanAlwaysBeLeft()
         m->answerMode.setEnabled(isOn);
         return m->view.canSwitchAnswerMode();
     };
-    m->defaults.set(PrefsKey::labsProvider, u"chatgpt"_s);
+    m->prefs.labsProvider.set(u"chatgpt"_s);
     QVERIFY(!switchable(false) && switchable(true));
     QVERIFY(m->view.answerModeCaption().contains(u"answered by ChatGPT and"_s)); // who is asked as things are
     m->offer(R"({"claude":true,"chatgpt":false})");
