@@ -3,7 +3,10 @@
 #include "base/AccessibilityTrust.h"
 #include "base/FloatingPanels.h"
 #include "base/KeyTap.h"
+#include "machine/gnome/GnomeConsent.h"
 #include "machine/gnome/GnomeKeyTaps.h"
+#include "machine/gnome/GnomeShortcuts.h"
+#include "machine/gnome/MutterKeyPoster.h"
 #include "machine/plasma/PlasmaKeyTaps.h"
 #include "machine/sway/SwayKeyTaps.h"
 #include "machine/wayland/WaylandConnection.h"
@@ -16,24 +19,26 @@
 #include <memory>
 
 class Appearance;
+class DefaultsStore;
 
 /// The way to the keys, the clipboard and the space above the windows: the first that this session offers,
 /// found by asking for it and not by a desktop's name.
 ///
-/// | | an X11 server of its own | a Wayland compositor |
-/// |---|---|---|
-/// | the shortcut | a grab; in GNOME one with Ctrl beside the logo key | sway's bindings, KWin's global
-/// shortcuts | | typing | XTEST | a virtual keyboard, KWin's fake input | | the clipboard | selections |
-/// data-control, else the selections of its X11 server, else our windows' | | the overlay | a window of its
-/// own | layer-shell, else notifications |
+/// | | an X11 server of its own | GNOME on Wayland | another Wayland compositor |
+/// |---|---|---|---|
+/// | the shortcut | a grab | a shortcut in its settings | sway's bindings, KWin's shortcuts |
+/// | typing | XTEST | mutter's remote control | a virtual keyboard, KWin's fake input |
+/// | the clipboard | selections | those of its guest X server | data-control, else as GNOME, else our
+/// windows' | | the overlay | a window of its own | one of its guest X server | layer-shell, else
+/// notifications |
 class DesktopAccess final : public AccessibilityTrust, public FloatingPanels
 {
 public:
-    /// The appearance outlives the panels.
-    explicit DesktopAccess(const Appearance &appearance);
+    /// What the user has allowed is kept in the store. The appearance outlives the panels.
+    DesktopAccess(DefaultsStore &store, const Appearance &appearance);
 
     bool isTrusted() const override;
-    bool isTrustedPrompting() override { return isTrusted(); }
+    bool isTrustedPrompting() override;
     bool canType() const override;
     std::unique_ptr<FloatingPanel> create(PanelContent &content) override;
 
@@ -46,6 +51,7 @@ public:
 
 private:
     Pasteboard &choosePasteboard();
+    bool isGnomeOnWayland() const;
 
     const Appearance &m_appearance;
     X11Desktop m_x11;
@@ -59,4 +65,8 @@ private:
     PlasmaKeyTaps m_plasma;
     bool m_isGnome = GnomeKeyTaps::isGnome();
     GnomeKeyTaps m_gnome{m_x11.keyTaps()};
+    GnomeConsent m_gnomeConsent;
+    GnomeShortcuts m_gnomeShortcuts;
+    GnomeKeyTaps m_gnomeOnWayland{m_gnomeShortcuts};
+    MutterKeyPoster m_mutter;
 };

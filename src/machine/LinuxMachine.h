@@ -41,13 +41,13 @@ public:
     X11Connection &x11() { return m_desktop.x11(); }
 
 private:
-    PortalAppearance m_appearance;
-    DesktopAccess m_desktop{m_appearance};
-    PulseConnection m_pulse; // begins to connect while the rest is made
     SystemClock m_clock;
     XdgFolders m_folders;
-    StatVolumes m_volumes;
     PreferencesFile m_defaults;
+    PortalAppearance m_appearance;
+    DesktopAccess m_desktop{m_defaults, m_appearance};
+    PulseConnection m_pulse; // begins to connect while the rest is made
+    StatVolumes m_volumes;
     SecretServiceStore m_secrets;
     HostName m_computerName;
     DesktopWorkspace m_workspace;

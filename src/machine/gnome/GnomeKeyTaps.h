@@ -5,13 +5,13 @@
 #include <QList>
 #include <QMutex>
 
-/// The keys of a GNOME session on X11. Its window manager holds the left logo key itself and hands no other
+/// The keys of a GNOME session. On X11 its window manager holds the left logo key itself and hands no other
 /// program what is pressed with it alone, and Super+Space changes the keyboard's language: what is Fn
 /// elsewhere is Ctrl and the logo key together here, whichever of them goes down first.
 class GnomeKeyTaps final : public KeyTaps
 {
 public:
-    /// Over the taps of the X server.
+    /// Over the taps that know the keys by their own names.
     explicit GnomeKeyTaps(KeyTaps &taps) : m_taps(taps) {}
 
     /// Whether GNOME's shell, or one of its kin, runs this session.

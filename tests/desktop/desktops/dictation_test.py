@@ -4,6 +4,7 @@ The main job, the same everywhere: the shortcut's key, speech, the key again, an
 in windows of three kinds; the overlay is seen, the clipboard is as it was, and the keyboard stays where it was.
 """
 
+import json
 import os
 import pathlib
 import signal
@@ -15,7 +16,7 @@ import unittest
 HERE = pathlib.Path(__file__).parent
 sys.path.append(str(HERE.parent / "program"))
 from panel_case import PanelCase
-from screen_reader import HOME, eventually
+from screen_reader import HOME, PREFERENCES, eventually, stored
 
 KEY = "leftctrl+leftmeta+space" if os.environ["XDG_CURRENT_DESKTOP"] == "GNOME" else "leftmeta+space"
 PICTURES = os.environ.get("DESKTOP_PICTURES")
@@ -31,6 +32,12 @@ def hands(*arguments):
 
 
 class DictationTest(PanelCase):
+    @classmethod
+    def prepare(cls):
+        super().prepare()
+        preferences = stored(PREFERENCES)
+        PREFERENCES.write_text(json.dumps({**preferences, "gnomeAccess": True}))
+
     def run_in(self, *command):
         window = subprocess.Popen(command)
         self.addCleanup(window.wait)
