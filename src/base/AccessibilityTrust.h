@@ -14,4 +14,7 @@ public:
 
     /// As `isTrusted`; where it is missing and the system has a way to ask the user, it is asked.
     virtual bool isTrustedPrompting() = 0;
+
+    /// Asks the user again, whatever was answered before; false where the system has no such question.
+    virtual bool askAgain() { return false; }
 };

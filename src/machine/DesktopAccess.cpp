@@ -39,6 +39,14 @@ bool DesktopAccess::isTrustedPrompting()
     return isTrusted();
 }
 
+bool DesktopAccess::askAgain()
+{
+    if (!isGnomeOnWayland() || m_gnomeConsent.isGiven())
+        return false;
+    m_gnomeConsent.askAgain();
+    return true;
+}
+
 bool DesktopAccess::canType() const
 {
     if (isGnomeOnWayland())

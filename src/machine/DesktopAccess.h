@@ -39,6 +39,7 @@ public:
 
     bool isTrusted() const override;
     bool isTrustedPrompting() override;
+    bool askAgain() override;
     bool canType() const override;
     std::unique_ptr<FloatingPanel> create(PanelContent &content) override;
 
@@ -66,7 +67,7 @@ private:
     bool m_isGnome = GnomeKeyTaps::isGnome();
     GnomeKeyTaps m_gnome{m_x11.keyTaps()};
     GnomeConsent m_gnomeConsent;
-    GnomeShortcuts m_gnomeShortcuts;
+    GnomeShortcuts m_gnomeShortcuts{m_gnomeConsent};
     GnomeKeyTaps m_gnomeOnWayland{m_gnomeShortcuts};
     MutterKeyPoster m_mutter;
 };

@@ -50,6 +50,13 @@ void GnomeConsent::ask()
     });
 }
 
+void GnomeConsent::askAgain()
+{
+    m_store.remove(key);
+    m_isAsking = false;
+    ask();
+}
+
 void GnomeConsent::answered(uint id, const QString &action)
 {
     if (id == m_question && (action == u"allow"_s || action == u"refuse"_s))

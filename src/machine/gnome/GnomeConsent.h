@@ -15,6 +15,8 @@ public:
     bool isGiven() const;
     /// Asks, unless there is an answer already or the question stands.
     void ask();
+    /// Asks, whatever was answered before.
+    void askAgain();
 
 private:
     Q_SLOT void answered(uint id, const QString &action);

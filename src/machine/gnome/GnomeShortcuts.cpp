@@ -1,6 +1,7 @@
 #include "machine/gnome/GnomeShortcuts.h"
 
 #include "machine/desktop/KeyPositions.h"
+#include "machine/gnome/GnomeConsent.h"
 
 #include <QDBusConnection>
 #include <QStringList>
@@ -102,7 +103,9 @@ private:
     Handler m_handler;
 };
 
-GnomeShortcuts::GnomeShortcuts() : m_list(settings(daemonSchema))
+GnomeShortcuts::GnomeShortcuts(const GnomeConsent &consent)
+    : m_consent(consent),
+      m_list(settings(daemonSchema))
 {
 }
 
@@ -114,7 +117,7 @@ GnomeShortcuts::~GnomeShortcuts()
 std::unique_ptr<KeyTap> GnomeShortcuts::install(std::span<const KeyChord> chords, Handler handler)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
-    if (m_tap || !isOffered() || !bus.isConnected())
+    if (m_tap || !m_consent.isGiven() || !isOffered() || !bus.isConnected())
         return nullptr;
     if (!m_guard) {
         QStringList letGo;

@@ -11,6 +11,8 @@
 #include <chrono>
 #include <memory>
 
+class GnomeConsent;
+
 /// Keys of a GNOME session on Wayland: custom shortcuts among the user's keyboard settings, for which the
 /// settings daemon runs a command that tells us. It takes the key for itself and tells of no release; held,
 /// it runs the command again and again.
@@ -21,7 +23,8 @@ class GnomeShortcuts final : public QObject, public KeyTaps
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "app.sayvane.Keys1")
 public:
-    GnomeShortcuts();
+    /// Nothing is written without the consent.
+    explicit GnomeShortcuts(const GnomeConsent &consent);
     ~GnomeShortcuts() override;
     Q_DISABLE_COPY_MOVE(GnomeShortcuts)
 
@@ -47,6 +50,7 @@ private:
     void write(const QString &action, const QString &binding);
     void list(const QString &action, bool isListed);
 
+    const GnomeConsent &m_consent;
     GlibPointer<GSettings> m_list; // the settings daemon's list of custom shortcuts
     QList<Entry> m_entries;
     Tap *m_tap = nullptr;

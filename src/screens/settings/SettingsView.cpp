@@ -177,6 +177,8 @@ void SettingsView::openMicrophonePane()
 
 void SettingsView::openAccessibilityPane()
 {
+    if (m_platform.trust.askAgain())
+        return;
     open(SettingsPane::accessibility, tr("This desktop has no settings page for accessibility."));
 }
 
