@@ -10,11 +10,13 @@ DesktopAccess::DesktopAccess(DefaultsStore &store, const Appearance &appearance)
     : m_appearance(appearance),
       m_waylandPasteboard(WaylandPasteboard::inThread()),
       m_pasteboard(choosePasteboard()),
-      m_waylandKeys(m_wayland,
-                    [this] {
-                        if (m_waylandPasteboard)
-                            m_waylandPasteboard->lendToPrimary();
-                    }),
+      m_waylandKeys(
+          m_wayland,
+          [this] {
+              if (m_waylandPasteboard)
+                  m_waylandPasteboard->lendToPrimary();
+          },
+          [this] { return m_plasma.restless(); }),
       m_gnomeConsent(store),
       m_mutter([this] { return m_x11.pasteboard().lendToPrimary(); })
 {

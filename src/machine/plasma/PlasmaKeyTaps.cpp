@@ -174,6 +174,17 @@ std::unique_ptr<KeyTap> PlasmaKeyTaps::install(std::span<const KeyChord> chords,
     return watch(chords) ? std::move(tap) : nullptr;
 }
 
+std::chrono::milliseconds PlasmaKeyTaps::restless() const
+{
+    // It is told of the first key that is let go; the others follow.
+    constexpr std::chrono::milliseconds lettingGo(150);
+    if (std::ranges::any_of(m_actions, &Action::isHeld))
+        return lettingGo;
+    const auto since = std::chrono::steady_clock::now() - m_released;
+    return std::max(std::chrono::milliseconds(0),
+                    lettingGo - std::chrono::duration_cast<std::chrono::milliseconds>(since));
+}
+
 bool PlasmaKeyTaps::watch(std::span<const KeyChord> chords)
 {
     QList<Action> wanted;
@@ -256,5 +267,6 @@ void PlasmaKeyTaps::released(const QString &, const QString &action, qlonglong)
     if (!m_tap || it == m_actions.end())
         return;
     it->isHeld = false;
+    m_released = std::chrono::steady_clock::now();
     m_tap->tell(KeyEventType::keyUp, it->chords.first());
 }

@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QString>
 
+#include <chrono>
 #include <memory>
 
 /// Keys of a Plasma session: global shortcuts that KWin holds for us (org.kde.KGlobalAccel). It takes the key
@@ -25,6 +26,9 @@ public:
 
     /// Whether KWin is there to hold them.
     bool isOpen() const { return m_isOpen; }
+
+    /// How long fingers may still be on the keys of the shortcut.
+    std::chrono::milliseconds restless() const;
 
     std::unique_ptr<KeyTap> install(std::span<const KeyChord> chords, Handler handler) override;
 
@@ -48,6 +52,7 @@ private:
     QDBusServiceWatcher m_watcher;
     bool m_isOpen = false;
     QList<Action> m_actions;
+    std::chrono::steady_clock::time_point m_released;
     Tap *m_tap = nullptr;
     std::unique_ptr<Guard> m_guard;
 };

@@ -4,9 +4,6 @@
 #include "base/PanelContent.h"
 #include "machine/wayland/WaylandConnection.h"
 
-#include <QAccessibleObject>
-#include <QGuiApplication>
-
 #include <algorithm>
 #include <cstring>
 #include <span>
@@ -23,39 +20,6 @@ namespace {
 
 constexpr int reach = PanelShadow::reach;
 constexpr double fractions = 120; // what the compositor counts fractional scales in
-
-/// The panel for screen readers: one notification.
-class AccessibleLayer final : public QAccessibleObject
-{
-public:
-    explicit AccessibleLayer(LayerPanel &panel) : QAccessibleObject(&panel), m_panel(panel) {}
-
-    static QAccessibleInterface *make(const QString &, QObject *object)
-    {
-        auto *panel = dynamic_cast<LayerPanel *>(object);
-        return panel ? new AccessibleLayer(*panel) : nullptr; // owned by Qt
-    }
-
-    QAccessibleInterface *parent() const override { return QAccessible::queryAccessibleInterface(qApp); }
-    QAccessibleInterface *child(int) const override { return nullptr; }
-    int childCount() const override { return 0; }
-    int indexOfChild(const QAccessibleInterface *) const override { return -1; }
-    QString text(QAccessible::Text kind) const override
-    {
-        return kind == QAccessible::Name ? m_panel.announcement() : QString();
-    }
-    QAccessible::Role role() const override { return QAccessible::Notification; }
-    QAccessible::State state() const override
-    {
-        QAccessible::State state;
-        state.invisible = !m_panel.isShown();
-        return state;
-    }
-    QRect rect() const override { return {}; }
-
-private:
-    LayerPanel &m_panel;
-};
 
 template <typename Object>
 void destroy(Object *&object, void (*end)(Object *))
@@ -156,8 +120,6 @@ LayerPanel::LayerPanel(PanelContent &content, WaylandConnection &connection, con
     for (const auto &output : m_outputs)
         scale = std::max(scale, output->scale);
     m_picture.setScale(scale);
-    QAccessible::installFactory(AccessibleLayer::make);
-    QAccessible::isActive(); // makes Qt look for screen readers; they would miss what is said before
     connect(&connection, &WaylandConnection::lost, this, &LayerPanel::hide);
 }
 
@@ -329,12 +291,6 @@ auto LayerPanel::freeBuffer() -> Buffer *
 
 void LayerPanel::announce(const QString &text)
 {
-    m_announcement = text;
-    if (!QAccessible::isActive())
-        return;
-    QAccessibleEvent renamed(this, QAccessible::NameChanged);
-    QAccessible::updateAccessibility(&renamed);
-    // Screen readers speak a notification when it appears.
-    QAccessibleEvent shown(this, QAccessible::ObjectShow);
-    QAccessible::updateAccessibility(&shown);
+    m_spoken.setShown(m_surface);
+    m_spoken.announce(text);
 }

@@ -2,6 +2,7 @@
 
 #include "base/FloatingPanel.h"
 #include "machine/desktop/PanelPicture.h"
+#include "machine/desktop/SpokenPanel.h"
 
 #include <QObject>
 #include <QSize>
@@ -48,10 +49,6 @@ public:
     void update(const QRect &part) override;
     void announce(const QString &text) override;
 
-    /// What a screen reader says of it.
-    const QString &announcement() const { return m_announcement; }
-    bool isShown() const { return m_surface; }
-
 private:
     class Buffer;
     struct Output
@@ -87,6 +84,6 @@ private:
     bool m_isChanged = false; // the picture is newer than what the compositor has
 
     PanelPicture m_picture;
-    QString m_announcement;
+    SpokenPanel m_spoken;
     std::array<std::unique_ptr<Buffer>, 3> m_buffers;
 };

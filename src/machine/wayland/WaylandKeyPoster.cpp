@@ -6,6 +6,8 @@
 #include <QCoroTimer>
 #include <QPointer>
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <optional>
 #include <utility>
@@ -24,8 +26,9 @@ namespace {
 
 constexpr uint32_t xkbOffset = 8; // of its key codes to the kernel's
 constexpr KeyChord commandV{.keyCode = 9, .flags = KeyFlags::command};
-// KWin counts what fingers still hold as part of what we type: they leave a shortcut within this time.
-constexpr auto fingersLeave = 150ms;
+// Who holds on longer gets the keys mixed.
+constexpr auto patience = 400ms;
+constexpr std::chrono::milliseconds pollInterval(10);
 
 struct Modifier
 {
@@ -197,9 +200,11 @@ private:
     uint32_t m_time = 1; // milliseconds that only have to rise
 };
 
-WaylandKeyPoster::WaylandKeyPoster(WaylandConnection &connection, LendToPrimary lendToPrimary)
+WaylandKeyPoster::WaylandKeyPoster(WaylandConnection &connection, LendToPrimary lendToPrimary,
+                                   Restless restless)
     : m_connection(connection),
       m_lendToPrimary(std::move(lendToPrimary)),
+      m_restless(std::move(restless)),
       m_active(connection)
 {
     if (connection.isOpen())
@@ -220,10 +225,15 @@ QCoro::Task<bool> WaylandKeyPoster::post(KeyChord chord, std::function<bool()> m
     if (!isUsable())
         co_return false;
     const QPointer self(this);
-    if (m_keyboard->mixesWithFingers()) {
-        co_await QCoro::sleepFor(fingersLeave);
+    std::chrono::milliseconds waited(0);
+    while (m_keyboard->mixesWithFingers() && waited < patience) {
+        const std::chrono::milliseconds wait = std::min(m_restless(), pollInterval);
+        if (wait <= 0ms)
+            break;
+        co_await QCoro::sleepFor(wait);
         if (!self)
             co_return false;
+        waited += wait;
     }
     xkb_keysym_t symbol = KeyPositions::symbol(chord.keyCode);
     quint64 flags = chord.flags;

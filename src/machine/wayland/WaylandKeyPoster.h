@@ -6,6 +6,7 @@
 
 #include <QObject>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -23,7 +24,11 @@ public:
     /// Offers what is on the clipboard as the PRIMARY selection too.
     using LendToPrimary = std::function<void()>;
 
-    WaylandKeyPoster(WaylandConnection &connection, LendToPrimary lendToPrimary);
+    /// How long fingers may still be on the keys of a shortcut; KWin counts what they hold as part of what we
+    /// type.
+    using Restless = std::function<std::chrono::milliseconds()>;
+
+    WaylandKeyPoster(WaylandConnection &connection, LendToPrimary lendToPrimary, Restless restless);
     ~WaylandKeyPoster() override;
     Q_DISABLE_COPY_MOVE(WaylandKeyPoster)
 
@@ -38,6 +43,7 @@ public:
 private:
     WaylandConnection &m_connection;
     LendToPrimary m_lendToPrimary;
+    Restless m_restless;
     ActiveWindow m_active;
     FocusedObject m_focus;
     std::unique_ptr<Keyboard> m_keyboard;

@@ -148,3 +148,9 @@ void XwaylandPanel::paint(const QRect &part)
     xcb_change_window_attributes(xcb, m_window, XCB_CW_BACK_PIXMAP, &m_pixmap);
     xcb_clear_area(xcb, false, m_window, 0, 0, 0, 0);
 }
+
+void XwaylandPanel::announce(const QString &text)
+{
+    m_spoken.setShown(m_window != XCB_WINDOW_NONE);
+    m_spoken.announce(text);
+}

@@ -2,6 +2,7 @@
 
 #include "base/FloatingPanel.h"
 #include "machine/desktop/PanelPicture.h"
+#include "machine/desktop/SpokenPanel.h"
 
 #include <xcb/xproto.h>
 
@@ -27,7 +28,7 @@ public:
     void show(const QRect &frame, double cornerRadius) override;
     void hide() override;
     void update(const QRect &part) override;
-    void announce(const QString &) override {}
+    void announce(const QString &text) override;
 
 private:
     void makeWindow();
@@ -41,4 +42,5 @@ private:
     xcb_gcontext_t m_context = XCB_NONE;
     xcb_colormap_t m_colormap = XCB_NONE;
     PanelPicture m_picture;
+    SpokenPanel m_spoken;
 };

@@ -57,7 +57,10 @@ class DictationTest(PanelCase):
             hands("key", "dot")
             time.sleep(0.3)
             return came()
-        eventually(tried, "the keyboard")
+        try:
+            eventually(tried, "the keyboard")
+        finally:
+            self.look("keyboard")
 
     def tap(self, state, seconds=0):
         hands("key", KEY, seconds)
@@ -66,8 +69,10 @@ class DictationTest(PanelCase):
     def dictate(self, words):
         self.assistant.spoken = words
         subprocess.run(COPY, input=BEFORE, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        time.sleep(1.5)  # what an earlier one has left there goes
+        before = self.look("before")
         self.tap("recording")
-        self.look("recording")
+        eventually(lambda: self.overlay_is_seen(before), "the overlay")
         self.speak()
         hands("key", KEY)
         eventually(lambda: self.status()["state"] == "idle", "the end")
@@ -75,16 +80,17 @@ class DictationTest(PanelCase):
                    "the clipboard as it was")
 
     def look(self, name):
-        """Dark pixels where the overlay stands, in the middle at the lower end."""
-        picture = f"{PICTURES or HOME}/{name}.png"
+        """A picture of where the overlay stands, in the middle at the lower end."""
+        hands("shot", f"{PICTURES or HOME}/{name}.png")
+        place = HOME / f"{name}-place.png"
+        subprocess.run(["convert", f"{PICTURES or HOME}/{name}.png", "-gravity", "south", "-crop", "200x120+0+0", "+repage",
+                        place], check=True)
+        return place
 
-        def dark():
-            hands("shot", picture)
-            shown = subprocess.run(["convert", picture, "-gravity", "south", "-crop", "170x100+0+0", "+repage", "-fill",
-                                    "white", "+opaque", "none", "-colorspace", "gray", "-threshold", "30%", "-format",
-                                    "%[fx:mean]", "info:"], capture_output=True, check=True, text=True).stdout
-            return float(shown) < 0.9
-        return dark()
+    def overlay_is_seen(self, before):
+        differing = subprocess.run(["compare", "-metric", "AE", "-fuzz", "10%", before, self.look("recording"), "null:"],
+                                   capture_output=True, check=False, text=True).stderr
+        return float(differing) > 4000  # of its 6,480
 
     def test_words_go_where_the_cursor_is(self):
         self.terminal()
