@@ -6,7 +6,6 @@
 #include "cli/Terminal.h"
 #include "screens/kit/ScreensLibrary.h"
 #include "base/Platform.h"
-#include "machine/DesktopDisplay.h"
 #include "machine/LinuxMachine.h"
 #include "machine/QuitSignals.h"
 #include "machine/Wording.h"
@@ -136,7 +135,7 @@ int main(int argc, char **argv)
         const QCoreApplication application(argc, argv);
         return runCommand(*asked);
     }
-    if (const QString objection = DesktopDisplay::objection(); !objection.isEmpty())
+    if (const QString objection = LinuxMachine::displayObjection(); !objection.isEmpty())
         return Terminal::complain(objection, ExitCode::noDisplay);
     QuitSignals quitSignals;
     QApplication application(argc, argv);

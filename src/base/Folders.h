@@ -2,6 +2,9 @@
 
 #include <QString>
 
+#include <cstdint>
+#include <optional>
+
 /// Where this user's files belong. The folders need not exist yet, except the temporary one.
 class Folders
 {
@@ -13,4 +16,14 @@ public:
 
     /// Where application data belongs; the program keeps its own in a folder "Sayvane" below it.
     virtual QString applicationSupport() const = 0;
+};
+
+/// The disks.
+class Volumes
+{
+public:
+    virtual ~Volumes() = default;
+
+    /// Bytes that this user can still write on the volume that holds the folder; none when unknown.
+    virtual std::optional<int64_t> availableCapacity(const QString &folder) const = 0;
 };

@@ -1,9 +1,33 @@
 #include "machine/LinuxMachine.h"
 
+#include "machine/desktop/NotificationPanel.h"
+
 #include <QGuiApplication>
 
+namespace {
+
+bool isOnWayland()
+{
+    return QGuiApplication::platformName().startsWith(u"wayland");
+}
+
+std::unique_ptr<FloatingPanels> panelsOf(X11Desktop &desktop)
+{
+    if (isOnWayland())
+        return std::make_unique<NotificationPanels>();
+    return std::make_unique<X11FloatingPanels>(desktop.connection());
+}
+
+} // namespace
+
+QString LinuxMachine::displayObjection()
+{
+    return WaylandConnection::answers() ? QString() : X11Connection::objection();
+}
+
 LinuxMachine::LinuxMachine(const Settings &settings)
-    : m_folders(settings.profile),
+    : m_panels(panelsOf(m_desktop)),
+      m_folders(settings.profile),
       m_defaults(m_folders.configuration(), m_clock),
       m_secrets(m_clock, settings.profile),
       m_http(settings.userAgent),
@@ -27,7 +51,7 @@ LinuxMachine::LinuxMachine(const Settings &settings)
                  .localKeys = m_windowKeys,
                  .activation = m_activation,
                  .appearance = m_appearance,
-                 .panels = m_panels,
+                 .panels = *m_panels,
                  .graphics = m_graphics,
                  .autostart = m_autostart,
                  .background = m_background,
@@ -41,7 +65,7 @@ Pasteboard &LinuxMachine::pasteboard()
 {
     if (m_waylandPasteboard)
         return *m_waylandPasteboard;
-    if (m_desktop.connection().isOpen() || !QGuiApplication::platformName().startsWith(u"wayland"))
+    if (m_desktop.connection().isOpen() || !isOnWayland())
         return m_desktop.pasteboard();
     m_windowPasteboard = std::make_unique<WindowPasteboard>();
     return *m_windowPasteboard;

@@ -1,29 +1,28 @@
 #pragma once
 
 #include "base/Platform.h"
-#include "machine/desktop/PasteboardThread.h"
-#include "machine/x11/X11FloatingPanels.h"
-#include "machine/sound/PulseConnection.h"
-#include "machine/sound/PulseMicrophone.h"
-#include "machine/sound/PulseSoundPlayer.h"
 #include "machine/desktop/DesktopActivation.h"
 #include "machine/desktop/DesktopPresence.h"
 #include "machine/desktop/DesktopWorkspace.h"
 #include "machine/desktop/DeviceGraphics.h"
 #include "machine/desktop/DiskThread.h"
 #include "machine/desktop/HostName.h"
-#include "machine/network/NetworkTransport.h"
+#include "machine/desktop/PasteboardThread.h"
 #include "machine/desktop/PortalAppearance.h"
 #include "machine/desktop/PreferencesFile.h"
 #include "machine/desktop/SecretServiceStore.h"
-#include "machine/desktop/StatVolumes.h"
 #include "machine/desktop/SystemClock.h"
 #include "machine/desktop/XdgAutostart.h"
 #include "machine/desktop/XdgFolders.h"
+#include "machine/network/NetworkTransport.h"
+#include "machine/sound/PulseConnection.h"
+#include "machine/sound/PulseMicrophone.h"
+#include "machine/sound/PulseSoundPlayer.h"
 #include "machine/wayland/WaylandPasteboard.h"
 #include "machine/x11/WindowKeys.h"
 #include "machine/x11/WindowPasteboard.h"
 #include "machine/x11/X11Desktop.h"
+#include "machine/x11/X11FloatingPanel.h"
 
 #include <QString>
 
@@ -41,6 +40,10 @@ public:
     };
     explicit LinuxMachine(const Settings &settings);
 
+    /// Why there is no display for windows, Wayland's or X11's, in one sentence for the user; empty when
+    /// there is one. Asked before anything depends on it.
+    static QString displayObjection();
+
     Platform &platform() { return m_platform; }
     X11Desktop &desktop() { return m_desktop; }
 
@@ -50,7 +53,7 @@ private:
     X11Desktop m_desktop;
     std::unique_ptr<PasteboardThread> m_waylandPasteboard = WaylandPasteboard::inThread();
     std::unique_ptr<WindowPasteboard> m_windowPasteboard; // where there is no other
-    X11FloatingPanels m_panels{m_desktop.connection()};
+    std::unique_ptr<FloatingPanels> m_panels;
     PulseConnection m_pulse; // begins to connect while the rest is made
     SystemClock m_clock;
     XdgFolders m_folders;

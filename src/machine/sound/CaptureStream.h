@@ -1,6 +1,6 @@
 #pragma once
 
-#include "machine/sound/LoopTimer.h"
+#include "machine/sound/PulseLoop.h"
 
 #include <QByteArrayView>
 

@@ -3,7 +3,6 @@
 #include "machine/desktop/PasteboardThread.h"
 #include "machine/wayland/ClipboardOffer.h"
 #include "machine/wayland/ClipboardSource.h"
-#include "machine/wayland/PipeReader.h"
 
 #include <QCoroSignal>
 #include <QPointer>

@@ -1,11 +1,11 @@
 #include "machine/x11/FocusedWindow.h"
 
-#include "machine/x11/WindowProperty.h"
 #include "machine/x11/X11Connection.h"
-#include "machine/x11/XcbReply.h"
 
 #include <QFile>
 #include <QList>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -41,7 +41,7 @@ qint64 pidOf(X11Connection &connection, xcb_window_t window)
 
 QByteArray commandOf(qint64 pid)
 {
-    QFile file(QStringLiteral("/proc/%1/comm").arg(pid));
+    QFile file(u"/proc/%1/comm"_s.arg(pid));
     return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
 }
 

@@ -6,6 +6,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 PipeVoice::PipeVoice(const QString &pipe) : m_pipe(open(QFile::encodeName(pipe).constData(), O_WRONLY | O_CLOEXEC))
 {
 }
@@ -17,8 +19,7 @@ PipeVoice::~PipeVoice()
 
 QString PipeVoice::microphone(const QString &name, const QString &pipe)
 {
-    return QStringLiteral("module-pipe-source source_name=%1 file=%2 format=s16le rate=16000 channels=1")
-        .arg(name, pipe);
+    return u"module-pipe-source source_name=%1 file=%2 format=s16le rate=16000 channels=1"_s.arg(name, pipe);
 }
 
 void PipeVoice::say(qsizetype count)

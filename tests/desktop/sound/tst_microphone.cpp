@@ -10,15 +10,17 @@
 #include <QTcpServer>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 using Authorization = Microphone::Authorization;
 
 namespace {
 
-const QString nullSink = QStringLiteral("module-null-sink sink_name=speaker norewinds=1");
+const QString nullSink = u"module-null-sink sink_name=speaker norewinds=1"_s;
 
 QStringList load(const QString &module)
 {
-    return QStringList{QStringLiteral("load-module")} << module.split(u' ');
+    return QStringList{u"load-module"_s} << module.split(u' ');
 }
 
 void writeCookie(const QString &path, char fill)
@@ -50,13 +52,13 @@ private Q_SLOTS:
         QFETCH(QByteArray, server);
         const QTemporaryDir folder;
         QLocalServer mute; // takes connections and says nothing
-        QVERIFY(mute.listen(folder.filePath(QStringLiteral("native"))));
+        QVERIFY(mute.listen(folder.filePath(u"native"_s)));
         qputenv("PULSE_SERVER", server.isEmpty() ? "unix:" + mute.fullServerName().toUtf8() : server);
         PulseConnection connection;
         PulseMicrophone microphone(connection);
         QVERIFY(!Awaited::inputDevice(microphone));
         QCOMPARE(microphone.authorization(), Authorization::authorized);
-        const auto recording = microphone.open(folder.filePath(QStringLiteral("a.wav")), {});
+        const auto recording = microphone.open(folder.filePath(u"a.wav"_s), {});
         QVERIFY(!Awaited::record(**recording));
         QVERIFY(!(*recording)->isRecording() && !(*recording)->loss());
     }
@@ -68,23 +70,23 @@ private Q_SLOTS:
         PulseMicrophone microphone(connection);
         QVERIFY(!Awaited::inputDevice(microphone)); // a monitor is none
         QCOMPARE(microphone.authorization(), Authorization::authorized);
-        const QString pipe = server.path(QStringLiteral("voice"));
-        server.control(load(PipeVoice::microphone(QStringLiteral("mic"), pipe)));
+        const QString pipe = server.path(u"voice"_s);
+        server.control(load(PipeVoice::microphone(u"mic"_s, pipe)));
         QTRY_VERIFY_WITH_TIMEOUT(Awaited::inputDevice(microphone), 5000);
-        server.control({QStringLiteral("unload-module"), QStringLiteral("module-pipe-source")});
+        server.control({u"unload-module"_s, u"module-pipe-source"_s});
         QTRY_VERIFY_WITH_TIMEOUT(!Awaited::inputDevice(microphone), 5000);
     }
 
     void aRealMicrophoneIsPreferredToAMonitor()
     {
         AudioServer server({nullSink});
-        const QString pipe = server.path(QStringLiteral("voice"));
-        server.control(load(PipeVoice::microphone(QStringLiteral("mic"), pipe)));
-        server.control({QStringLiteral("set-default-source"), QStringLiteral("speaker.monitor")});
+        const QString pipe = server.path(u"voice"_s);
+        server.control(load(PipeVoice::microphone(u"mic"_s, pipe)));
+        server.control({u"set-default-source"_s, u"speaker.monitor"_s});
         PulseConnection connection;
         PulseMicrophone microphone(connection);
         QVERIFY(Awaited::inputDevice(microphone));
-        const QString path = server.path(QStringLiteral("a.wav"));
+        const QString path = server.path(u"a.wav"_s);
         const auto recording = microphone.open(path, {});
         QVERIFY(Awaited::record(**recording));
         PipeVoice voice(pipe);
@@ -96,14 +98,14 @@ private Q_SLOTS:
     void aBusyMicrophoneRefuses()
     {
         const AudioServer server({});
-        server.control(load(PipeVoice::microphone(QStringLiteral("mic"), server.path(QStringLiteral("voice")))));
-        server.control({QStringLiteral("suspend-source"), QStringLiteral("mic"), QStringLiteral("1")});
+        server.control(load(PipeVoice::microphone(u"mic"_s, server.path(u"voice"_s))));
+        server.control({u"suspend-source"_s, u"mic"_s, u"1"_s});
         PulseConnection connection;
         PulseMicrophone microphone(connection);
         QVERIFY(Awaited::inputDevice(microphone));
-        const auto recording = microphone.open(server.path(QStringLiteral("a.wav")), {});
+        const auto recording = microphone.open(server.path(u"a.wav"_s), {});
         QVERIFY(!Awaited::record(**recording));
-        server.control({QStringLiteral("suspend-source"), QStringLiteral("mic"), QStringLiteral("0")});
+        server.control({u"suspend-source"_s, u"mic"_s, u"0"_s});
         QVERIFY(Awaited::record(**recording));
         QVERIFY((*recording)->isRecording());
     }
@@ -111,16 +113,15 @@ private Q_SLOTS:
     void aServerThatRefusesUsDeniesTheMicrophone()
     {
         const AudioServer server({nullSink});
-        const QString theirs = server.path(QStringLiteral("theirs"));
-        const QString ours = server.path(QStringLiteral("ours"));
+        const QString theirs = server.path(u"theirs"_s);
+        const QString ours = server.path(u"ours"_s);
         writeCookie(theirs, 'a');
         writeCookie(ours, 'b');
         QTcpServer free;
         QVERIFY(free.listen(QHostAddress::LocalHost));
         const QString port = QString::number(free.serverPort());
         free.close();
-        server.control(load(
-            QStringLiteral("module-native-protocol-tcp listen=127.0.0.1 port=%1 auth-cookie=%2").arg(port, theirs)));
+        server.control(load(u"module-native-protocol-tcp listen=127.0.0.1 port=%1 auth-cookie=%2"_s.arg(port, theirs)));
         qputenv("PULSE_SERVER", "tcp:127.0.0.1:" + port.toLatin1());
         qputenv("PULSE_COOKIE", QFile::encodeName(ours));
         PulseConnection connection;
@@ -136,8 +137,8 @@ private Q_SLOTS:
     void theConnectionComesBackWithTheServer()
     {
         const QTemporaryDir folder;
-        const QString pipe = folder.filePath(QStringLiteral("voice"));
-        AudioServer server({PipeVoice::microphone(QStringLiteral("mic"), pipe)});
+        const QString pipe = folder.filePath(u"voice"_s);
+        AudioServer server({PipeVoice::microphone(u"mic"_s, pipe)});
         PulseConnection connection;
         PulseMicrophone microphone(connection);
         QVERIFY(Awaited::inputDevice(microphone));
@@ -149,7 +150,7 @@ private Q_SLOTS:
         server.start();
         QTRY_COMPARE_WITH_TIMEOUT(connection.state(), PulseConnection::State::ready, 5000); // unasked
 
-        const QString path = server.path(QStringLiteral("a.wav"));
+        const QString path = server.path(u"a.wav"_s);
         const auto recording = microphone.open(path, {});
         QVERIFY(Awaited::record(**recording));
         PipeVoice voice(pipe);

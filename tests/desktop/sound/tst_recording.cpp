@@ -18,6 +18,8 @@
 #include <sndfile.h>
 #include <sys/resource.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr qsizetype header = 44;
@@ -69,8 +71,8 @@ struct PipeRoom
     }
 
     QTemporaryDir pipes;
-    QString pipe = pipes.filePath(QStringLiteral("voice"));
-    AudioServer server{{PipeVoice::microphone(QStringLiteral("mic"), pipe)}};
+    QString pipe = pipes.filePath(u"voice"_s);
+    AudioServer server{{PipeVoice::microphone(u"mic"_s, pipe)}};
     PipeVoice voice{pipe};
     std::unique_ptr<PulseConnection> connection;
     PulseMicrophone microphone;
@@ -85,12 +87,12 @@ private Q_SLOTS:
     {
         constexpr double pitch = 3000;
         constexpr double level = -43.01;
-        const AudioServer server({QStringLiteral("module-null-sink sink_name=speaker norewinds=1"),
-                                  QStringLiteral("module-remap-source source_name=mic master=speaker.monitor")});
+        const AudioServer server({u"module-null-sink sink_name=speaker norewinds=1"_s,
+                                  u"module-remap-source source_name=mic master=speaker.monitor"_s});
         PulseConnection connection;
         PulseMicrophone microphone(connection);
         QVERIFY(Awaited::inputDevice(microphone));
-        const auto recording = microphone.open(server.path(QStringLiteral("a.wav")), {});
+        const auto recording = microphone.open(server.path(u"a.wav"_s), {});
         QVERIFY(Awaited::record(**recording));
         const auto power = [&recording] {
             (*recording)->updateMeters();
@@ -98,14 +100,14 @@ private Q_SLOTS:
         };
         QCOMPARE(power(), -120.0);
 
-        const QString tone = server.path(QStringLiteral("tone.wav"));
+        const QString tone = server.path(u"tone.wav"_s);
         writeTone(tone, pitch, 0.01);
         QProcess player;
-        player.start(QStringLiteral("paplay"), {QStringLiteral("--device=speaker"), tone});
+        player.start(u"paplay"_s, {u"--device=speaker"_s, tone});
         QTRY_VERIFY_WITH_TIMEOUT(power() > level - 6, 5000);
 
         // Opened amid the tone, a recording has it from its first sample to its last.
-        const QString path = server.path(QStringLiteral("b.wav"));
+        const QString path = server.path(u"b.wav"_s);
         const auto inside = microphone.open(path, {});
         QVERIFY(Awaited::record(**inside));
         QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(path).size() > 16000, 5000);
@@ -146,9 +148,7 @@ private Q_SLOTS:
         const QString path = room.file("a.wav");
         QProcess recorder;
         recorder.start(QStringLiteral(RECORDER), {path});
-        QTRY_VERIFY_WITH_TIMEOUT(
-            room.server.control({QStringLiteral("list"), QStringLiteral("source-outputs")}).contains("Dictation"),
-            5000);
+        QTRY_VERIFY_WITH_TIMEOUT(room.server.control({u"list"_s, u"source-outputs"_s}).contains("Dictation"), 5000);
         for (int n = 1; n <= 6; ++n) {
             room.voice.say(8000);
             QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(path).size() >= header + qsizetype(n) * 16000, 5000);
@@ -170,7 +170,7 @@ private Q_SLOTS:
         auto recording = *room.microphone.open(room.file("a.wav"), {});
         room.server.halt();
         recording->record([&begun](bool isBegun) { begun = isBegun; });
-        player.play(QStringLiteral("Tink"));
+        player.play(u"Tink"_s);
         QVERIFY(!begun); // the call is over, and the server has not gone on
         QTRY_COMPARE_WITH_TIMEOUT(begun, std::optional(false), 5000);
         recording.reset();
@@ -211,10 +211,10 @@ private Q_SLOTS:
         };
         row("the server dies", [](PipeRoom &room) { room.server.kill(); });
         row("the microphone is unplugged", [](PipeRoom &room) {
-            room.server.control({QStringLiteral("unload-module"), QStringLiteral("module-pipe-source")});
+            room.server.control({u"unload-module"_s, u"module-pipe-source"_s});
         });
         row("the microphone is taken away", [](PipeRoom &room) {
-            room.server.control({QStringLiteral("suspend-source"), QStringLiteral("mic"), QStringLiteral("1")});
+            room.server.control({u"suspend-source"_s, u"mic"_s, u"1"_s});
         });
         row("the disk is full", [](PipeRoom &room) {
             limitFiles(rlim_t(header + 32000));
@@ -243,14 +243,13 @@ private Q_SLOTS:
     void anotherMicrophoneTakesOver()
     {
         PipeRoom room;
-        const QString other = room.pipes.filePath(QStringLiteral("other"));
-        room.server.control(QStringList{QStringLiteral("load-module")}
-                            << PipeVoice::microphone(QStringLiteral("headset"), other).split(u' '));
+        const QString other = room.pipes.filePath(u"other"_s);
+        room.server.control(QStringList{u"load-module"_s} << PipeVoice::microphone(u"headset"_s, other).split(u' '));
         const auto recording = room.start("a.wav");
         QVERIFY(recording);
         room.voice.say(1600);
         QTRY_COMPARE_WITH_TIMEOUT(QFileInfo(room.file("a.wav")).size(), header + 3200, 5000);
-        room.server.control({QStringLiteral("set-default-source"), QStringLiteral("headset")});
+        room.server.control({u"set-default-source"_s, u"headset"_s});
         PipeVoice voice(other);
         QTRY_VERIFY_WITH_TIMEOUT((voice.say(160), QFileInfo(room.file("a.wav")).size() > header + 3200), 5000);
         QVERIFY(recording->isRecording());

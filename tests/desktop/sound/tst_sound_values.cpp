@@ -1,6 +1,6 @@
 #include "desktop/sound/HeardSound.h"
-#include "machine/sound/InputSources.h"
-#include "machine/sound/LevelMeter.h"
+#include "machine/sound/PulseConnection.h"
+#include "machine/sound/PulseMicrophone.h"
 #include "machine/sound/WavFile.h"
 
 #include <QFile>
@@ -12,6 +12,8 @@
 #include <csignal>
 
 #include <sys/resource.h>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -47,7 +49,7 @@ private Q_SLOTS:
     void aGrowingFileIsAlwaysReadable()
     {
         const QTemporaryDir folder;
-        const QString path = folder.filePath(QStringLiteral("a.wav"));
+        const QString path = folder.filePath(u"a.wav"_s);
         std::expected<WavFile, QString> file = WavFile::create(path, 16000);
         QVERIFY(file.has_value());
         constexpr qsizetype step = 3777; // samples, a little less than a quarter of a second
@@ -71,7 +73,7 @@ private Q_SLOTS:
     {
         constexpr int kept = 40000;
         const QTemporaryDir folder;
-        const QString path = folder.filePath(QStringLiteral("a.wav"));
+        const QString path = folder.filePath(u"a.wav"_s);
         std::expected<WavFile, QString> file = WavFile::create(path, 16000);
         {
             const FullDisk disk{44 + kept + 1}; // in the middle of a sample

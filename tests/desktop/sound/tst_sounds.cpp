@@ -5,9 +5,11 @@
 #include <QProcess>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const QString nullSink = QStringLiteral("module-null-sink sink_name=speakers rate=48000 channels=1 norewinds=1");
+const QString nullSink = u"module-null-sink sink_name=speakers rate=48000 channels=1 norewinds=1"_s;
 
 /// What comes out of the loudspeakers.
 class Loudspeakers
@@ -15,9 +17,8 @@ class Loudspeakers
 public:
     Loudspeakers()
     {
-        m_ear.start(QStringLiteral("parec"), {QStringLiteral("--device=speakers.monitor"), QStringLiteral("--raw"),
-                                              QStringLiteral("--format=s16le"), QStringLiteral("--rate=48000"),
-                                              QStringLiteral("--channels=1"), QStringLiteral("--latency-msec=20")});
+        m_ear.start(u"parec"_s, {u"--device=speakers.monitor"_s, u"--raw"_s, u"--format=s16le"_s, u"--rate=48000"_s,
+                                 u"--channels=1"_s, u"--latency-msec=20"_s});
         QTRY_VERIFY_WITH_TIMEOUT(!heard().isEmpty(), 10000);
     }
 
@@ -55,17 +56,17 @@ private Q_SLOTS:
         PulseSoundPlayer player(connection, QStringLiteral(SOUNDS));
         {
             Loudspeakers loudspeakers;
-            player.play(QStringLiteral("Tink"));
+            player.play(u"Tink"_s);
             QTRY_VERIFY_WITH_TIMEOUT(!loudspeakers.areSilent(), 5000);
         }
         server.kill();
         QTRY_COMPARE_WITH_TIMEOUT(connection.state(), PulseConnection::State::absent, 5000);
-        player.play(QStringLiteral("Tink"));
+        player.play(u"Tink"_s);
         server.start();
         QTRY_COMPARE_WITH_TIMEOUT(connection.state(), PulseConnection::State::ready, 5000);
         Loudspeakers loudspeakers;
         QVERIFY(loudspeakers.areSilent());
-        player.play(QStringLiteral("Tink"));
+        player.play(u"Tink"_s);
         QTRY_VERIFY_WITH_TIMEOUT(!loudspeakers.areSilent(), 5000);
     }
 };

@@ -6,6 +6,7 @@
 
 #include <ctime>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 class SystemClockTest : public QObject
@@ -58,19 +59,19 @@ private Q_SLOTS:
         QStringList done; // read once the disk has finished
         QStringList told;
         auto context = std::make_unique<QObject>();
-        for (const QString &name : {QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")})
+        for (const QString &name : {u"a"_s, u"b"_s, u"c"_s})
             disk.run(
                 *context,
                 [&, name] {
                     slow.acquire();
-                    done += QThread::currentThread() == qApp->thread() ? QStringLiteral("main") : name;
+                    done += QThread::currentThread() == qApp->thread() ? u"main"_s : name;
                 },
                 [&, name] { told += name; });
         slow.release(2); // nothing above has waited for it
-        QTRY_COMPARE(told, (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
+        QTRY_COMPARE(told, (QStringList{u"a"_s, u"b"_s}));
         slow.release();
         disk.finish();
-        QCOMPARE(done, (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}));
+        QCOMPARE(done, (QStringList{u"a"_s, u"b"_s, u"c"_s}));
         context.reset(); // nobody is left to be told
         QCoreApplication::processEvents();
         QCOMPARE(told.size(), 2);

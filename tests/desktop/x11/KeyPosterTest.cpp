@@ -3,7 +3,7 @@
 #include "machine/x11/FocusedWindow.h"
 #include "machine/x11/SelectionOwner.h"
 #include "machine/x11/SelectionSender.h"
-#include "machine/x11/WindowProperty.h"
+#include "machine/x11/X11Connection.h"
 #include "machine/x11/X11Desktop.h"
 
 #include <QCoroTask>
@@ -14,6 +14,8 @@
 #include <QTest>
 
 #include <linux/input-event-codes.h>
+
+using namespace Qt::StringLiterals;
 
 Q_DECLARE_METATYPE(KeyChord)
 
@@ -36,8 +38,8 @@ class KeyPosterTest : public QObject
     /// Whether the window has seen Ctrl+V to its end.
     static bool hasPasted(const QStringList &log)
     {
-        static const QRegularExpression release(QStringLiteral("^-v .*Control"));
-        return log.indexOf(release) >= 0 && log.last().startsWith(QStringLiteral("-Control"));
+        static const QRegularExpression release(u"^-v .*Control"_s);
+        return log.indexOf(release) >= 0 && log.last().startsWith(u"-Control"_s);
     }
 
 private Q_SLOTS:
@@ -45,9 +47,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("layout");
         QTest::addColumn<int>("group");
-        QTest::addRow("dvorak") << QStringList{QStringLiteral("us"), QStringLiteral("dvorak")} << 0;
-        QTest::addRow("dvorak as the second group")
-            << QStringList{QStringLiteral("us,us"), QStringLiteral(",dvorak")} << 1;
+        QTest::addRow("dvorak") << QStringList{u"us"_s, u"dvorak"_s} << 0;
+        QTest::addRow("dvorak as the second group") << QStringList{u"us,us"_s, u",dvorak"_s} << 1;
     }
 
     void pasteIsControlAndTheKeyThatTypesV()
@@ -60,8 +61,7 @@ private Q_SLOTS:
         Typist typist;
         typist.lockGroup(static_cast<uint8_t>(group));
         QVERIFY(post(desktop, commandV));
-        const QStringList expected{QStringLiteral("+Control_L"), QStringLiteral("+v Control"),
-                                   QStringLiteral("-v Control"), QStringLiteral("-Control_L Control")};
+        const QStringList expected{u"+Control_L"_s, u"+v Control"_s, u"-v Control"_s, u"-Control_L Control"_s};
         QTRY_COMPARE(window.log().size(), 4);
         QCOMPARE(window.log(), expected);
         QVERIFY(!typist.isAnyKeyDown());
@@ -72,10 +72,10 @@ private Q_SLOTS:
         QTest::addColumn<QString>("layout");
         QTest::addColumn<int>("group");
         QTest::addColumn<QString>("expected");
-        QTest::addRow("in another group") << QStringLiteral("us,ru") << 1 << QStringLiteral("+Cyrillic_em Control");
+        QTest::addRow("in another group") << u"us,ru"_s << 1 << u"+Cyrillic_em Control"_s;
         // Editors of GTK and Qt do not take Ctrl+М for Ctrl+V.
-        QTest::addRow("in no group, Russian") << QStringLiteral("ru") << 0 << QStringLiteral("+Insert Shift");
-        QTest::addRow("in no group, Greek") << QStringLiteral("gr") << 0 << QStringLiteral("+Insert Shift");
+        QTest::addRow("in no group, Russian") << u"ru"_s << 0 << u"+Insert Shift"_s;
+        QTest::addRow("in no group, Greek") << u"gr"_s << 0 << u"+Insert Shift"_s;
     }
 
     void lettersWithoutVStillPaste()
@@ -99,12 +99,12 @@ private Q_SLOTS:
         QTest::addColumn<QList<int>>("held");
         QTest::addColumn<bool>("isReleasedInTime");
         QTest::addColumn<QString>("expected");
-        const QString plain = QStringLiteral("+v Control");
+        const QString plain = u"+v Control"_s;
         QTest::addRow("Super let go") << QList<int>{KEY_LEFTMETA} << true << plain;
         QTest::addRow("Super held on") << QList<int>{KEY_LEFTMETA} << false << plain;
         QTest::addRow("V itself held on") << QList<int>{KEY_V} << false << plain;
         QTest::addRow("Caps Lock on and Super held on")
-            << QList<int>{KEY_CAPSLOCK, KEY_LEFTMETA} << false << QStringLiteral("+v Lock Control");
+            << QList<int>{KEY_CAPSLOCK, KEY_LEFTMETA} << false << u"+v Lock Control"_s;
     }
 
     void heldModifiersAreWaitedForAndThenTakenOutOfTheWay()
@@ -126,7 +126,7 @@ private Q_SLOTS:
             QTimer::singleShot(50, &desktop.connection(), [&] { typist.release(held.last()); });
         QVERIFY(post(desktop, commandV));
         QTRY_VERIFY(hasPasted(window.log()));
-        QCOMPARE(window.log().filter(QRegularExpression(QStringLiteral("^[+]v .*Control"))), QStringList{expected});
+        QCOMPARE(window.log().filter(QRegularExpression(u"^[+]v .*Control"_s)), QStringList{expected});
         QVERIFY(!typist.isAnyKeyDown());
         // The fingers come up at last.
         for (const int key : held)
@@ -152,16 +152,14 @@ private Q_SLOTS:
         QTRY_COMPARE(fired, 1);
         QVERIFY(post(desktop, commandV));
         QTRY_VERIFY(hasPasted(window.log()));
-        const QStringList expected{QStringLiteral("+Super_L"),   QStringLiteral("-Super_L Mod4"),
-                                   QStringLiteral("+Control_L"), QStringLiteral("+v Control"),
-                                   QStringLiteral("-v Control"), QStringLiteral("-Control_L Control")};
+        const QStringList expected{u"+Super_L"_s,   u"-Super_L Mod4"_s, u"+Control_L"_s,
+                                   u"+v Control"_s, u"-v Control"_s,    u"-Control_L Control"_s};
         QCOMPARE(window.log(), expected);
         typist.release(KEY_LEFTMETA);
         typist.release(KEY_SPACE);
         typist.tap(KEY_SPACE);
-        QTRY_VERIFY(window.log().contains(QStringLiteral("-space")));
-        QCOMPARE(window.log().filter(QStringLiteral("space")),
-                 QStringList({QStringLiteral("+space"), QStringLiteral("-space")}));
+        QTRY_VERIFY(window.log().contains(u"-space"_s));
+        QCOMPARE(window.log().filter(u"space"_s), QStringList({u"+space"_s, u"-space"_s}));
         QVERIFY(!typist.isAnyKeyDown());
     }
 
@@ -204,8 +202,8 @@ private Q_SLOTS:
         });
         QVERIFY(tap);
         QVERIFY(post(desktop, commandV));
-        QTRY_VERIFY(window.log().filter(QRegularExpression(QStringLiteral("^-(Control|Shift)"))).size() > 0);
-        const QRegularExpression key(QStringLiteral("^[+](v|y|Insert) "));
+        QTRY_VERIFY(window.log().filter(QRegularExpression(u"^-(Control|Shift)"_s)).size() > 0);
+        const QRegularExpression key(u"^[+](v|y|Insert) "_s);
         QCOMPARE(window.log().filter(key), QStringList{expected});
         QCOMPARE(fired, 0);
     }
@@ -214,18 +212,18 @@ private Q_SLOTS:
     void aTerminalInsideAnotherProgramGetsItsKeystroke()
     {
         QProcess bus;
-        bus.start(QStringLiteral("/usr/libexec/at-spi-bus-launcher"), {QStringLiteral("--launch-immediately")});
+        bus.start(u"/usr/libexec/at-spi-bus-launcher"_s, {u"--launch-immediately"_s});
         X11Desktop desktop;
         Typist typist;
         const xcb_atom_t address = desktop.connection().atoms()["AT_SPI_BUS"];
         QTRY_VERIFY(!WindowProperty::read(desktop.connection(), desktop.connection().root(), address).bytes.isEmpty());
         QProcess program;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.remove(QStringLiteral("NO_AT_BRIDGE"));
+        environment.remove(u"NO_AT_BRIDGE"_s);
         program.setProcessEnvironment(environment);
-        program.start(QStringLiteral("/usr/bin/python3"), {QStringLiteral(SOURCE_FOLDER "/terminal_inside.py")});
+        program.start(u"/usr/bin/python3"_s, {QStringLiteral(SOURCE_FOLDER "/terminal_inside.py")});
         QTRY_COMPARE(FocusedWindow::read(desktop.connection()).className, "Terminal_inside.py");
-        const QStringList expected{QStringLiteral("entry Control+v"), QStringLiteral("terminal Control+Shift+v")};
+        const QStringList expected{u"entry Control+v"_s, u"terminal Control+Shift+v"_s};
         QByteArray seen;
         connect(&program, &QProcess::readyRead, &program, [&] { seen += program.readAll(); });
         for (const QString &line : expected) {
@@ -257,7 +255,7 @@ private Q_SLOTS:
     {
         QFETCH(const bool, isItsKeystrokeTheShortcut);
         const QTemporaryDir folder;
-        const QString path = folder.filePath(QStringLiteral("typed"));
+        const QString path = folder.filePath(u"typed"_s);
         X11Desktop desktop;
         Typist typist;
         const KeyChord shortcut{114, KeyFlags::shift};
@@ -272,11 +270,9 @@ private Q_SLOTS:
         other.own({{utf8, utf8, 8, "selected before"}});
 
         QProcess xterm;
-        xterm.start(QStringLiteral("xterm"),
-                    {QStringLiteral("-u8"), QStringLiteral("-e"), QStringLiteral("sh"), QStringLiteral("-c"),
-                     QStringLiteral("stty -icanon; cat > \"$0\""), path});
+        xterm.start(u"xterm"_s, {u"-u8"_s, u"-e"_s, u"sh"_s, u"-c"_s, u"stty -icanon; cat > \"$0\""_s, path});
         QTRY_VERIFY(FocusedWindow::read(desktop.connection()).className == "XTerm" && QFile::exists(path));
-        const QString text = QStringLiteral("naïve 😀 שלום, second");
+        const QString text = u"naïve 😀 שלום, second"_s;
         desktop.pasteboard().setString(text);
         QVERIFY(post(desktop, commandV));
         const auto typed = [&] {
@@ -287,8 +283,7 @@ private Q_SLOTS:
 
         desktop.pasteboard().setItems({});
         QProcess xclip;
-        xclip.start(QStringLiteral("xclip"),
-                    {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("primary")});
+        xclip.start(u"xclip"_s, {u"-o"_s, u"-selection"_s, u"primary"_s});
         QTRY_COMPARE(xclip.state(), QProcess::NotRunning);
         QCOMPARE(xclip.readAllStandardOutput(), "selected before");
         xterm.terminate();

@@ -3,7 +3,7 @@
 #include "machine/x11/SelectionOwner.h"
 #include "machine/x11/SelectionRead.h"
 #include "machine/x11/SelectionSender.h"
-#include "machine/x11/WindowProperty.h"
+#include "machine/x11/X11Connection.h"
 #include "machine/x11/X11Desktop.h"
 
 #include <QCoroTask>
@@ -15,6 +15,7 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 Q_DECLARE_METATYPE(UnrulyOwner::Manner)
@@ -27,8 +28,7 @@ class PasteboardTest : public QObject
     static QList<PasteboardItem> read(X11Desktop &desktop) { return QCoro::waitFor(desktop.pasteboard().items(1s)); }
 
     /// Of an UnrulyOwner.
-    const QStringList pictures{QStringLiteral("image/png"), QStringLiteral("image/bmp"), QStringLiteral("image/jpeg"),
-                               QStringLiteral("image/tiff")};
+    const QStringList pictures{u"image/png"_s, u"image/bmp"_s, u"image/jpeg"_s, u"image/tiff"_s};
 
     static QStringList types(const QList<PasteboardItem> &items)
     {
@@ -55,9 +55,7 @@ class PasteboardTest : public QObject
     static QByteArray pasted(const char *target)
     {
         QProcess xclip;
-        xclip.start(QStringLiteral("xclip"),
-                    {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
-                     QStringLiteral("-t"), QString::fromLatin1(target)});
+        xclip.start(u"xclip"_s, {u"-o"_s, u"-selection"_s, u"clipboard"_s, u"-t"_s, QString::fromLatin1(target)});
         QByteArray output;
         connect(&xclip, &QProcess::readyRead, &xclip, [&] { output += xclip.readAll(); });
         [[maybe_unused]] const bool ended =
@@ -69,15 +67,14 @@ class PasteboardTest : public QObject
     static void copy(const QByteArray &bytes, const char *target)
     {
         const QTemporaryDir folder;
-        QFile file(folder.filePath(QStringLiteral("bytes")));
+        QFile file(folder.filePath(u"bytes"_s));
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(bytes);
         file.close();
         QProcess xclip;
         xclip.setStandardOutputFile(QProcess::nullDevice());
-        xclip.start(QStringLiteral("xclip"),
-                    {QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
-                     QStringLiteral("-t"), QString::fromLatin1(target), file.fileName()});
+        xclip.start(u"xclip"_s,
+                    {u"-i"_s, u"-selection"_s, u"clipboard"_s, u"-t"_s, QString::fromLatin1(target), file.fileName()});
         QTRY_COMPARE(xclip.state(), QProcess::NotRunning);
     }
 
@@ -93,8 +90,8 @@ private Q_SLOTS:
     void textReachesOtherPrograms_data()
     {
         QTest::addColumn<QString>("text");
-        QTest::addRow("emoji and right to left") << QStringLiteral("👩‍👩‍👧 שלום العالم é");
-        QTest::addRow("800,000 characters") << QStringLiteral("Ünïcødé ").repeated(100000);
+        QTest::addRow("emoji and right to left") << u"👩‍👩‍👧 שלום العالم é"_s;
+        QTest::addRow("800,000 characters") << u"Ünïcødé "_s.repeated(100000);
     }
 
     void textReachesOtherPrograms()
@@ -126,7 +123,7 @@ private Q_SLOTS:
         const QList<PasteboardItem> items = read(desktop);
         QCOMPARE(items.size(), 1);
         QVERIFY(bytesOf(items, target.constData()) == bytes);
-        desktop.pasteboard().setString(QStringLiteral("dictated"));
+        desktop.pasteboard().setString(u"dictated"_s);
         desktop.pasteboard().setItems(items);
         QVERIFY(pasted(target.constData()) == bytes);
         QVERIFY(pasted("x-kde-passwordManagerHint").isEmpty());
@@ -142,19 +139,17 @@ private Q_SLOTS:
         const QList<xcb_atom_t> atoms = connection.atoms().of(
             {"text/html", "TEXT", "UTF8_STRING", "application/x-color", "PIXMAP", "text/uri-list"});
         const QByteArray html(700'000, 'h');
-        const QByteArray colour("\1\2\3\4\5\6\7\10", 8);
+        const QByteArray color("\1\2\3\4\5\6\7\10", 8);
         const SelectionContents contents{{atoms[0], atoms[0], 8, html},
                                          {atoms[1], atoms[2], 8, "text"},
-                                         {atoms[3], atoms[3], 16, colour},
+                                         {atoms[3], atoms[3], 16, color},
                                          {atoms[4], atoms[4], 32, QByteArray(4, '\1')},
                                          {atoms[5], atoms[5], 8, html}};
         other.own(contents);
         QTRY_VERIFY(desktop.pasteboard().changeCount() > 0);
         const QList<PasteboardItem> items = read(desktop);
-        const PasteboardItem expected{{QStringLiteral("text/html"), html},
-                                      {QStringLiteral("TEXT"), "text"},
-                                      {QStringLiteral("application/x-color"), colour},
-                                      {QStringLiteral("text/uri-list"), html}};
+        const PasteboardItem expected{
+            {u"text/html"_s, html}, {u"TEXT"_s, "text"}, {u"application/x-color"_s, color}, {u"text/uri-list"_s, html}};
         QCOMPARE(items, QList<PasteboardItem>{expected});
 
         desktop.pasteboard().setItems(items);
@@ -168,7 +163,7 @@ private Q_SLOTS:
         QCOMPARE(restored.size(), 4);
         QCOMPARE(restored[1].type, atoms[2]);
         QCOMPARE(restored[2].format, 16);
-        QCOMPARE(restored[2].bytes, colour);
+        QCOMPARE(restored[2].bytes, color);
         QVERIFY(restored[3].bytes == html);
     }
 
@@ -176,8 +171,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<UnrulyOwner::Manner>("manner");
         QTest::addColumn<QStringList>("kept");
-        const QStringList good{QStringLiteral("UTF8_STRING")};
-        QTest::addRow("slow") << UnrulyOwner::Manner::slow << good + pictures + QStringList{QStringLiteral("TEXT")};
+        const QStringList good{u"UTF8_STRING"_s};
+        QTest::addRow("slow") << UnrulyOwner::Manner::slow << good + pictures + QStringList{u"TEXT"_s};
         QTest::addRow("silent") << UnrulyOwner::Manner::silent << QStringList();
         QTest::addRow("silent after the first format") << UnrulyOwner::Manner::halfSilent << good;
         QTest::addRow("dies halfway") << UnrulyOwner::Manner::diesHalfway << good;
@@ -193,7 +188,7 @@ private Q_SLOTS:
         const UnrulyOwner owner(manner);
         QCOMPARE(types(read(desktop)), kept); // it comes back at all
         // And nothing of it disturbs what comes next.
-        desktop.pasteboard().setString(QStringLiteral("next"));
+        desktop.pasteboard().setString(u"next"_s);
         QCOMPARE(pasted("UTF8_STRING"), "next");
     }
 
@@ -203,7 +198,7 @@ private Q_SLOTS:
         QTest::addColumn<bool>("isOurs");
         QTest::addColumn<bool>("isTheirs"); // afterwards
         QTest::addColumn<QStringList>("kept");
-        const QStringList asked = QStringList{QStringLiteral("UTF8_STRING")} + pictures;
+        const QStringList asked = QStringList{u"UTF8_STRING"_s} + pictures;
         QTest::addRow("ours") << true << false << asked;
         QTest::addRow("ours and then another program's") << true << true << asked;
         QTest::addRow("another program's") << false << true << QStringList();
@@ -219,7 +214,7 @@ private Q_SLOTS:
         const QCoro::Task<QList<PasteboardItem>> reading = desktop.pasteboard().items(5s);
         QTRY_VERIFY(owner.isAsked());
         if (isOurs)
-            desktop.pasteboard().setString(QStringLiteral("ours"));
+            desktop.pasteboard().setString(u"ours"_s);
         if (isTheirs)
             copy("theirs", "text/html");
         const QList<PasteboardItem> items = QCoro::waitFor(reading);
@@ -233,7 +228,7 @@ private Q_SLOTS:
         X11Desktop desktop;
         Pasteboard &pasteboard = desktop.pasteboard();
         const qint64 start = pasteboard.changeCount();
-        pasteboard.setString(QStringLiteral("one"));
+        pasteboard.setString(u"one"_s);
         const qint64 own = pasteboard.changeCount();
         QVERIFY(own > start);
         const qint64 reads = pasteboard.readCount();
@@ -262,13 +257,13 @@ private Q_SLOTS:
         const xcb_atom_t utf8 = connection.atoms()["UTF8_STRING"];
         other.own({{utf8, utf8, 8, "theirs"}});
         connection.atoms()["theirs stands"];
-        desktop.pasteboard().setString(QStringLiteral("ours"));
+        desktop.pasteboard().setString(u"ours"_s);
         const qint64 count = desktop.pasteboard().changeCount();
         QCOMPARE(pasted("UTF8_STRING"), "ours");
         QCOMPARE(desktop.pasteboard().changeCount(), count);
 
         // Just after is another matter.
-        desktop.pasteboard().setString(QStringLiteral("ours again"));
+        desktop.pasteboard().setString(u"ours again"_s);
         desktop.connection().atoms()["ours stands"];
         other.own({{utf8, utf8, 8, "theirs again"}});
         QTRY_COMPARE(desktop.pasteboard().changeCount(), count + 2);
@@ -278,7 +273,7 @@ private Q_SLOTS:
     void theClipboardIsLeftToAManagerAtTheEnd()
     {
         const ClipboardKeeper keeper;
-        const QString text = QStringLiteral("kept ").repeated(100000);
+        const QString text = u"kept "_s.repeated(100000);
         {
             X11Desktop desktop;
             desktop.pasteboard().setString(text);
@@ -290,7 +285,7 @@ private Q_SLOTS:
     void severalFormatsAreDeliveredInOneRequest()
     {
         X11Desktop desktop;
-        desktop.pasteboard().setString(QStringLiteral("text"));
+        desktop.pasteboard().setString(u"text"_s);
         X11Connection connection;
         const xcb_window_t window = connection.createWindow(0);
         const QList<xcb_atom_t> atoms =

@@ -1,6 +1,6 @@
 #include "desktop/x11/Typist.h"
 
-#include "machine/x11/XcbReply.h"
+#include "machine/x11/X11Connection.h"
 #include "machine/x11/XkbProtocol.h"
 
 #include <QProcess>
@@ -9,11 +9,12 @@
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
+using namespace Qt::StringLiterals;
+
 Typist::Typist() : m_keyboard(m_connection)
 {
     QProcess lookUp;
-    lookUp.start(QStringLiteral("xinput"),
-                 {QStringLiteral("list"), QStringLiteral("--id-only"), QStringLiteral("keyboard:Xvfb keyboard")});
+    lookUp.start(u"xinput"_s, {u"list"_s, u"--id-only"_s, u"keyboard:Xvfb keyboard"_s});
     lookUp.waitForFinished();
     m_device = static_cast<uint8_t>(lookUp.readAll().trimmed().toUInt());
     m_firstEvent = xcb_get_extension_data(m_connection.xcb(), &xcb_input_id)->first_event;
@@ -31,7 +32,7 @@ Typist::~Typist()
     if (lockedModifiers() & XCB_MOD_MASK_2)
         tap(KEY_NUMLOCK);
     lockGroup(0);
-    setLayout({QStringLiteral("us"), QStringLiteral("-option"), QString()});
+    setLayout({u"us"_s, u"-option"_s, QString()});
 }
 
 void Typist::press(int evdevKey)
@@ -65,7 +66,7 @@ void Typist::lockGroup(uint8_t group)
 
 void Typist::setLayout(const QStringList &arguments)
 {
-    QProcess::execute(QStringLiteral("setxkbmap"), arguments);
+    QProcess::execute(u"setxkbmap"_s, arguments);
 }
 
 void Typist::fake(uint8_t event, int evdevKey)
