@@ -88,6 +88,11 @@ QCoro::Task<QList<PasteboardItem>> FakePasteboard::items(std::chrono::millisecon
 {
     ++asked;
     const QList<PasteboardItem> there = contents;
+    const auto answer = std::make_shared<Completion<bool>>(); // of the clipboard's own thread
+    QMetaObject::invokeMethod(
+        &m_thread, [answer] { answer->complete(true); }, Qt::QueuedConnection);
+    const Completion<bool>::Awaiter awaiter{answer.get()};
+    co_await awaiter;
     const bool isSlow = !ours && ownerNeeds.count() > 0;
     if (isSlow) {
         const std::stop_token never;

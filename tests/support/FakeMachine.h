@@ -150,6 +150,7 @@ private:
     }
 
     Clock &m_clock;
+    QObject m_thread; // whose answers come later
 };
 
 /// Notes what is typed.

@@ -3,6 +3,8 @@
 #include "base/Completion.h"
 #include "base/HttpTransport.h"
 
+#include <QObject>
+
 #include <deque>
 #include <memory>
 
@@ -25,13 +27,14 @@ public:
     }
 
     /// How many requests wait for an answer, warm-ups left out.
-    int waiting() const;
+    int waiting();
 
     /// Every request so far, warm-ups apart.
     QList<HttpRequest> requests;
     QList<HttpRequest> warmUps;
 
 private:
+    QObject m_loop; // whose events tell of a stop
     std::deque<Result> m_prepared;
     std::deque<std::shared_ptr<Completion<Result>>> m_waiting;
 };

@@ -215,6 +215,7 @@ void SettingsViewTest::pastesAKeyThatIsNotYetSaved()
     m->machine.pasteboard.contents = clipboard;
     KeyRow &row = *m->form().key();
     row.pasteKey();
+    QCoreApplication::processEvents();
     QCOMPARE(row.apiKey(), field);
     QCOMPARE(row.keyFieldFocused(), !field.isEmpty());
     QCOMPARE(row.keyNotice(), field.isEmpty() ? u"The clipboard has no text on it."_s : QString());
@@ -462,5 +463,5 @@ void SettingsViewTest::choosesAShortcut()
     QVERIFY(!rows.capturing());
 }
 
-QTEST_APPLESS_MAIN(SettingsViewTest)
+QTEST_GUILESS_MAIN(SettingsViewTest)
 #include "SettingsViewTest.moc"
