@@ -1,9 +1,6 @@
 #include "desktop/x11/Typist.h"
 
-#include "machine/x11/X11Connection.h"
 #include "machine/x11/XkbProtocol.h"
-
-#include <QProcess>
 
 #include <linux/input-event-codes.h>
 #include <xcb/xinput.h>
@@ -35,22 +32,6 @@ Typist::~Typist()
     setLayout({u"us"_s, u"-option"_s, QString()});
 }
 
-void Typist::press(int evdevKey)
-{
-    fake(XCB_KEY_PRESS, evdevKey);
-}
-
-void Typist::release(int evdevKey)
-{
-    fake(XCB_KEY_RELEASE, evdevKey);
-}
-
-void Typist::tap(int evdevKey)
-{
-    press(evdevKey);
-    release(evdevKey);
-}
-
 uint16_t Typist::lockedModifiers() const
 {
     const auto cookie = xcb_xkb_get_state(m_connection.xcb(), XCB_XKB_ID_USE_CORE_KBD);
@@ -62,11 +43,6 @@ void Typist::lockGroup(uint8_t group)
 {
     xcb_xkb_latch_lock_state(m_connection.xcb(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, true, group, 0, 0, 0);
     m_keyboard.group(); // the answer comes after the change
-}
-
-void Typist::setLayout(const QStringList &arguments)
-{
-    QProcess::execute(u"setxkbmap"_s, arguments);
 }
 
 void Typist::fake(uint8_t event, int evdevKey)
