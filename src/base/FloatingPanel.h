@@ -28,7 +28,7 @@ class FloatingPanel
 public:
     virtual ~FloatingPanel() = default;
 
-    /// What panels and docks leave free of the main screen, the one that the user works on; none without a
+    /// What docks leave free of the main screen, the one that the user works on; none without a
     /// screen.
     virtual std::optional<QRect> visibleFrame() const = 0;
     /// Whether the user asked the desktop for less motion.

@@ -46,8 +46,7 @@ public:
     GlibThread();
     /// Waits for the work that was handed over before.
     ~GlibThread();
-    GlibThread(const GlibThread &) = delete;
-    GlibThread &operator=(const GlibThread &) = delete;
+    Q_DISABLE_COPY_MOVE(GlibThread)
 
     /// Hands work over; it is done in the order of the calls.
     void run(std::function<void()> work);

@@ -84,8 +84,7 @@ public:
 
     explicit KeyringSession(Listener listener);
     ~KeyringSession();
-    KeyringSession(const KeyringSession &) = delete;
-    KeyringSession &operator=(const KeyringSession &) = delete;
+    Q_DISABLE_COPY_MOVE(KeyringSession)
 
     Answer<Items> search(Attributes attributes);
 

@@ -63,8 +63,7 @@ public:
 
     PulseConnection();
     ~PulseConnection();
-    PulseConnection(const PulseConnection &) = delete;
-    PulseConnection &operator=(const PulseConnection &) = delete;
+    Q_DISABLE_COPY_MOVE(PulseConnection)
 
     /// Where things stand. From any thread, as `hasInput` and `isRefused`.
     State state() const { return m_state; }

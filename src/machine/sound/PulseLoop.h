@@ -23,8 +23,7 @@ public:
 
     PulseLoop();
     ~PulseLoop();
-    PulseLoop(const PulseLoop &) = delete;
-    PulseLoop &operator=(const PulseLoop &) = delete;
+    Q_DISABLE_COPY_MOVE(PulseLoop)
 
     /// Has the loop's thread do this after all that was posted before. From any thread.
     void post(Task task);
@@ -56,8 +55,7 @@ class LoopTimer final
 public:
     LoopTimer(PulseLoop &loop, std::chrono::microseconds delay, PulseLoop::Task call);
     ~LoopTimer();
-    LoopTimer(const LoopTimer &) = delete;
-    LoopTimer &operator=(const LoopTimer &) = delete;
+    Q_DISABLE_COPY_MOVE(LoopTimer)
 
 private:
     pa_mainloop_api *m_api;
