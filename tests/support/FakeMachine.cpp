@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Goes on when the event loop comes to it, and never once its object is gone.
+/// Goes on when the event loop comes to it.
 QCoro::Task<> turnOf(QObject &object)
 {
     const auto turn = std::make_shared<Completion<bool>>();
@@ -123,6 +123,18 @@ QCoro::Task<bool> FakeKeyPoster::post(KeyChord chord, std::function<bool()> mayS
     clipboardWhenPosted.append(pasteboard.text());
     pasteboard.reads += isReadAtOnce;
     co_return true;
+}
+
+// What is still under way is brought to its end, or nobody would free it.
+FakePasteboard::~FakePasteboard()
+{
+    ownerNeeds = {};
+    QCoreApplication::sendPostedEvents(&m_thread);
+}
+
+FakeKeyPoster::~FakeKeyPoster()
+{
+    QCoreApplication::sendPostedEvents(&m_server);
 }
 
 QString FakePasteboard::text() const

@@ -117,6 +117,7 @@ class FakePasteboard final : public Pasteboard
 {
 public:
     explicit FakePasteboard(Clock &clock) : m_clock(clock) {}
+    ~FakePasteboard() override;
 
     QCoro::Task<QList<PasteboardItem>> items(std::chrono::milliseconds limit) override;
     bool isReachable() const override { return reachable; }
@@ -157,6 +158,7 @@ public:
     void prepare() override {}
     QCoro::Task<bool> post(KeyChord chord, std::function<bool()> mayStill) override;
     explicit FakeKeyPoster(FakePasteboard &watched) : pasteboard(watched) {}
+    ~FakeKeyPoster() override;
 
     FakePasteboard &pasteboard;
     bool works = true;

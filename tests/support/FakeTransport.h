@@ -3,6 +3,7 @@
 #include "base/Completion.h"
 #include "base/HttpTransport.h"
 
+#include <QCoreApplication>
 #include <QObject>
 
 #include <deque>
@@ -13,6 +14,8 @@ class FakeTransport final : public HttpTransport
 {
 public:
     using Result = std::expected<HttpResponse, TransportError>;
+
+    ~FakeTransport() override { QCoreApplication::sendPostedEvents(&m_loop); }
 
     QCoro::Task<Result> send(HttpRequest request, std::stop_token stop) override;
 
