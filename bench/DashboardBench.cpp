@@ -1,5 +1,5 @@
-#include "screens/dashboard/DictationListView.h"
 #include "desktop/screens/Stage.h"
+#include "screens/dashboard/DictationListView.h"
 
 #include <QElapsedTimer>
 #include <QFile>

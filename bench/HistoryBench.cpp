@@ -1,8 +1,8 @@
-#include "history/HistoryFile.h"
-#include "history/HistoryStore.h"
 #include "base/Background.h"
 #include "base/Clock.h"
 #include "base/Folders.h"
+#include "history/HistoryFile.h"
+#include "history/HistoryStore.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,20 +1,19 @@
-#include "program/ProfileLock.h"
+#include "base/Platform.h"
 #include "cli/CommandContext.h"
 #include "cli/CommandLine.h"
 #include "cli/Commands.h"
 #include "cli/ExitCode.h"
 #include "cli/Terminal.h"
-#include "screens/kit/ScreensLibrary.h"
-#include "base/Platform.h"
-#include "machine/DesktopDisplay.h"
+#include "history/LeftRecordings.h"
 #include "machine/LinuxMachine.h"
 #include "machine/QuitSignals.h"
 #include "machine/Wording.h"
 #include "machine/desktop/HeldLibrary.h"
 #include "machine/desktop/LogFormat.h"
 #include "machine/desktop/XdgFolders.h"
+#include "program/ProfileLock.h"
 #include "program/SayvaneApp.h"
-#include "history/LeftRecordings.h"
+#include "screens/kit/ScreensLibrary.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
@@ -135,7 +134,7 @@ int main(int argc, char **argv)
         const QCoreApplication application(argc, argv);
         return runCommand(*asked);
     }
-    if (const QString objection = DesktopDisplay::objection(); !objection.isEmpty())
+    if (const QString objection = LinuxMachine::displayObjection(); !objection.isEmpty())
         return Terminal::complain(objection, ExitCode::noDisplay);
     QuitSignals quitSignals;
     QApplication application(argc, argv);

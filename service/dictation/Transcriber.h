@@ -1,7 +1,7 @@
 #pragma once
 
-#include "service/dictation/Upload.h"
 #include "service/protocol/Refusal.h"
+#include "service/protocol/Upload.h"
 
 #include <expected>
 #include <functional>

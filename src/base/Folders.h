@@ -2,6 +2,9 @@
 
 #include <QString>
 
+#include <cstdint>
+#include <optional>
+
 /// Where this user's files belong. The folders need not exist yet, except the temporary one.
 class Folders
 {
@@ -23,4 +26,14 @@ public:
     /// What the name of every recording begins with; its id follows.
     static inline const QString recordingPrefix = QStringLiteral("sayvane-");
     static QString recordingName(const QString &id) { return recordingPrefix + id + QStringLiteral(".wav"); }
+};
+
+/// The disks.
+class Volumes
+{
+public:
+    virtual ~Volumes() = default;
+
+    /// Bytes that this user can still write on the volume that holds the folder; none when unknown.
+    virtual std::optional<int64_t> availableCapacity(const QString &folder) const = 0;
 };

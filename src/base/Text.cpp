@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 bool isBlank(QChar character)
@@ -26,7 +28,7 @@ QString Text::trimmedBlanks(const QString &text)
 
 QString Text::withoutControls(QString text)
 {
-    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    text.replace(u"\r\n"_s, u"\n"_s);
     text.replace(u'\r', u'\n');
     text.removeIf([](QChar character) {
         return character.category() == QChar::Other_Control && character != u'\n' && character != u'\t';

@@ -1,10 +1,10 @@
 #include "cli/AutostartCommand.h"
 
+#include "base/Autostart.h"
+#include "base/Platform.h"
 #include "cli/CommandContext.h"
 #include "cli/ExitCode.h"
 #include "cli/Terminal.h"
-#include "base/Autostart.h"
-#include "base/Platform.h"
 
 using namespace Qt::StringLiterals;
 

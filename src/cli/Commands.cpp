@@ -1,5 +1,6 @@
 #include "cli/Commands.h"
 
+#include "base/Platform.h"
 #include "cli/AutostartCommand.h"
 #include "cli/CommandContext.h"
 #include "cli/CommandLine.h"
@@ -13,7 +14,6 @@
 #include "cli/SignOutCommand.h"
 #include "cli/Terminal.h"
 #include "cli/TranscribeCommand.h"
-#include "base/Platform.h"
 
 #include <QCoreApplication>
 #include <QHash>

@@ -1,13 +1,13 @@
 #include "cli/HistoryCommand.h"
 
+#include "base/Clock.h"
+#include "base/Folders.h"
+#include "base/Platform.h"
 #include "cli/CommandContext.h"
 #include "cli/ExitCode.h"
 #include "cli/HistoryTable.h"
 #include "cli/Terminal.h"
 #include "history/HistoryFile.h"
-#include "base/Clock.h"
-#include "base/Folders.h"
-#include "base/Platform.h"
 
 #include <QFile>
 

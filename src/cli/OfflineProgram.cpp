@@ -1,7 +1,7 @@
 #include "cli/OfflineProgram.h"
 
-#include "cli/CommandContext.h"
 #include "base/Platform.h"
+#include "cli/CommandContext.h"
 
 #include <QCoroTask>
 

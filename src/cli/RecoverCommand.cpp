@@ -1,15 +1,15 @@
 #include "cli/RecoverCommand.h"
 
-#include "program/ProfileLock.h"
+#include "base/Clock.h"
+#include "base/Platform.h"
 #include "cli/CommandContext.h"
 #include "cli/ExitCode.h"
 #include "cli/OfflineProgram.h"
 #include "cli/RecordingText.h"
 #include "cli/Terminal.h"
-#include "base/Clock.h"
-#include "base/Platform.h"
 #include "history/LeftRecordings.h"
 #include "preferences/Prefs.h"
+#include "program/ProfileLock.h"
 
 #include <QDBusArgument>
 

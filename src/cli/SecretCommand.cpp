@@ -1,10 +1,10 @@
 #include "cli/SecretCommand.h"
 
-#include "cloud/account/AccountSessionStore.h"
+#include "base/Provider.h"
 #include "cli/ExitCode.h"
 #include "cli/Terminal.h"
+#include "cloud/account/AccountSessionStore.h"
 #include "preferences/Keychain.h"
-#include "base/Provider.h"
 
 #include <QCoroTask>
 #include <QFile>

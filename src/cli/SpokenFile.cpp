@@ -1,7 +1,7 @@
 #include "cli/SpokenFile.h"
 
-#include "cli/ExitCode.h"
 #include "base/WavHeader.h"
+#include "cli/ExitCode.h"
 
 #include <QDeadlineTimer>
 #include <QDir>

@@ -1,7 +1,6 @@
 #include "dictation/AudioRecorder.h"
 
 #include "base/Folders.h"
-#include "base/Volumes.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "base/Microphone.h"
 #include "base/FlowError.h"
+#include "base/Microphone.h"
 
 #include <QString>
 

@@ -1,7 +1,7 @@
 #include "dictation/ClipboardReading.h"
 
-#include "dictation/ClipboardText.h"
 #include "base/Sleep.h"
+#include "dictation/ClipboardText.h"
 
 using namespace std::chrono_literals;
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "dictation/ClipboardReading.h"
 #include "base/Clock.h"
+#include "dictation/ClipboardReading.h"
 
 #include <memory>
 

@@ -1,11 +1,11 @@
 #include "dictation/FlowController.h"
 
-#include "dictation/FlowText.h"
-#include "history/HistoryStore.h"
 #include "base/Platform.h"
 #include "base/SoundPlayer.h"
-#include "preferences/Prefs.h"
 #include "cloud/speech/Transcriber.h"
+#include "dictation/FlowText.h"
+#include "history/HistoryStore.h"
+#include "preferences/Prefs.h"
 
 #include <QFile>
 #include <QFileInfo>

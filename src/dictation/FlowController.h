@@ -1,12 +1,12 @@
 #pragma once
 
+#include "base/Clock.h"
+#include "base/FlowState.h"
+#include "base/Presence.h"
 #include "dictation/AudioRecorder.h"
 #include "dictation/HotkeyMonitor.h"
 #include "dictation/OverlayPanel.h"
 #include "dictation/TextInserter.h"
-#include "base/Clock.h"
-#include "base/Presence.h"
-#include "base/FlowState.h"
 
 #include <QCoroTask>
 #include <QObject>

@@ -1,15 +1,15 @@
 #include "dictation/FlowController.h"
 
-#include "dictation/FlowText.h"
-#include "dictation/TemporaryFile.h"
-#include "history/HistoryStore.h"
+#include "base/Platform.h"
+#include "base/Sleep.h"
 #include "cloud/labs/LabsAnswerMode.h"
 #include "cloud/labs/LabsClient.h"
 #include "cloud/labs/LabsSession.h"
-#include "base/Platform.h"
-#include "base/Sleep.h"
-#include "preferences/Prefs.h"
 #include "cloud/speech/Transcriber.h"
+#include "dictation/FlowText.h"
+#include "dictation/TemporaryFile.h"
+#include "history/HistoryStore.h"
+#include "preferences/Prefs.h"
 
 #include <QUuid>
 

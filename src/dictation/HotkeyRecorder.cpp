@@ -1,7 +1,7 @@
 #include "dictation/HotkeyRecorder.h"
 
-#include "dictation/HotkeyMonitor.h"
 #include "base/KeyTap.h"
+#include "dictation/HotkeyMonitor.h"
 
 #include <utility>
 

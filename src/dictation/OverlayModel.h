@@ -1,13 +1,15 @@
 #pragma once
 
 #include "base/FlowState.h"
-#include "base/OverlayTone.h"
 
 #include <QList>
 #include <QObject>
 #include <QString>
 
 #include <optional>
+
+/// How a message of the overlay is meant.
+enum class OverlayTone { success, warning, failure };
 
 /// What the overlay displays.
 class OverlayModel final : public QObject

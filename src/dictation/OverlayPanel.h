@@ -1,7 +1,7 @@
 #pragma once
 
-#include "dictation/OverlayModel.h"
 #include "base/Clock.h"
+#include "dictation/OverlayModel.h"
 
 #include <QObject>
 

@@ -1,8 +1,8 @@
 #include "history/HistoryDisk.h"
 
-#include "history/HistoryFile.h"
-#include "base/Clock.h"
 #include "base/AtomicFile.h"
+#include "base/Clock.h"
+#include "history/HistoryFile.h"
 
 #include <QFile>
 #include <QFileInfo>

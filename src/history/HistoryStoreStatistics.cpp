@@ -1,8 +1,8 @@
 #include "history/HistoryStore.h"
 
-#include "history/LocalDays.h"
 #include "base/Clock.h"
 #include "cloud/speech/Rates.h"
+#include "history/LocalDays.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/AccessibilityTrust.h"
-#include "base/FloatingPanels.h"
+#include "base/FloatingPanel.h"
 #include "base/KeyTap.h"
 #include "machine/gnome/GnomeConsent.h"
 #include "machine/gnome/GnomeKeyTaps.h"
@@ -14,7 +14,7 @@
 #include "machine/wayland/WaylandPasteboard.h"
 #include "machine/x11/WindowPasteboard.h"
 #include "machine/x11/X11Desktop.h"
-#include "machine/x11/X11FloatingPanels.h"
+#include "machine/x11/X11FloatingPanel.h"
 
 #include <memory>
 

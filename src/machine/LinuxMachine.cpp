@@ -1,5 +1,10 @@
 #include "machine/LinuxMachine.h"
 
+QString LinuxMachine::displayObjection()
+{
+    return WaylandConnection::answers() ? QString() : X11Connection::objection();
+}
+
 LinuxMachine::LinuxMachine(const Settings &settings)
     : m_folders(settings.profile),
       m_defaults(m_folders.configuration(), m_clock),

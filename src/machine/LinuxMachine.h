@@ -11,7 +11,6 @@
 #include "machine/desktop/PortalAppearance.h"
 #include "machine/desktop/PreferencesFile.h"
 #include "machine/desktop/SecretServiceStore.h"
-#include "machine/desktop/StatVolumes.h"
 #include "machine/desktop/SystemClock.h"
 #include "machine/desktop/XdgAutostart.h"
 #include "machine/desktop/XdgFolders.h"
@@ -36,6 +35,10 @@ public:
         QByteArray userAgent; ///< what services are told that we are
     };
     explicit LinuxMachine(const Settings &settings);
+
+    /// Why there is no display for windows, Wayland's or X11's, in one sentence for the user; empty when
+    /// there is one. Asked before anything depends on it.
+    static QString displayObjection();
 
     Platform &platform() { return m_platform; }
     X11Connection &x11() { return m_desktop.x11(); }

@@ -1,8 +1,8 @@
 #include "overlay/OverlayDisplay.h"
 
+#include "base/FloatingPanel.h"
 #include "dictation/OverlayPanel.h"
 #include "overlay/OverlayLayout.h"
-#include "base/FloatingPanels.h"
 
 #include <utility>
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "base/FloatingPanel.h"
 #include "overlay/LevelMotion.h"
 #include "overlay/OverlayView.h"
-#include "base/PanelContent.h"
 
 #include <QObject>
 #include <QSize>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/OverlayTone.h"
+#include "dictation/OverlayModel.h"
 
 #include <QColor>
 #include <QString>

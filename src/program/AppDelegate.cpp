@@ -1,12 +1,12 @@
 #include "program/AppDelegate.h"
 
-#include "cloud/account/Credentials.h"
-#include "dictation/FlowController.h"
-#include "dictation/HotkeyRecorder.h"
 #include "base/AccessibilityTrust.h"
 #include "base/Clock.h"
 #include "base/Microphone.h"
 #include "base/Platform.h"
+#include "cloud/account/Credentials.h"
+#include "dictation/FlowController.h"
+#include "dictation/HotkeyRecorder.h"
 #include "preferences/Prefs.h"
 
 #include <utility>

@@ -2,12 +2,12 @@
 
 #include "cloud/account/AccountSignIn.h"
 #include "cloud/account/AccountStatus.h"
+#include "cloud/labs/LabsAnswerMode.h"
+#include "cloud/speech/Transcriber.h"
 #include "dictation/FlowController.h"
+#include "preferences/Prefs.h"
 #include "program/ControlInterface.h"
 #include "program/FileTranscript.h"
-#include "cloud/labs/LabsAnswerMode.h"
-#include "preferences/Prefs.h"
-#include "cloud/speech/Transcriber.h"
 
 #include <QCoreApplication>
 #include <QDBusMessage>

@@ -1,7 +1,7 @@
 #include "program/FileTranscript.h"
 
-#include "preferences/Prefs.h"
 #include "cloud/speech/Transcriber.h"
+#include "preferences/Prefs.h"
 
 #include <QFile>
 

@@ -1,7 +1,7 @@
 #include "program/FormScreens.h"
 
-#include "program/Host.h"
 #include "base/Platform.h"
+#include "program/Host.h"
 
 #include <utility>
 

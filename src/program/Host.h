@@ -5,17 +5,17 @@
 #include "cloud/account/AccountSignIn.h"
 #include "cloud/account/AccountStatus.h"
 #include "cloud/account/Credentials.h"
-#include "program/AppDelegate.h"
-#include "dictation/FlowController.h"
-#include "dictation/HotkeyRecorder.h"
-#include "history/HistoryStore.h"
 #include "cloud/labs/LabsAnswerMode.h"
 #include "cloud/labs/LabsClient.h"
 #include "cloud/labs/LabsSession.h"
+#include "cloud/speech/Transcriber.h"
+#include "dictation/FlowController.h"
+#include "dictation/HotkeyRecorder.h"
+#include "history/HistoryStore.h"
 #include "overlay/OverlayDisplay.h"
 #include "preferences/Keychain.h"
 #include "preferences/Prefs.h"
-#include "cloud/speech/Transcriber.h"
+#include "program/AppDelegate.h"
 
 #include <functional>
 #include <utility>

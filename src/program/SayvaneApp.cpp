@@ -1,8 +1,8 @@
 #include "program/SayvaneApp.h"
 
-#include "dictation/FlowLog.h"
 #include "base/Background.h"
 #include "base/Platform.h"
+#include "dictation/FlowLog.h"
 
 #include <QGuiApplication>
 #include <QLoggingCategory>

@@ -1,14 +1,14 @@
 #pragma once
 
+#include "history/LeftRecordings.h"
+#include "program/ControlService.h"
 #include "program/Host.h"
+#include "program/MainMenuKeys.h"
+#include "program/SettingsOpener.h"
+#include "program/Windows.h"
 #include "tray/MainMenu.h"
 #include "tray/MenuView.h"
-#include "program/SettingsOpener.h"
-#include "program/ControlService.h"
-#include "program/MainMenuKeys.h"
-#include "history/LeftRecordings.h"
 #include "tray/TrayIcon.h"
-#include "program/Windows.h"
 
 #include <QObject>
 

@@ -1,7 +1,7 @@
 #include "program/Windows.h"
 
-#include "program/Host.h"
 #include "base/Platform.h"
+#include "program/Host.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "screens/dashboard/DashboardNavigation.h"
 #include "program/DashboardScreens.h"
 #include "program/DashboardWindowController.h"
 #include "program/FormScreens.h"
 #include "program/SettingsWindow.h"
+#include "screens/dashboard/DashboardNavigation.h"
 
 #include <functional>
 #include <optional>

@@ -1,14 +1,14 @@
 #include "tray/MenuView.h"
 
+#include "base/Decimal.h"
+#include "base/Pasteboard.h"
+#include "base/Text.h"
 #include "cloud/account/AccountStatus.h"
+#include "cloud/labs/LabsAnswerMode.h"
 #include "dictation/FlowController.h"
 #include "history/HistoryStore.h"
-#include "cloud/labs/LabsAnswerMode.h"
-#include "base/Pasteboard.h"
 #include "preferences/Prefs.h"
 #include "preferences/SpokenLanguage.h"
-#include "base/Decimal.h"
-#include "base/Text.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "base/FlowState.h"
 #include "tray/MenuEntry.h"
 #include "tray/ShellCommands.h"
-#include "base/FlowState.h"
 
 #include <QObject>
 

@@ -1,7 +1,7 @@
 #include "tray/StateIcon.h"
 
-#include "tray/MenuView.h"
 #include "icons/IconImage.h"
+#include "tray/MenuView.h"
 
 #include <QColor>
 

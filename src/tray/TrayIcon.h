@@ -1,9 +1,9 @@
 #pragma once
 
+#include "base/FlowState.h"
 #include "tray/StatusNotifierItem.h"
 #include "tray/TrayHost.h"
 #include "tray/TrayMenu.h"
-#include "base/FlowState.h"
 
 #include <QObject>
 #include <QPoint>

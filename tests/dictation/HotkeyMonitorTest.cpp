@@ -1,6 +1,6 @@
 #include "dictation/HotkeyMonitor.h"
 
-#include "support/FakeKeyTaps.h"
+#include "support/FakeMachine.h"
 
 #include <QTest>
 

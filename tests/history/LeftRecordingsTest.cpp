@@ -1,6 +1,6 @@
 #include "history/LeftRecordings.h"
-#include "support/FakeMachine.h"
 #include "base/WavHeader.h"
+#include "support/FakeMachine.h"
 
 #include <QDir>
 #include <QFile>

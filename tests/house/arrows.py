@@ -95,14 +95,13 @@ class House:
         return max(nearest)[1] if nearest else None
 
     def arrows(self):
-        """Each pair of rooms of which the first includes from the second."""
+        """Each pair of rooms at the top of which the first includes from the second."""
         for path in self.files:
-            room = self.room_of(path.relative_to(self.source))
+            relative = path.relative_to(self.source)
             for name in includes(path):
-                if room and (self.source / name).is_file():
-                    other = self.room_of(pathlib.PurePath(name))
-                    if other != room:
-                        yield room, other
+                pair = relative.parts[0], pathlib.PurePath(name).parts[0]
+                if len(relative.parts) > 1 and (self.source / name).is_file() and pair[0] != pair[1]:
+                    yield pair
 
     def complaints(self):
         for room in self.links:

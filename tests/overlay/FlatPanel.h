@@ -1,7 +1,6 @@
 #pragma once
 
-#include "base/FloatingPanels.h"
-#include "base/PanelContent.h"
+#include "base/FloatingPanel.h"
 
 #include <QImage>
 #include <QPainter>

@@ -1,7 +1,7 @@
 #include "tray/MenuView.h"
 #include "program/FlowFixture.h"
-#include "tray/MainMenu.h"
 #include "program/SettingsOpener.h"
+#include "tray/MainMenu.h"
 
 #include <QSignalSpy>
 #include <QTest>

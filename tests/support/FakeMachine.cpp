@@ -2,11 +2,26 @@
 
 #include "base/Sleep.h"
 
+#include <QCoreApplication>
 #include <QDir>
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Goes on when the event loop comes to it.
+QCoro::Task<> turnOf(QObject &object)
+{
+    const auto turn = std::make_shared<Completion<bool>>();
+    const auto begin = [turn] { turn->complete(true); };
+    QMetaObject::invokeMethod(&object, begin, Qt::QueuedConnection);
+    const Completion<bool>::Awaiter awaiter{turn.get()};
+    co_await awaiter;
+}
+
+} // namespace
 
 QCoro::Task<SecretStore::Found> FakeSecretStore::find(QString service, QString account, Asking asking,
                                                       std::stop_token stop)
@@ -88,12 +103,38 @@ QCoro::Task<QList<PasteboardItem>> FakePasteboard::items(std::chrono::millisecon
 {
     ++asked;
     const QList<PasteboardItem> there = contents;
+    co_await turnOf(m_thread);
     const bool isSlow = !ours && ownerNeeds.count() > 0;
     if (isSlow) {
         const std::stop_token never;
         co_await sleepFor(m_clock, std::min(ownerNeeds, limit), never);
     }
     co_return isSlow &&ownerNeeds > limit ? QList<PasteboardItem>() : there;
+}
+
+QCoro::Task<bool> FakeKeyPoster::post(KeyChord chord, std::function<bool()> mayStill)
+{
+    if (whileWaiting)
+        whileWaiting();
+    co_await turnOf(m_server);
+    if (!works || !mayStill())
+        co_return false;
+    posted.append(chord);
+    clipboardWhenPosted.append(pasteboard.text());
+    pasteboard.reads += isReadAtOnce;
+    co_return true;
+}
+
+// What is still under way is brought to its end, or nobody would free it.
+FakePasteboard::~FakePasteboard()
+{
+    ownerNeeds = {};
+    QCoreApplication::sendPostedEvents(&m_thread);
+}
+
+FakeKeyPoster::~FakeKeyPoster()
+{
+    QCoreApplication::sendPostedEvents(&m_server);
 }
 
 QString FakePasteboard::text() const
@@ -110,6 +151,45 @@ QString FakePasteboard::text() const
 QStringList FakeFolders::recordings() const
 {
     return QDir(temporary()).entryList({u"sayvane-*.wav"_s});
+}
+
+class FakeKeyTaps::Tap final : public KeyTap
+{
+public:
+    explicit Tap(FakeKeyTaps &keyboard) : m_keyboard(keyboard) {}
+    ~Tap() override
+    {
+        m_keyboard.m_handler = nullptr;
+        m_keyboard.watched.clear();
+    }
+    bool watch(std::span<const KeyChord> chords) override
+    {
+        m_keyboard.watched = QList<KeyChord>(chords.begin(), chords.end());
+        return true;
+    }
+    void enable() override { ++m_keyboard.enables; }
+
+private:
+    FakeKeyTaps &m_keyboard;
+};
+
+std::unique_ptr<KeyTap> FakeKeyTaps::install(std::span<const KeyChord> chords, Handler handler)
+{
+    if (!allowsInstall)
+        return nullptr;
+    ++installs;
+    m_handler = std::move(handler);
+    auto tap = std::make_unique<Tap>(*this);
+    tap->watch(chords);
+    return tap;
+}
+
+KeyVerdict FakeKeyTaps::tap(qint64 keyCode, quint64 flags)
+{
+    const KeyVerdict verdict = send({KeyEventType::keyDown, keyCode, flags, false});
+    send({KeyEventType::keyUp, keyCode, flags, false});
+    QCoreApplication::processEvents();
+    return verdict;
 }
 
 class FakeLocalKeys::Monitor final : public LocalKeyMonitor

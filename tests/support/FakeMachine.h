@@ -8,7 +8,7 @@
 #include "base/Completion.h"
 #include "base/ComputerName.h"
 #include "base/DefaultsStore.h"
-#include "base/FloatingPanels.h"
+#include "base/FloatingPanel.h"
 #include "base/Folders.h"
 #include "base/Graphics.h"
 #include "base/KeyPoster.h"
@@ -19,9 +19,7 @@
 #include "base/Presence.h"
 #include "base/SecretStore.h"
 #include "base/SoundPlayer.h"
-#include "base/Volumes.h"
 #include "base/Workspace.h"
-#include "support/FakeKeyTaps.h"
 #include "support/FakeMicrophone.h"
 #include "support/FakeTransport.h"
 #include "support/VirtualClock.h"
@@ -119,6 +117,7 @@ class FakePasteboard final : public Pasteboard
 {
 public:
     explicit FakePasteboard(Clock &clock) : m_clock(clock) {}
+    ~FakePasteboard() override;
 
     QCoro::Task<QList<PasteboardItem>> items(std::chrono::milliseconds limit) override;
     bool isReachable() const override { return reachable; }
@@ -127,7 +126,7 @@ public:
     qint64 readCount() const override { return reads; }
     void setItems(const QList<PasteboardItem> &items) override { replace(items, true); }
     /// Another program copies a text.
-    void copy(const QString &text) { replace({{{QStringLiteral("text/plain"), text.toUtf8()}}}, false); }
+    void copy(const QString &text) { replace({{{plainText, text.toUtf8()}}}, false); }
     QString text() const;
 
     QList<PasteboardItem> contents;
@@ -139,10 +138,7 @@ public:
     qint64 reads = 0;                        ///< how often others read what is ours
 
 private:
-    void setPlainText(const QString &text) override
-    {
-        replace({{{QStringLiteral("text/plain"), text.toUtf8()}}}, true);
-    }
+    void setPlainText(const QString &text) override { replace({{{plainText, text.toUtf8()}}}, true); }
     void replace(const QList<PasteboardItem> &items, bool isOurs)
     {
         contents = items;
@@ -150,7 +146,9 @@ private:
         ++count;
     }
 
+    const QString plainText = QString::fromLatin1("text/plain");
     Clock &m_clock;
+    QObject m_thread; // whose answers come later
 };
 
 /// Notes what is typed.
@@ -158,18 +156,9 @@ class FakeKeyPoster final : public KeyPoster
 {
 public:
     void prepare() override {}
-    QCoro::Task<bool> post(KeyChord chord, std::function<bool()> mayStill) override
-    {
-        if (whileWaiting)
-            whileWaiting();
-        if (!works || !mayStill())
-            co_return false;
-        posted.append(chord);
-        clipboardWhenPosted.append(pasteboard.text());
-        pasteboard.reads += isReadAtOnce;
-        co_return true;
-    }
+    QCoro::Task<bool> post(KeyChord chord, std::function<bool()> mayStill) override;
     explicit FakeKeyPoster(FakePasteboard &watched) : pasteboard(watched) {}
+    ~FakeKeyPoster() override;
 
     FakePasteboard &pasteboard;
     bool works = true;
@@ -177,6 +166,32 @@ public:
     bool isReadAtOnce = true;           ///< the application is not too busy to paste
     QList<KeyChord> posted;
     QStringList clipboardWhenPosted;
+
+private:
+    QObject m_server; // whose answers come later
+};
+
+/// A keyboard that a test presses.
+class FakeKeyTaps final : public KeyTaps
+{
+public:
+    std::unique_ptr<KeyTap> install(std::span<const KeyChord> chords, Handler handler) override;
+
+    /// What the tap makes of the event; `pass` when none is installed.
+    KeyVerdict send(const KeyEvent &event) { return m_handler ? m_handler(event) : KeyVerdict::pass; }
+    /// Presses and releases, then lets posted steps run.
+    KeyVerdict tap(qint64 keyCode, quint64 flags);
+
+    bool isInstalled() const { return m_handler != nullptr; }
+
+    bool allowsInstall = true;
+    QList<KeyChord> watched;
+    int installs = 0;
+    int enables = 0;
+
+private:
+    class Tap;
+    Handler m_handler;
 };
 
 /// A keyboard under the program's own windows.
@@ -272,7 +287,7 @@ class FakeFolders final : public Folders
 {
 public:
     QString temporary() const override { return m_directory.path(); }
-    QString applicationSupport() const override { return m_directory.filePath(QStringLiteral("data")); }
+    QString applicationSupport() const override { return m_directory.filePath(QString::fromLatin1("data")); }
     /// The recordings that exist.
     QStringList recordings() const;
 
@@ -303,7 +318,7 @@ public:
 class FakeComputerName final : public ComputerName
 {
 public:
-    QString localizedName() const override { return QStringLiteral("Study"); }
+    QString localizedName() const override { return QString::fromLatin1("Study"); }
 };
 
 class FakeActivation final : public Activation
@@ -345,12 +360,11 @@ class FakePresence final : public Presence
 public:
     bool isAway() const override { return away; }
     void follow(const Listener &listener) override { m_listeners.add(listener); }
-    void followResume(const Listener &listener) override { m_resumeListeners.add(listener); }
+    void followResume(const Listener &) override {}
     std::unique_ptr<Wakefulness> delaySleep() override;
 
     void leave() { become(true); }
     void comeBack() { become(false); }
-    void wakeUp() { m_resumeListeners.tell(); }
 
     bool away = false;
     int delays = 0; ///< of sleep that are held
@@ -364,7 +378,6 @@ private:
     }
 
     Listeners m_listeners;
-    Listeners m_resumeListeners;
 };
 
 /// A machine for tests: public fields set the scene and tell what happened.

@@ -1,5 +1,6 @@
 #include "support/FakeTransport.h"
 
+#include <QCoreApplication>
 #include <QTest>
 
 #include <algorithm>
@@ -22,23 +23,26 @@ QCoro::Task<FakeTransport::Result> FakeTransport::send(HttpRequest request, std:
     }
     const auto completion = std::make_shared<Completion<Result>>();
     m_waiting.push_back(completion);
-    const std::function<void()> cancel = [completion] {
-        completion->complete(
-            std::unexpected(TransportError{TransportError::Kind::cancelled, u"Cancelled."_s}));
+    const std::function<void()> cancel = [this, completion] {
+        const auto end = [completion] {
+            completion->complete(std::unexpected(TransportError{TransportError::Kind::cancelled, u"Cancelled."_s}));
+        };
+        QMetaObject::invokeMethod(&m_loop, end, Qt::QueuedConnection); // whoever asked for it goes on first
     };
     const std::stop_callback onStop(stop, cancel);
     const Completion<Result>::Awaiter awaiter(completion.get());
     co_return co_await awaiter;
 }
 
-int FakeTransport::waiting() const
+int FakeTransport::waiting()
 {
-    return static_cast<int>(
-        std::ranges::count_if(m_waiting, [](const auto &each) { return !each->isComplete(); }));
+    QCoreApplication::sendPostedEvents(&m_loop);
+    return static_cast<int>(std::ranges::count_if(m_waiting, [](const auto &each) { return !each->isComplete(); }));
 }
 
 void FakeTransport::answer(const Result &result)
 {
+    QCoreApplication::sendPostedEvents(&m_loop);
     while (!m_waiting.empty() && m_waiting.front()->isComplete())
         m_waiting.pop_front();
     QVERIFY2(!m_waiting.empty(), "no request is waiting");

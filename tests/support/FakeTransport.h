@@ -3,6 +3,9 @@
 #include "base/Completion.h"
 #include "base/HttpTransport.h"
 
+#include <QCoreApplication>
+#include <QObject>
+
 #include <deque>
 #include <memory>
 
@@ -11,6 +14,8 @@ class FakeTransport final : public HttpTransport
 {
 public:
     using Result = std::expected<HttpResponse, TransportError>;
+
+    ~FakeTransport() override { QCoreApplication::sendPostedEvents(&m_loop); }
 
     QCoro::Task<Result> send(HttpRequest request, std::stop_token stop) override;
 
@@ -25,13 +30,14 @@ public:
     }
 
     /// How many requests wait for an answer, warm-ups left out.
-    int waiting() const;
+    int waiting();
 
     /// Every request so far, warm-ups apart.
     QList<HttpRequest> requests;
     QList<HttpRequest> warmUps;
 
 private:
+    QObject m_loop; // whose events tell of a stop
     std::deque<Result> m_prepared;
     std::deque<std::shared_ptr<Completion<Result>>> m_waiting;
 };

@@ -17,8 +17,8 @@ public:
 private:
     static void keep(QtMsgType type, const QMessageLogContext &context, const QString &text)
     {
-        const QString level = type == QtInfoMsg ? QStringLiteral("info") : QStringLiteral("error");
-        s_lines.append(QString::fromUtf8(context.category) + u' ' + level + QStringLiteral(": ") + text);
+        s_lines.append(QString::fromUtf8(context.category) +
+                       QLatin1StringView(type == QtInfoMsg ? " info: " : " error: ") + text);
     }
 
     static inline QStringList s_lines;

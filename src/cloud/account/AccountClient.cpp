@@ -1,10 +1,10 @@
 #include "cloud/account/AccountClient.h"
 
+#include "base/Json.h"
+#include "base/Sleep.h"
 #include "cloud/account/AccountFailure.h"
 #include "cloud/account/AccountStatus.h"
-#include "base/Sleep.h"
 #include "preferences/Prefs.h"
-#include "base/Json.h"
 
 #include <QJsonDocument>
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "base/HttpTransport.h"
 #include "cloud/account/AccountError.h"
 #include "cloud/account/AccountInfo.h"
 #include "cloud/account/AccountSession.h"
 #include "cloud/account/DeviceSession.h"
 #include "cloud/account/ServiceErrorBody.h"
-#include "base/HttpTransport.h"
 
 #include <QCoroTask>
 #include <QJsonObject>

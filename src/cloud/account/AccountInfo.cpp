@@ -1,8 +1,8 @@
 #include "cloud/account/AccountInfo.h"
 
-#include "cloud/account/AccountStatus.h"
-#include "base/JsonMembers.h"
+#include "base/Json.h"
 #include "base/Text.h"
+#include "cloud/account/AccountStatus.h"
 
 #include <QJsonDocument>
 #include <QStringList>

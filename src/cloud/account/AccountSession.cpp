@@ -1,7 +1,7 @@
 #include "cloud/account/AccountSession.h"
 
+#include "base/Json.h"
 #include "cloud/account/AccountClient.h"
-#include "base/JsonMembers.h"
 
 #include <QJsonDocument>
 

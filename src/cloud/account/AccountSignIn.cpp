@@ -1,10 +1,10 @@
 #include "cloud/account/AccountSignIn.h"
 
+#include "base/ComputerName.h"
+#include "base/SecretStore.h"
 #include "cloud/account/AccountClient.h"
 #include "cloud/account/AccountSessionStore.h"
 #include "cloud/account/AccountStatus.h"
-#include "base/ComputerName.h"
-#include "base/SecretStore.h"
 #include "preferences/Keychain.h"
 
 #include <QChar>

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "base/Clock.h"
 #include "cloud/account/AccountError.h"
 #include "cloud/account/AccountSession.h"
 #include "cloud/account/DeviceSession.h"
-#include "base/Clock.h"
 
 #include <QCoroTask>
 #include <QList>

@@ -1,8 +1,8 @@
 #include "cloud/account/DeviceSession.h"
 
-#include "cloud/account/AccountClient.h"
 #include "base/Json.h"
 #include "base/Text.h"
+#include "cloud/account/AccountClient.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,6 +1,6 @@
 #include "cloud/account/ServiceErrorBody.h"
 
-#include "base/JsonMembers.h"
+#include "base/Json.h"
 
 #include <QJsonDocument>
 

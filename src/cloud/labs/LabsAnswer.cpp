@@ -1,6 +1,6 @@
 #include "cloud/labs/LabsAnswer.h"
 
-#include "base/JsonMembers.h"
+#include "base/Json.h"
 
 #include <QJsonDocument>
 

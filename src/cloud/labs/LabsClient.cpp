@@ -1,8 +1,8 @@
 #include "cloud/labs/LabsClient.h"
 
-#include "cloud/account/Credentials.h"
 #include "base/Sleep.h"
 #include "base/Text.h"
+#include "cloud/account/Credentials.h"
 
 #include <algorithm>
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "base/HttpTransport.h"
 #include "cloud/account/AccountClient.h"
 #include "cloud/labs/LabsAnswer.h"
 #include "cloud/labs/LabsMode.h"
 #include "cloud/labs/LabsProviders.h"
-#include "base/HttpTransport.h"
 
 #include <QCoroTask>
 #include <QJsonObject>

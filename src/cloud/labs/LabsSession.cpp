@@ -1,8 +1,8 @@
 #include "cloud/labs/LabsSession.h"
 
+#include "base/Clock.h"
 #include "cloud/account/AccountStatus.h"
 #include "cloud/labs/LabsClient.h"
-#include "base/Clock.h"
 #include "preferences/Prefs.h"
 
 using namespace Qt::StringLiterals;

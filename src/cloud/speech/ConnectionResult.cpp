@@ -1,7 +1,7 @@
 #include "cloud/speech/ConnectionResult.h"
 
-#include "cloud/speech/ModelResolver.h"
 #include "base/Text.h"
+#include "cloud/speech/ModelResolver.h"
 
 using namespace Qt::StringLiterals;
 

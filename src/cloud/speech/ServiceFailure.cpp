@@ -1,8 +1,8 @@
 #include "cloud/speech/ServiceFailure.h"
 
-#include "cloud/account/ServiceErrorBody.h"
-#include "base/JsonMembers.h"
+#include "base/Json.h"
 #include "base/Text.h"
+#include "cloud/account/ServiceErrorBody.h"
 
 #include <QJsonDocument>
 #include <QRegularExpression>

@@ -1,10 +1,10 @@
 #include "cloud/speech/Transcriber.h"
 
+#include "base/Json.h"
 #include "cloud/account/AccountStatus.h"
 #include "cloud/account/Credentials.h"
-#include "preferences/Prefs.h"
 #include "cloud/speech/MultipartBody.h"
-#include "base/Json.h"
+#include "preferences/Prefs.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "cloud/account/AccountClient.h"
 #include "base/Clock.h"
-#include "base/HttpTransport.h"
 #include "base/FlowError.h"
+#include "base/HttpTransport.h"
 #include "base/ModelPurpose.h"
 #include "base/Provider.h"
+#include "cloud/account/AccountClient.h"
 
 #include <QCoroTask>
 #include <QString>

@@ -1,11 +1,11 @@
 #include "cloud/speech/Transcriber.h"
 
+#include "base/Text.h"
 #include "cloud/account/Credentials.h"
-#include "preferences/Prefs.h"
 #include "cloud/speech/ChatRequest.h"
 #include "cloud/speech/CleanupPrompt.h"
 #include "cloud/speech/ProviderFailure.h"
-#include "base/Text.h"
+#include "preferences/Prefs.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -1,8 +1,8 @@
 #include "cloud/speech/Transcriber.h"
 
 #include "cloud/account/Credentials.h"
-#include "preferences/Prefs.h"
 #include "cloud/speech/ModelResolver.h"
+#include "preferences/Prefs.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,8 +1,8 @@
 #include "cloud/speech/Transcriber.h"
 
+#include "base/Sleep.h"
 #include "cloud/account/AccountSessionStore.h"
 #include "cloud/account/AccountStatus.h"
-#include "base/Sleep.h"
 #include "cloud/speech/ProviderFailure.h"
 #include "cloud/speech/ServiceFailure.h"
 

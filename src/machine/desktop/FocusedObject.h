@@ -1,6 +1,6 @@
 #pragma once
 
-#include "machine/desktop/GlibPointer.h"
+#include "machine/desktop/GlibThread.h"
 
 #include <QByteArray>
 #include <QObject>

@@ -7,7 +7,7 @@ class HostName final : public ComputerName
 {
 public:
     /// `machineInfo` is the file described in machine-info(5), where the pretty name is kept.
-    explicit HostName(QString machineInfo = QStringLiteral("/etc/machine-info"));
+    explicit HostName(QString machineInfo = QString::fromLatin1("/etc/machine-info"));
 
     QString localizedName() const override;
 

@@ -1,19 +1,39 @@
 #include "machine/desktop/KeyringSession.h"
 
 #include "base/SecretStore.h"
-#include "machine/desktop/GioOperation.h"
 
 #include <QScopeGuard>
-
-#define SECRET_API_SUBJECT_TO_CHANGE 1
-#define SECRET_WITH_UNSTABLE 1
-#include <libsecret/secret.h>
 
 #include <array>
 #include <optional>
 #include <string_view>
 
+#define SECRET_API_SUBJECT_TO_CHANGE 1
+#define SECRET_WITH_UNSTABLE 1
+#include <libsecret/secret.h>
+
 namespace {
+
+/// One asynchronous operation of GIO, for the coroutine that began it on the thread of its main context:
+/// `ended` and the operation itself are GIO's callback and its data.
+class GioOperation
+{
+public:
+    using Result = std::shared_ptr<GAsyncResult>;
+    using Awaiter = Completion<Result>::Awaiter;
+
+    static void ended(GObject *, GAsyncResult *result, gpointer self)
+    {
+        const Result kept = glibShared(G_ASYNC_RESULT(g_object_ref(result)));
+        static_cast<GioOperation *>(self)->m_completion.complete(kept);
+    }
+
+    /// What to `co_await`; the operation must stay in place meanwhile.
+    Awaiter result() { return Awaiter{&m_completion}; }
+
+private:
+    Completion<Result> m_completion;
+};
 
 constexpr char service[] = "org.freedesktop.secrets";
 constexpr char servicePath[] = "/org/freedesktop/secrets";

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "machine/desktop/GlibPointer.h"
-#include "machine/desktop/Turns.h"
+#include "base/Completion.h"
+#include "machine/desktop/GlibThread.h"
 
 #include <QByteArray>
 #include <QCoroTask>
@@ -10,11 +10,47 @@
 #include <QStringList>
 
 #include <cstdint>
+#include <deque>
 #include <expected>
 #include <functional>
 #include <memory>
 
 struct _SecretService;
+
+/// One coroutine at a time, in the order in which they came, all on one thread.
+class Turns
+{
+public:
+    /// Whoever keeps it has the turn; the next one's begins as it is given up.
+    using Turn = std::shared_ptr<void>;
+
+    QCoro::Task<Turn> take()
+    {
+        if (m_taken) {
+            Completion<bool> called;
+            m_waiting.push_back(&called);
+            const Completion<bool>::Awaiter awaiter{&called};
+            co_await awaiter;
+        }
+        m_taken = true;
+        const Turn turn(this, [](void *self) { static_cast<Turns *>(self)->pass(); });
+        co_return turn;
+    }
+
+private:
+    void pass()
+    {
+        m_taken = !m_waiting.empty();
+        if (!m_taken)
+            return;
+        Completion<bool> *next = m_waiting.front();
+        m_waiting.pop_front();
+        next->complete(true);
+    }
+
+    bool m_taken = false;
+    std::deque<Completion<bool> *> m_waiting;
+};
 
 /// A client's session with the desktop's Secret Service (the freedesktop.org Secret Service API, 0.2), with
 /// secrets encrypted on the bus by libsecret. One thread with a GLib main context has it to itself.
@@ -48,8 +84,7 @@ public:
 
     explicit KeyringSession(Listener listener);
     ~KeyringSession();
-    KeyringSession(const KeyringSession &) = delete;
-    KeyringSession &operator=(const KeyringSession &) = delete;
+    Q_DISABLE_COPY_MOVE(KeyringSession)
 
     Answer<Items> search(Attributes attributes);
 

@@ -1,14 +1,14 @@
 #include "machine/desktop/LogFormat.h"
 
-#include "machine/desktop/LogRepeats.h"
-
 #include <QLoggingCategory>
 
 #include <cerrno>
+
 #include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -81,6 +81,19 @@ void handle(QtMsgType type, const QMessageLogContext &context, const QString &me
 }
 
 } // namespace
+
+bool LogRepeats::isNews(QtMsgType type, const QByteArray &category, const QString &message, Time now)
+{
+    if (type == QtDebugMsg || type == QtInfoMsg)
+        return true;
+    static constexpr auto pause = 3s;
+    const std::scoped_lock lock(m_mutex);
+    m_lastTimes.removeIf([&](const auto &line) { return now - line.value() > pause; });
+    const QString line = QString::fromUtf8(category) + u' ' + message;
+    const bool isKnown = m_lastTimes.contains(line);
+    m_lastTimes.insert(line, now);
+    return !isKnown;
+}
 
 QByteArray LogFormat::line(QtMsgType type, const char *category, const QString &message,
                            const QDateTime &time) const

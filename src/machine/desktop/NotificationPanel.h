@@ -26,9 +26,9 @@ private:
     void notify();
     void close();
 
-    QString m_wanted; // empty for none
+    QString m_wanted;     // empty for none
     bool m_isDue = false; // something was wanted that the desktop does not know yet
-    uint m_id = 0; // the desktop's name of the notification; 0 for none
+    uint m_id = 0;        // the desktop's name of the notification; 0 for none
     bool m_isAsking = false;
     bool m_isMissed = false; // there was no service, and the log says so
 };

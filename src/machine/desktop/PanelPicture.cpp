@@ -1,6 +1,6 @@
 #include "machine/desktop/PanelPicture.h"
 
-#include "base/PanelContent.h"
+#include "base/FloatingPanel.h"
 
 #include <QPainter>
 

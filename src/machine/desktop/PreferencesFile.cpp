@@ -1,7 +1,7 @@
 #include "machine/desktop/PreferencesFile.h"
 
-#include "machine/desktop/PrivateFolder.h"
 #include "base/AtomicFile.h"
+#include "machine/desktop/XdgFolders.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #include "machine/desktop/SecretServiceStore.h"
 
-#include "machine/desktop/Profile.h"
+#include "machine/desktop/XdgFolders.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;

@@ -1,7 +1,7 @@
 #include "machine/desktop/XdgAutostart.h"
 
-#include "machine/desktop/Profile.h"
 #include "base/AtomicFile.h"
+#include "machine/desktop/XdgFolders.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,19 +1,40 @@
 #include "machine/desktop/XdgFolders.h"
 
-#include "machine/desktop/PrivateFolder.h"
-#include "machine/desktop/Profile.h"
-
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
+#include <QUrl>
 
+#include <cerrno>
+#include <cstdlib>
+#include <limits>
+
+#include <fcntl.h>
 #include <pwd.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr mode_t ownerOnly = 0700;
+
+/// Whether the folder is ours and no link, closed to others from now on. Everything is asked of the
+/// opened folder, so that nobody can exchange it between question and answer.
+bool close(const QByteArray &path)
+{
+    const int folder = open(path.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (folder < 0)
+        return false;
+    struct stat facts = {};
+    const bool closed = fstat(folder, &facts) == 0 && facts.st_uid == geteuid() &&
+                        ((facts.st_mode & 0777) == ownerOnly || fchmod(folder, ownerOnly) == 0);
+    ::close(folder);
+    return closed;
+}
 
 Q_LOGGING_CATEGORY(foldersLog, "com.sayvane.app.folders")
 
@@ -27,6 +48,35 @@ QString homeFolder(const QProcessEnvironment &environment)
 }
 
 } // namespace
+
+QString Profile::systemName(const QString &profile)
+{
+    if (profile.isEmpty())
+        return u"sayvane"_s;
+    return u"sayvane-"_s + QString::fromLatin1(QUrl::toPercentEncoding(profile));
+}
+
+bool PrivateFolder::ensure(const QString &path)
+{
+    const QString clean = QDir::cleanPath(path);
+    const QByteArray name = QFile::encodeName(clean);
+    if (mkdir(name.constData(), ownerOnly) == 0)
+        return true;
+    if (errno == EEXIST)
+        return close(name);
+    const QString above = QFileInfo(clean).path();
+    if (errno != ENOENT || above == clean)
+        return false;
+    if (!QFileInfo(above).isDir() && !ensure(above))
+        return false;
+    return mkdir(name.constData(), ownerOnly) == 0;
+}
+
+QString PrivateFolder::createUnique(const QString &path)
+{
+    QByteArray name = QFile::encodeName(path) + "-XXXXXX";
+    return mkdtemp(name.data()) ? QFile::decodeName(name) : QString();
+}
 
 XdgFolders::XdgFolders(QString profile, QProcessEnvironment environment)
     : m_profile(std::move(profile)),
@@ -83,4 +133,24 @@ QString XdgFolders::chooseTemporary() const
     if (!PrivateFolder::ensure(cached))
         qCCritical(foldersLog).noquote() << "There is no place for temporary files:" << cached;
     return cached;
+}
+
+std::optional<int64_t> StatVolumes::availableCapacity(const QString &folder) const
+{
+    if (folder.isEmpty())
+        return std::nullopt;
+    QString path = QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
+    struct statvfs volume = {};
+    while (statvfs(QFile::encodeName(path).constData(), &volume) != 0) {
+        const QString above = QFileInfo(path).path();
+        if (errno == EINTR)
+            continue;
+        if (errno != ENOENT || above == path)
+            return std::nullopt;
+        path = above;
+    }
+    int64_t bytes = 0;
+    if (__builtin_mul_overflow(volume.f_bavail, volume.f_frsize, &bytes))
+        return std::numeric_limits<int64_t>::max();
+    return bytes;
 }

@@ -3,6 +3,29 @@
 #include "base/Folders.h"
 
 #include <QProcessEnvironment>
+#include <QString>
+
+/// A profile keeps folders and secrets of its own, so that a trial run never touches the ordinary
+/// Sayvane of the same user. The ordinary profile is the empty text.
+namespace Profile {
+
+/// The name that stands for a profile in paths and keyring attributes: "sayvane" for the ordinary one,
+/// "sayvane-NAME" otherwise. It is safe as one part of a path, and two profiles never share one.
+QString systemName(const QString &profile);
+
+} // namespace Profile
+
+/// Folders that only this user can enter.
+namespace PrivateFolder {
+
+/// Makes the folder and those above it that are missing, each for this user alone. A folder that is
+/// there already is closed to others; false when it is a link or belongs to someone else.
+bool ensure(const QString &path);
+
+/// Makes a folder with a fresh name that begins with `path` and a hyphen; empty when it cannot.
+QString createUnique(const QString &path);
+
+} // namespace PrivateFolder
 
 /// This user's folders as the XDG base directory standard places them.
 ///
@@ -32,4 +55,12 @@ private:
     QString m_profile;
     QProcessEnvironment m_environment;
     mutable QString m_temporary; // as last chosen
+};
+
+/// The free space that the file system reports to ordinary users. For a folder that does not exist yet
+/// it is that of the nearest folder above.
+class StatVolumes final : public Volumes
+{
+public:
+    std::optional<int64_t> availableCapacity(const QString &folder) const override;
 };

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/KeyTap.h"
-#include "machine/desktop/GlibPointer.h"
+#include "machine/desktop/GlibThread.h"
 #include "machine/desktop/Guard.h"
 
 #include <QList>

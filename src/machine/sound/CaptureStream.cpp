@@ -1,7 +1,7 @@
 #include "machine/sound/CaptureStream.h"
 
 #include "machine/sound/PulseConnection.h"
-#include "machine/sound/soundLog.h"
+#include "machine/sound/PulseLoop.h"
 
 #include <QByteArray>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "machine/sound/LoopTimer.h"
+#include "machine/sound/PulseLoop.h"
 
 #include <QByteArrayView>
 
@@ -28,8 +28,7 @@ public:
 
     CaptureStream(PulseConnection &connection, uint32_t sampleRate, Listener listener);
     ~CaptureStream();
-    CaptureStream(const CaptureStream &) = delete;
-    CaptureStream &operator=(const CaptureStream &) = delete;
+    Q_DISABLE_COPY_MOVE(CaptureStream)
 
     /// Opens the microphone, and tells whether it is open: not when the server refuses or does not answer in
     /// a second.

@@ -1,17 +1,50 @@
 #pragma once
 
-#include "machine/sound/InputSources.h"
-#include "machine/sound/LoopTimer.h"
 #include "machine/sound/PulseLoop.h"
+
+#include <QByteArray>
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
+#include <map>
 #include <optional>
 #include <vector>
 
 #include <pulse/context.h>
 #include <pulse/introspect.h>
 #include <pulse/subscribe.h>
+
+/// The sound sources of an audio server, and which of them a dictation listens to.
+///
+/// A monitor is a source that repeats what a sink plays; it is no microphone.
+class InputSources final
+{
+public:
+    void insert(uint32_t index, const QByteArray &name, bool isMonitor);
+    void remove(uint32_t index) { m_sources.erase(index); }
+    void setDefault(const QByteArray &name) { m_default = name; }
+    void clear();
+
+    /// Whether any source is a real input.
+    bool hasInput() const;
+
+    bool isMonitor(uint32_t index) const;
+
+    /// The source to ask the server for: empty for its default, which is the rule. Only when the
+    /// default is a monitor, or there is none, is it the name of the first real input instead.
+    QByteArray choice() const;
+
+private:
+    struct Source
+    {
+        QByteArray name;
+        bool isMonitor = false;
+    };
+
+    std::map<uint32_t, Source> m_sources; // by the server's index: the oldest first
+    QByteArray m_default;
+};
 
 /// The program's one connection to the audio server, PulseAudio or PipeWire, kept open all the time.
 ///
@@ -30,8 +63,7 @@ public:
 
     PulseConnection();
     ~PulseConnection();
-    PulseConnection(const PulseConnection &) = delete;
-    PulseConnection &operator=(const PulseConnection &) = delete;
+    Q_DISABLE_COPY_MOVE(PulseConnection)
 
     /// Where things stand. From any thread, as `hasInput` and `isRefused`.
     State state() const { return m_state; }

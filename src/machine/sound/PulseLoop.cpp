@@ -1,14 +1,22 @@
 #include "machine/sound/PulseLoop.h"
 
-#include "machine/sound/soundLog.h"
-
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <utility>
 
 #include <pthread.h>
+#include <pulse/timeval.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+} // namespace
+
+Q_LOGGING_CATEGORY(soundLog, "com.sayvane.app.sound")
 
 PulseLoop::PulseLoop() : m_loop(pa_mainloop_new()), m_bell(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
 {
@@ -70,4 +78,25 @@ void PulseLoop::doPosted()
     }
     for (Task &task : tasks)
         std::exchange(task, nullptr)(); // with what it holds: much of that may die on this thread only
+}
+
+LoopTimer::LoopTimer(PulseLoop &loop, std::chrono::microseconds delay, PulseLoop::Task call)
+    : m_api(loop.api()),
+      m_call(std::move(call))
+{
+    timeval when;
+    pa_timeval_add(pa_gettimeofday(&when), pa_usec_t(std::max(delay, 0us).count()));
+    m_event = m_api->time_new(
+        m_api, &when,
+        [](pa_mainloop_api *api, pa_time_event *event, const timeval *, void *data) {
+            auto *self = static_cast<LoopTimer *>(data);
+            api->time_restart(event, nullptr);
+            std::exchange(self->m_call, nullptr)();
+        },
+        this);
+}
+
+LoopTimer::~LoopTimer()
+{
+    m_api->time_free(m_event);
 }

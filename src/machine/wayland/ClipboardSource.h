@@ -2,10 +2,32 @@
 
 #include "base/Pasteboard.h"
 
+#include <QByteArray>
 #include <QObject>
+#include <QSocketNotifier>
 
 struct zwlr_data_control_manager_v1;
 struct zwlr_data_control_source_v1;
+
+/// Writes to a pipe as fast as its reader takes it, and deletes itself at the end, or when the reader went
+/// away or takes nothing for too long.
+class PipeWriter final : public QObject
+{
+    Q_OBJECT
+public:
+    /// Takes the descriptor over.
+    PipeWriter(int descriptor, QByteArray bytes, QObject *parent);
+    ~PipeWriter() override;
+    Q_DISABLE_COPY_MOVE(PipeWriter)
+
+private:
+    void write();
+
+    int m_descriptor;
+    QSocketNotifier m_notifier;
+    QByteArray m_bytes;
+    qsizetype m_written = 0;
+};
 
 /// What we put on the clipboard, given from memory to whoever asks.
 class ClipboardSource final : public QObject

@@ -1,7 +1,7 @@
 #include "machine/wayland/LayerPanel.h"
 
 #include "base/Appearance.h"
-#include "base/PanelContent.h"
+#include "base/FloatingPanel.h"
 #include "machine/wayland/WaylandConnection.h"
 
 #include <algorithm>

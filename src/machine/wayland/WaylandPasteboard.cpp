@@ -2,7 +2,6 @@
 
 #include "machine/wayland/ClipboardOffer.h"
 #include "machine/wayland/ClipboardSource.h"
-#include "machine/wayland/PipeReader.h"
 
 #include <QCoroSignal>
 #include <QPointer>

@@ -1,8 +1,6 @@
 #include "machine/x11/DesktopSettings.h"
 
-#include "machine/x11/WindowProperty.h"
 #include "machine/x11/X11Connection.h"
-#include "machine/x11/XcbReply.h"
 
 #include <QtEndian>
 
@@ -47,7 +45,7 @@ private:
     bool m_isBigEndian = false;
 };
 
-enum class Type : uint8_t { integer, string, colour };
+enum class Type : uint8_t { integer, string, color };
 
 } // namespace
 
@@ -74,7 +72,7 @@ std::optional<int32_t> DesktopSettings::integer(QByteArrayView name) const
         reader.take(sizeof(uint32_t)); // when it last changed
         if (type == Type::string) {
             reader.padded(reader.number<uint32_t>());
-        } else if (type == Type::colour) {
+        } else if (type == Type::color) {
             reader.take(4 * sizeof(uint16_t));
         } else if (type == Type::integer) {
             const QByteArrayView value = reader.take(sizeof(int32_t));

@@ -1,10 +1,10 @@
 #include "machine/x11/FocusedWindow.h"
 
-#include "machine/x11/WindowProperty.h"
 #include "machine/x11/X11Connection.h"
-#include "machine/x11/XcbReply.h"
 
 #include <QList>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 

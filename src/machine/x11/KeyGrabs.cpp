@@ -3,7 +3,6 @@
 #include "machine/desktop/KeyPositions.h"
 #include "machine/x11/ModifierMap.h"
 #include "machine/x11/X11Connection.h"
-#include "machine/x11/XcbReply.h"
 
 #include <vector>
 

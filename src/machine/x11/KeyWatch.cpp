@@ -1,7 +1,7 @@
 #include "machine/x11/KeyWatch.h"
 
 #include "machine/desktop/KeyPositions.h"
-#include "machine/x11/XcbReply.h"
+#include "machine/x11/X11Connection.h"
 
 #include <QLoggingCategory>
 #include <QStringList>
@@ -13,6 +13,7 @@
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 Q_LOGGING_CATEGORY(hotkeyLog, "com.sayvane.app.hotkey")
@@ -27,15 +28,15 @@ QString nameOf(const KeyChord &chord)
 {
     QStringList parts;
     if (chord.flags & KeyFlags::fn)
-        parts << QStringLiteral("Super");
+        parts << u"Super"_s;
     if (chord.flags & KeyFlags::command)
-        parts << QStringLiteral("AltGr");
+        parts << u"AltGr"_s;
     if (chord.flags & KeyFlags::option)
-        parts << QStringLiteral("Alt");
+        parts << u"Alt"_s;
     if (chord.flags & KeyFlags::control)
-        parts << QStringLiteral("Ctrl");
+        parts << u"Ctrl"_s;
     if (chord.flags & KeyFlags::shift)
-        parts << QStringLiteral("Shift");
+        parts << u"Shift"_s;
     std::array<char, 64> symbol{};
     xkb_keysym_get_name(KeyPositions::symbol(chord.keyCode), symbol.data(), symbol.size());
     parts << QString::fromLatin1(symbol.data());

@@ -2,9 +2,32 @@
 
 #include "machine/desktop/PanelShadow.h"
 
+#include <QAccessibleObject>
 #include <QRasterWindow>
+#include <QSize>
+
+#include <xcb/xcb.h>
 
 class PanelContent;
+class QPainter;
+class QRegion;
+
+/// The outline of a window where nothing can be translucent: a rounded rectangle of whole pixels.
+class PanelOutline
+{
+public:
+    /// On the connection that made the window.
+    PanelOutline(xcb_connection_t *connection, xcb_window_t window);
+
+    /// Cuts the window, which has this size, to rounded corners.
+    void cut(const QSize &pixels, double cornerRadius) const;
+    /// Leaves the window its whole rectangle.
+    void clear() const;
+
+private:
+    xcb_connection_t *m_connection;
+    xcb_window_t m_window;
+};
 
 /// The window of a floating panel. Beside a compositor it is translucent and larger than the panel by the
 /// shadow around it; else it is exactly as large.
@@ -32,4 +55,29 @@ private:
     double m_cornerRadius = 0;
     bool m_isComposited = false;
     QString m_announcement;
+};
+
+/// The floating panel for screen readers: one notification, whose parts (a meter, a spinner, an icon) say
+/// nothing of their own.
+class AccessiblePanel final : public QAccessibleObject
+{
+public:
+    explicit AccessiblePanel(PanelWindow &window);
+
+    /// Makes the panels of this program known; once is enough.
+    static void install();
+    /// Tells listening screen readers that the panel says something new.
+    static void announce(PanelWindow &window);
+
+    QAccessibleInterface *parent() const override;
+    QAccessibleInterface *child(int) const override { return nullptr; }
+    int childCount() const override { return 0; }
+    int indexOfChild(const QAccessibleInterface *) const override { return -1; }
+    QString text(QAccessible::Text kind) const override;
+    QAccessible::Role role() const override { return QAccessible::Notification; }
+    QAccessible::State state() const override;
+    QRect rect() const override;
+
+private:
+    PanelWindow &m_window;
 };

@@ -1,9 +1,7 @@
 #include "machine/x11/SelectionOwner.h"
 
 #include "machine/x11/SelectionSender.h"
-#include "machine/x11/WindowProperty.h"
 #include "machine/x11/X11Connection.h"
-#include "machine/x11/XcbReply.h"
 
 #include <algorithm>
 

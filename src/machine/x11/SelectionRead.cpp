@@ -1,6 +1,5 @@
 #include "machine/x11/SelectionRead.h"
 
-#include "machine/x11/WindowProperty.h"
 #include "machine/x11/X11Connection.h"
 
 #include <QSet>

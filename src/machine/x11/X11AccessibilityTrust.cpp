@@ -2,7 +2,6 @@
 
 #include "machine/x11/X11Connection.h"
 #include "machine/x11/X11Keyboard.h"
-#include "machine/x11/XcbReply.h"
 
 #include <algorithm>
 #include <span>

@@ -4,10 +4,16 @@
 #include <QDeadlineTimer>
 
 #include <csignal>
+#include <cstring>
 
 #include <poll.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
+
+// The server numbers from 1 and uses 29 bits.
+constexpr xcb_atom_t firstOwnAtom = 0x80000000;
 
 xcb_window_t rootOf(xcb_connection_t *xcb, int screenNumber)
 {
@@ -19,7 +25,86 @@ xcb_window_t rootOf(xcb_connection_t *xcb, int screenNumber)
     return screens.data->root;
 }
 
+WindowProperty get(X11Connection &connection, bool deleting, xcb_window_t window, xcb_atom_t property,
+                   qsizetype maxBytes)
+{
+    WindowProperty result;
+    xcb_connection_t *xcb = connection.xcb();
+    const auto words = static_cast<uint32_t>(maxBytes / 4 + 1);
+    const auto cookie =
+        xcb_get_property(xcb, deleting, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, words);
+    xcb_generic_error_t *error = nullptr;
+    const auto reply = adopt(xcb_get_property_reply(xcb, cookie, &error));
+    const auto refusal = adopt(error);
+    if (!reply)
+        return result;
+    result.type = reply->type;
+    result.format = reply->format;
+    result.bytes = QByteArray(static_cast<const char *>(xcb_get_property_value(reply.get())),
+                              xcb_get_property_value_length(reply.get()));
+    result.isWhole = reply->bytes_after == 0 && result.bytes.size() <= maxBytes;
+    return result;
+}
+
 } // namespace
+
+X11Atoms::X11Atoms(X11Connection &connection) : m_connection(connection)
+{
+}
+
+xcb_atom_t X11Atoms::operator[](const QByteArray &name)
+{
+    return of({name}).constFirst();
+}
+
+QList<xcb_atom_t> X11Atoms::of(const QList<QByteArray> &names)
+{
+    xcb_connection_t *xcb = m_connection.xcb();
+    QHash<QByteArray, xcb_intern_atom_cookie_t> asked;
+    for (const QByteArray &name : names) {
+        if (!m_atoms.contains(name) && !asked.contains(name))
+            asked.insert(name, xcb_intern_atom(xcb, false, static_cast<uint16_t>(name.size()), name.data()));
+    }
+    for (auto it = asked.cbegin(); it != asked.cend(); ++it) {
+        if (const auto reply = adopt(xcb_intern_atom_reply(xcb, it.value(), nullptr)))
+            remember(reply->atom, it.key());
+    }
+    QList<xcb_atom_t> atoms;
+    for (const QByteArray &name : names) {
+        if (!m_atoms.contains(name))
+            remember(firstOwnAtom + static_cast<xcb_atom_t>(m_atoms.size()), name);
+        atoms.append(m_atoms.value(name));
+    }
+    return atoms;
+}
+
+QList<QByteArray> X11Atoms::names(const QList<xcb_atom_t> &atoms)
+{
+    xcb_connection_t *xcb = m_connection.xcb();
+    QHash<xcb_atom_t, xcb_get_atom_name_cookie_t> asked;
+    for (const xcb_atom_t atom : atoms) {
+        if (!m_names.contains(atom) && !asked.contains(atom))
+            asked.insert(atom, xcb_get_atom_name(xcb, atom));
+    }
+    for (auto it = asked.cbegin(); it != asked.cend(); ++it) {
+        xcb_generic_error_t *error = nullptr;
+        const auto reply = adopt(xcb_get_atom_name_reply(xcb, it.value(), &error));
+        const auto refusal = adopt(error);
+        if (reply)
+            remember(it.key(), QByteArray(xcb_get_atom_name_name(reply.get()),
+                                          xcb_get_atom_name_name_length(reply.get())));
+    }
+    QList<QByteArray> names;
+    for (const xcb_atom_t atom : atoms)
+        names.append(m_names.value(atom));
+    return names;
+}
+
+void X11Atoms::remember(xcb_atom_t atom, const QByteArray &name)
+{
+    m_atoms.insert(name, atom);
+    m_names.insert(atom, name);
+}
 
 X11Connection::X11Connection(const QByteArray &display) : m_xcb(nullptr), m_atoms(*this)
 {
@@ -43,6 +128,17 @@ X11Connection::~X11Connection()
     m_notifier.reset();
     flush(); // disconnecting would drop what is still on its way
     xcb_disconnect(m_xcb);
+}
+
+QString X11Connection::objection()
+{
+    const QByteArray name = qgetenv("DISPLAY");
+    if (name.isEmpty())
+        return u"There is no display to run on: neither DISPLAY nor WAYLAND_DISPLAY is set."_s;
+    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
+    const bool answers = xcb_connection_has_error(connection) == 0;
+    xcb_disconnect(connection);
+    return answers ? QString() : u"The display %1 does not answer."_s.arg(QString::fromLocal8Bit(name));
 }
 
 bool X11Connection::hasExtension(QByteArrayView name) const
@@ -93,4 +189,24 @@ void X11Connection::dispatch(bool readSocket)
         return;
     m_notifier.release()->deleteLater(); // it may be the one that is calling
     Q_EMIT lost();
+}
+
+WindowProperty WindowProperty::read(X11Connection &connection, xcb_window_t window, xcb_atom_t property,
+                                    qsizetype maxBytes)
+{
+    return get(connection, false, window, property, maxBytes);
+}
+
+WindowProperty WindowProperty::take(X11Connection &connection, xcb_window_t window, xcb_atom_t property,
+                                    qsizetype maxBytes)
+{
+    return get(connection, true, window, property, maxBytes);
+}
+
+QList<uint32_t> WindowProperty::values() const
+{
+    QList<uint32_t> values(format == 32 ? bytes.size() / 4 : 0);
+    if (!values.isEmpty())
+        std::memcpy(values.data(), bytes.constData(), static_cast<std::size_t>(values.size()) * 4);
+    return values;
 }

@@ -5,7 +5,7 @@
 #include "machine/x11/X11KeyPoster.h"
 #include "machine/x11/X11KeyTaps.h"
 #include "machine/x11/X11Keyboard.h"
-#include "machine/x11/X11PasteboardThread.h"
+#include "machine/x11/X11Pasteboard.h"
 
 /// What an X11 session gives: keys, keystrokes and the clipboard. Needs an event loop, not a window.
 ///

@@ -1,12 +1,37 @@
 #pragma once
 
 #include "base/FloatingPanel.h"
-#include "machine/x11/Compositor.h"
-#include "machine/x11/PanelOutline.h"
 #include "machine/x11/PanelWindow.h"
+
+#include <QObject>
+
+#include <xcb/xcb.h>
 
 class PanelContent;
 class QScreen;
+class X11Connection;
+
+/// Whether something composes the screen out of its windows, so that they may be translucent. That something
+/// comes and goes while the desktop runs.
+class Compositor final : public QObject
+{
+    Q_OBJECT
+public:
+    explicit Compositor(X11Connection &connection);
+
+    bool isRunning() const { return m_isRunning; }
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    void handle(const xcb_generic_event_t &event);
+
+    X11Connection &m_connection;
+    xcb_atom_t m_selection; ///< owned by the compositor of the first screen
+    uint8_t m_selectionNotify = 0;
+    bool m_isRunning = false;
+};
 
 /// A floating panel on an X11 desktop.
 class X11FloatingPanel final : public QObject, public FloatingPanel
@@ -33,4 +58,16 @@ private:
     Compositor m_compositor;
     PanelWindow m_window;
     PanelOutline m_outline;
+};
+
+/// The floating panels of an X11 desktop.
+class X11FloatingPanels final : public FloatingPanels
+{
+public:
+    explicit X11FloatingPanels(X11Connection &connection) : m_connection(connection) {}
+
+    std::unique_ptr<FloatingPanel> create(PanelContent &content) override;
+
+private:
+    X11Connection &m_connection;
 };

@@ -3,11 +3,10 @@
 #include "base/AccessibilityTrust.h"
 #include "machine/desktop/KeyPositions.h"
 #include "machine/x11/FocusedWindow.h"
-#include "machine/x11/WindowProperty.h"
 #include "machine/x11/X11Connection.h"
 #include "machine/x11/X11KeyTaps.h"
 #include "machine/x11/X11Keyboard.h"
-#include "machine/x11/X11PasteboardThread.h"
+#include "machine/x11/X11Pasteboard.h"
 
 #include <QCoroTimer>
 #include <QDeadlineTimer>

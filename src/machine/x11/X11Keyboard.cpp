@@ -1,7 +1,6 @@
 #include "machine/x11/X11Keyboard.h"
 
 #include "machine/x11/X11Connection.h"
-#include "machine/x11/XcbReply.h"
 #include "machine/x11/XkbProtocol.h"
 
 #include <chrono>

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "machine/x11/ModifierMap.h"
-#include "machine/x11/X11Keymap.h"
 
 #include <QObject>
 #include <QTimer>

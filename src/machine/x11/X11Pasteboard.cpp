@@ -1,13 +1,11 @@
 #include "machine/x11/X11Pasteboard.h"
 
 #include "machine/x11/SelectionRead.h"
-#include "machine/x11/X11Connection.h"
-#include "machine/x11/XcbReply.h"
 
+#include <QCoroFuture>
 #include <QCoroSignal>
 #include <QPointer>
-
-#include <chrono>
+#include <QPromise>
 
 using namespace std::chrono_literals;
 
@@ -23,6 +21,13 @@ xcb_window_t ownerOf(const X11Connection &connection, xcb_atom_t selection)
     const auto cookie = xcb_get_selection_owner(connection.xcb(), selection);
     const auto reply = adopt(xcb_get_selection_owner_reply(connection.xcb(), cookie, nullptr));
     return reply ? reply->owner : xcb_window_t(XCB_WINDOW_NONE);
+}
+
+QCoro::Task<> lend(X11Pasteboard &pasteboard, std::shared_ptr<QPromise<void>> promise)
+{
+    QCoro::Task<void> lending = pasteboard.lendToPrimary();
+    co_await lending;
+    promise->finish();
 }
 
 } // namespace
@@ -165,4 +170,18 @@ void X11Pasteboard::leaveToClipboardManager()
     xcb_convert_selection(m_connection.xcb(), m_clipboard.window(), manager, saveTargets, saveTargets,
                           XCB_CURRENT_TIME);
     m_connection.dispatchUntil([&] { return isAnswered && m_sender.isIdle(); }, handoverLimit);
+}
+
+X11PasteboardThread::X11PasteboardThread(const QByteArray &display)
+    : PasteboardThread([&display] { return std::make_unique<X11Pasteboard>(display); })
+{
+}
+
+QCoro::Task<void> X11PasteboardThread::lendToPrimary()
+{
+    const auto promise = std::make_shared<QPromise<void>>();
+    promise->start();
+    const QFuture<void> future = promise->future();
+    there([promise](Pasteboard &pasteboard) { lend(static_cast<X11Pasteboard &>(pasteboard), promise); });
+    co_await future;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Pasteboard.h"
+#include "machine/desktop/PasteboardThread.h"
 #include "machine/x11/SelectionOwner.h"
 #include "machine/x11/SelectionSender.h"
 #include "machine/x11/X11Connection.h"
@@ -62,4 +63,14 @@ private:
     std::optional<SelectionContents> m_borrowedPrimary; // what PRIMARY was before it was lent to
     QHash<xcb_atom_t, Shape> m_shapes;                  // how formats were delivered when last read
     std::vector<std::unique_ptr<SelectionRead>> m_reads;
+};
+
+/// The clipboard of an X11 session on a connection and a thread of its own.
+class X11PasteboardThread final : public PasteboardThread
+{
+public:
+    explicit X11PasteboardThread(const QByteArray &display);
+
+    /// As of X11Pasteboard; once it is done, the server knows.
+    QCoro::Task<void> lendToPrimary();
 };

@@ -1,10 +1,10 @@
 #include "screens/dashboard/DashboardView.h"
 
-#include "cloud/account/Credentials.h"
-#include "screens/dashboard/DashboardNavigation.h"
 #include "base/Clock.h"
+#include "cloud/account/Credentials.h"
 #include "preferences/Keychain.h"
 #include "preferences/Prefs.h"
+#include "screens/dashboard/DashboardNavigation.h"
 
 #include <utility>
 

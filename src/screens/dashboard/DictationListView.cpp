@@ -1,10 +1,10 @@
 #include "screens/dashboard/DictationListView.h"
 
-#include "screens/dashboard/StatsCard.h"
-#include "history/HistoryStore.h"
 #include "base/Clock.h"
 #include "base/Pasteboard.h"
+#include "history/HistoryStore.h"
 #include "preferences/Prefs.h"
+#include "screens/dashboard/StatsCard.h"
 
 #include <QLocale>
 

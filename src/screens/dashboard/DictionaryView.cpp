@@ -1,7 +1,7 @@
 #include "screens/dashboard/DictionaryView.h"
 
-#include "preferences/Prefs.h"
 #include "base/Text.h"
+#include "preferences/Prefs.h"
 
 #include <algorithm>
 

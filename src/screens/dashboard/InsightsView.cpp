@@ -1,11 +1,11 @@
 #include "screens/dashboard/InsightsView.h"
 
+#include "base/Clock.h"
+#include "base/Decimal.h"
+#include "history/HistoryStore.h"
+#include "preferences/Prefs.h"
 #include "screens/dashboard/Figure.h"
 #include "screens/dashboard/StatsCard.h"
-#include "history/HistoryStore.h"
-#include "base/Clock.h"
-#include "preferences/Prefs.h"
-#include "base/Decimal.h"
 
 #include <QLocale>
 

@@ -1,7 +1,7 @@
 #include "screens/dashboard/UsageCard.h"
 
-#include "screens/dashboard/Figure.h"
 #include "base/Decimal.h"
+#include "screens/dashboard/Figure.h"
 
 #include <QLocale>
 

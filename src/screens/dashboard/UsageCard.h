@@ -1,7 +1,7 @@
 #pragma once
 
-#include "history/UsageSummary.h"
 #include "base/Provider.h"
+#include "history/UsageSummary.h"
 
 #include <QCoreApplication>
 #include <QObject>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "screens/kit/Theme.h"
 #include "screens/WindowEngine.h"
+#include "screens/kit/Theme.h"
 
 #include <QQmlEngine>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "screens/kit/ThemeColors.h"
 #include "base/Appearance.h"
+#include "screens/kit/ThemeColors.h"
 
 #include <QObject>
 #include <QString>

@@ -1,7 +1,7 @@
 #include "screens/labs/LabsTexts.h"
 
-#include "cloud/labs/LabsProvider.h"
 #include "base/Text.h"
+#include "cloud/labs/LabsProvider.h"
 
 #include <QStringList>
 

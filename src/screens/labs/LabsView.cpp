@@ -1,10 +1,10 @@
 #include "screens/labs/LabsView.h"
 
-#include "dictation/TextInserter.h"
-#include "screens/labs/LabsTexts.h"
 #include "base/Pasteboard.h"
-#include "preferences/Prefs.h"
 #include "base/Text.h"
+#include "dictation/TextInserter.h"
+#include "preferences/Prefs.h"
+#include "screens/labs/LabsTexts.h"
 
 #include <QPointer>
 

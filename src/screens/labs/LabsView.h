@@ -1,8 +1,8 @@
 #pragma once
 
-#include "screens/labs/PromptDictation.h"
 #include "cloud/labs/LabsAnswerMode.h"
 #include "cloud/labs/LabsSession.h"
+#include "screens/labs/PromptDictation.h"
 
 #include <QCoroTask>
 #include <QObject>

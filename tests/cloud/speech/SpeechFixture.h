@@ -3,9 +3,9 @@
 #include "cloud/account/AccountSessionStore.h"
 #include "cloud/account/AccountStatus.h"
 #include "cloud/account/Credentials.h"
+#include "cloud/speech/Transcriber.h"
 #include "preferences/Keychain.h"
 #include "preferences/Prefs.h"
-#include "cloud/speech/Transcriber.h"
 #include "support/FakeMachine.h"
 
 #include <QFile>

@@ -266,10 +266,11 @@ void TranscriptionTest::stoppingEndsItQuietly()
     m->transcribe();
     m->http().answer(404, R"({"error":{"message":"model not found"}})"); // and now it looks for another
     m->stop.request_stop();
+    QCoreApplication::processEvents();
     QVERIFY(m->outcome().startsWith(u"! "_s));
     QCOMPARE(m->http().requests.size(), 2);
     m->transcribe();
-    QCOMPARE(m->outcome(), u"! Cancelled."_s);
+    QTRY_COMPARE(m->outcome(), u"! Cancelled."_s);
 }
 
 QTEST_GUILESS_MAIN(TranscriptionTest)

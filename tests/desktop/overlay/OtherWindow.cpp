@@ -1,7 +1,7 @@
 #include "desktop/overlay/OtherWindow.h"
 
 #include "machine/x11/FocusedWindow.h"
-#include "machine/x11/WindowProperty.h"
+#include "machine/x11/X11Connection.h"
 
 #include <QGuiApplication>
 #include <QScreen>

@@ -1,9 +1,9 @@
-#include "dictation/OverlayPanel.h"
 #include "desktop/overlay/OtherWindow.h"
-#include "overlay/OverlayDisplay.h"
+#include "dictation/OverlayPanel.h"
 #include "machine/x11/DesktopSettings.h"
-#include "machine/x11/WorkArea.h"
-#include "machine/x11/X11FloatingPanels.h"
+#include "machine/x11/MainScreen.h"
+#include "machine/x11/X11FloatingPanel.h"
+#include "overlay/OverlayDisplay.h"
 #include "support/VirtualClock.h"
 
 #include <QGuiApplication>

@@ -1,8 +1,8 @@
 #include "desktop/screens/Stage.h"
 
-#include "screens/kit/QuickWindowEngine.h"
-#include "history/HistoryFile.h"
 #include "base/AtomicFile.h"
+#include "history/HistoryFile.h"
+#include "screens/kit/QuickWindowEngine.h"
 
 #include <QDir>
 #include <QQuickWindow>

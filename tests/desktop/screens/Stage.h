@@ -1,8 +1,8 @@
 #pragma once
 
 #include "program/Host.h"
-#include "support/FakeMachine.h"
 #include "program/Windows.h"
+#include "support/FakeMachine.h"
 
 #include <QSize>
 

@@ -1,6 +1,6 @@
-#include "screens/kit/QuickWindowEngine.h"
 #include "desktop/screens/Scene.h"
 #include "machine/Wording.h"
+#include "screens/kit/QuickWindowEngine.h"
 
 #include <QDir>
 #include <QGuiApplication>

@@ -6,15 +6,17 @@
 
 #include <sys/prctl.h>
 
+using namespace Qt::StringLiterals;
+
 AudioServer::AudioServer(const QStringList &modules) : m_modules(modules)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("PULSE_RUNTIME_PATH"), m_folder.path());
-    environment.insert(QStringLiteral("PULSE_STATE_PATH"), m_folder.path());
+    environment.insert(u"PULSE_RUNTIME_PATH"_s, m_folder.path());
+    environment.insert(u"PULSE_STATE_PATH"_s, m_folder.path());
     m_process.setProcessEnvironment(environment);
     m_process.setProcessChannelMode(QProcess::MergedChannels);
     m_process.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
-    qputenv("PULSE_SERVER", "unix:" + QFile::encodeName(path(QStringLiteral("native"))));
+    qputenv("PULSE_SERVER", "unix:" + QFile::encodeName(path(u"native"_s)));
     start();
 }
 
@@ -26,16 +28,14 @@ AudioServer::~AudioServer()
 
 void AudioServer::start()
 {
-    QStringList arguments{QStringLiteral("-n"), QStringLiteral("--daemonize=no"), QStringLiteral("--exit-idle-time=-1"),
-                          QStringLiteral("--use-pid-file=no"), QStringLiteral("--disable-shm=yes")};
+    QStringList arguments{u"-n"_s, u"--daemonize=no"_s, u"--exit-idle-time=-1"_s, u"--use-pid-file=no"_s,
+                          u"--disable-shm=yes"_s};
     for (const QString &module : m_modules)
-        arguments << QStringLiteral("-L") << module;
+        arguments << u"-L"_s << module;
     // The door comes last: whoever gets in finds everything in place.
-    arguments << QStringLiteral("-L")
-              << QStringLiteral("module-native-protocol-unix socket=%1").arg(path(QStringLiteral("native")));
-    m_process.start(QStringLiteral("pulseaudio"), arguments);
-    QTRY_VERIFY2_WITH_TIMEOUT(control({QStringLiteral("info")}).contains("Server Name"),
-                              m_process.readAll().constData(), 10000);
+    arguments << u"-L"_s << u"module-native-protocol-unix socket=%1"_s.arg(path(u"native"_s));
+    m_process.start(u"pulseaudio"_s, arguments);
+    QTRY_VERIFY2_WITH_TIMEOUT(control({u"info"_s}).contains("Server Name"), m_process.readAll().constData(), 10000);
 }
 
 void AudioServer::kill()
@@ -57,7 +57,7 @@ void AudioServer::goOn() const
 QByteArray AudioServer::control(const QStringList &command) const
 {
     QProcess pactl;
-    pactl.start(QStringLiteral("pactl"), command);
+    pactl.start(u"pactl"_s, command);
     pactl.waitForFinished();
     return pactl.readAllStandardOutput();
 }

@@ -155,41 +155,38 @@ private Q_SLOTS:
         m_keyring.reset();
     }
 
-    void whatThePersonAllowsIsDone_data()
-    {
-        QTest::addColumn<bool>("removes");
-        QTest::addColumn<bool>("isLocked");
-        QTest::addColumn<QList<bool>>("dismissed"); // answers, in order
-        QTest::addColumn<int32_t>("status");
-        const auto row = [](const char *name, bool removes, bool isLocked, const QList<bool> &dismissed,
-                            int32_t status) { QTest::newRow(name) << removes << isLocked << dismissed << status; };
-        row("saved", false, false, {false}, SecretStatus::success);
-        row("removed", true, false, {false}, SecretStatus::success);
-        row("not saved", false, false, {true}, SecretStatus::userCanceled);
-        row("not removed", true, false, {true}, SecretStatus::userCanceled);
-        row("opened and saved", false, true, {false, false}, SecretStatus::success);
-        row("opened and removed", true, true, {false, false}, SecretStatus::success);
-        row("not opened", true, true, {true}, SecretStatus::interactionNotAllowed);
-    }
     void whatThePersonAllowsIsDone()
     {
-        QFETCH(bool, removes);
-        QFETCH(bool, isLocked);
-        QFETCH(QList<bool>, dismissed);
-        QFETCH(int32_t, status);
-        m_keyring->stored = removes;
-        m_keyring->locked = isLocked;
-        const auto outcome = outcomeOf(removes ? remove() : add());
-        for (const bool each : std::as_const(dismissed)) {
-            QTRY_VERIFY(!m_keyring->shown.isEmpty());
-            m_clock.advance(1h); // the person is at lunch
-            QVERIFY(!*outcome);
-            m_keyring->answer(each);
+        struct Row
+        {
+            bool removes;
+            bool isLocked;
+            QList<bool> dismissed; // answers, in order
+            int32_t status;
+        };
+        for (const auto &[removes, isLocked, dismissed, status] :
+             {Row{false, false, {false}, SecretStatus::success}, Row{true, false, {false}, SecretStatus::success},
+              Row{false, false, {true}, SecretStatus::userCanceled},
+              Row{true, false, {true}, SecretStatus::userCanceled},
+              Row{false, true, {false, false}, SecretStatus::success},
+              Row{true, true, {false, false}, SecretStatus::success},
+              Row{true, true, {true}, SecretStatus::interactionNotAllowed}}) {
+            cleanup();
+            init();
+            m_keyring->stored = removes;
+            m_keyring->locked = isLocked;
+            const auto outcome = outcomeOf(removes ? remove() : add());
+            for (const bool each : dismissed) {
+                QTRY_VERIFY(!m_keyring->shown.isEmpty());
+                m_clock.advance(1h); // the person is at lunch
+                QVERIFY(!*outcome);
+                m_keyring->answer(each);
+            }
+            QTRY_COMPARE(*outcome, status);
+            QCOMPARE(m_keyring->stored, removes != (status == SecretStatus::success));
+            m_keyring->locked = false;
+            QCOMPARE(found(), m_keyring->stored ? SecretStatus::success : SecretStatus::itemNotFound);
         }
-        QTRY_COMPARE(*outcome, status);
-        QCOMPARE(m_keyring->stored, removes != (status == SecretStatus::success));
-        m_keyring->locked = false;
-        QCOMPARE(found(), m_keyring->stored ? SecretStatus::success : SecretStatus::itemNotFound);
     }
 
     void onePromptIsOpenAtATime()

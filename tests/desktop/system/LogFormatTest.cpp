@@ -1,5 +1,4 @@
 #include "machine/desktop/LogFormat.h"
-#include "machine/desktop/LogRepeats.h"
 
 #include <QtTest>
 

@@ -1,6 +1,6 @@
-#include "machine/network/NetworkTransport.h"
 #include "cloud/speech/CleanupPrompt.h"
 #include "cloud/speech/SpeechFixture.h"
+#include "machine/network/NetworkTransport.h"
 #include "support/server/ConnectProxy.h"
 #include "support/server/TlsServer.h"
 

@@ -76,17 +76,9 @@ private Q_SLOTS:
 
         QCOMPARE(remove(store, m_account), SecretStatus::success);
         QCOMPARE(find(store, m_account).status, SecretStatus::itemNotFound);
-        QCOMPARE(add(store, "gsk_two"), SecretStatus::success);
-        expect(store, "gsk_two");
-    }
-
-    void bytesComeBackAsTheyWere()
-    {
-        const QByteArray data("\xff\xfe\x80gsk\0b\0", 9);
-        start();
-        SecretServiceStore store(m_clock, {});
-        QCOMPARE(add(store, data), SecretStatus::success);
-        expect(store, data);
+        const QByteArray bytes("\xff\xfe\x80gsk\0b\0", 9);
+        QCOMPARE(add(store, bytes), SecretStatus::success);
+        expect(store, bytes);
     }
 
     void aProfileSeesOnlyItsOwn()
@@ -127,14 +119,6 @@ private Q_SLOTS:
         QCOMPARE(find(store, u"never stored"_s).status, SecretStatus::itemNotFound);
     }
 
-    void withoutAKeyringNothingIsAvailable()
-    {
-        SecretServiceStore store(m_clock, {});
-        QCOMPARE(find(store, m_account).status, SecretStatus::notAvailable);
-        QCOMPARE(add(store, "gsk_one"), SecretStatus::notAvailable);
-        QCOMPARE(remove(store, m_account), SecretStatus::notAvailable);
-    }
-
     void aKeyringStartedAnewIsUsed()
     {
         start();
@@ -143,6 +127,8 @@ private Q_SLOTS:
         expect(store, "gsk_one");
         stop();
         QCOMPARE(find(store, m_account).status, SecretStatus::notAvailable);
+        QCOMPARE(add(store, "gsk_two"), SecretStatus::notAvailable);
+        QCOMPARE(remove(store, m_account), SecretStatus::notAvailable);
         start();
         expect(store, "gsk_one");
         stop();

@@ -1,6 +1,6 @@
+#include "desktop/x11/Typist.h"
 #include "dictation/HotkeyMonitor.h"
 #include "dictation/HotkeyRecorder.h"
-#include "desktop/x11/Typist.h"
 #include "machine/x11/WindowKeys.h"
 #include "machine/x11/X11Desktop.h"
 
@@ -49,10 +49,8 @@ class ShortcutCaptureTest final : public QObject
         }
         bool eventFilter(QObject *watched, QEvent *event) override
         {
-            if (watched == field && event->type() == QEvent::KeyPress) {
-                const auto &key = static_cast<QKeyEvent &>(*event);
-                pauses += key.key() == Qt::Key_Pause;
-            }
+            if (watched == field && event->type() == QEvent::KeyPress)
+                pauses += static_cast<QKeyEvent &>(*event).key() == Qt::Key_Pause;
             return false;
         }
         void use(const HotkeySpec &spec)
@@ -74,59 +72,53 @@ class ShortcutCaptureTest final : public QObject
     };
 
 private Q_SLOTS:
-    void takesWhatIsPressed_data()
-    {
-        QTest::addColumn<QString>("layout");
-        QTest::addColumn<QList<int>>("modifiers");
-        QTest::addColumn<int>("key");
-        QTest::addColumn<QString>("shortcut");
-        const QList<int> super{KEY_LEFTMETA};
-        const QList<int> altGr{KEY_RIGHTALT};
-        QTest::newRow("the old shortcut itself") << u"us"_s << super << KEY_SPACE << u"Fn + Space"_s;
-        QTest::newRow("a logo key that types Meta") << u"us -option altwin:meta_win"_s << super << KEY_J << u"Fn + J"_s;
-        QTest::newRow("a menu's shortcut") << u"us"_s << QList<int>{KEY_RIGHTCTRL} << KEY_O << u"⌃O"_s;
-        QTest::newRow("two modifiers") << u"us"_s << QList<int>{KEY_LEFTSHIFT, KEY_LEFTALT} << KEY_D << u"⌥⇧D"_s;
-        QTest::newRow("AltGr, German: the place of the key counts") << u"de"_s << altGr << KEY_Y << u"⌘Y"_s;
-        QTest::newRow("Dvorak: the place of the key counts")
-            << u"us -variant dvorak"_s << QList<int>{KEY_LEFTCTRL} << KEY_S << u"⌃S"_s;
-        QTest::newRow("a function key under Caps Lock and Num Lock") << u"us"_s << QList<int>{} << KEY_F5 << u"F5"_s;
-    }
     void takesWhatIsPressed()
     {
-        QFETCH(QString, layout);
-        QFETCH(QList<int>, modifiers);
-        QFETCH(int, key);
-        QFETCH(QString, shortcut);
-        Typist::setLayout(layout.split(u' '));
-        Scene scene;
-        QVERIFY(QTest::qWaitForWindowActive(&scene.window));
-        QTRY_VERIFY(scene.field->hasFocus());
-        if (modifiers.isEmpty()) {
-            scene.typist.tap(KEY_CAPSLOCK);
-            scene.typist.tap(KEY_NUMLOCK);
+        struct Row
+        {
+            QString layout;
+            QList<int> modifiers;
+            int key;
+            QString shortcut;
+        };
+        for (const auto &[layout, modifiers, key, shortcut] :
+             {Row{u"us"_s, {KEY_LEFTMETA}, KEY_SPACE, u"Fn + Space"_s}, // the one so far
+              Row{u"us -option altwin:meta_win"_s, {KEY_LEFTMETA}, KEY_J, u"Fn + J"_s},
+              Row{u"us"_s, {KEY_RIGHTCTRL}, KEY_O, u"⌃O"_s}, // the menu's
+              Row{u"us"_s, {KEY_LEFTSHIFT, KEY_LEFTALT}, KEY_D, u"⌥⇧D"_s},
+              Row{u"de"_s, {KEY_RIGHTALT}, KEY_Y, u"⌘Y"_s}, // the place of the key counts
+              Row{u"us"_s, {}, KEY_F5, u"F5"_s}}) {         // under Caps Lock and Num Lock
+            Typist::setLayout(layout.split(u' '));
+            Scene scene;
+            QVERIFY(QTest::qWaitForWindowActive(&scene.window));
+            QTRY_VERIFY(scene.field->hasFocus());
+            if (modifiers.isEmpty()) {
+                scene.typist.tap(KEY_CAPSLOCK);
+                scene.typist.tap(KEY_NUMLOCK);
+            }
+            scene.recorder.begin();
+            scene.typist.tap(KEY_A);
+            QTRY_VERIFY(scene.recorder.hint().value_or(QString()).startsWith(u"A on its own"));
+            for (const int modifier : modifiers)
+                scene.typist.press(modifier);
+            if (!modifiers.isEmpty())
+                QTRY_VERIFY(!scene.recorder.pressed().isEmpty());
+            scene.typist.press(key);
+            QTRY_VERIFY(!scene.recorder.capturing());
+            // Held on, the shortcut just chosen must not start anything.
+            QTRY_VERIFY(!scene.typist.isDown(key));
+            scene.typist.release(key);
+            for (const int modifier : modifiers)
+                scene.typist.release(modifier);
+            scene.typist.tap(KEY_PAUSE);
+            QTRY_VERIFY(scene.pauses > 0); // all that was typed before has arrived
+            QCOMPARE(scene.starts.load(), 0);
+            QCOMPARE(scene.field->text(), QString());
+            QCOMPARE(scene.menuUses, 0);
+            scene.chord(modifiers, key);
+            QTRY_COMPARE(scene.starts.load(), 1);
+            QCOMPARE(scene.chosen, shortcut);
         }
-        scene.recorder.begin();
-        scene.typist.tap(KEY_A);
-        QTRY_VERIFY(scene.recorder.hint().value_or(QString()).startsWith(u"A on its own"));
-        for (const int modifier : modifiers)
-            scene.typist.press(modifier);
-        if (!modifiers.isEmpty())
-            QTRY_VERIFY(!scene.recorder.pressed().isEmpty());
-        scene.typist.press(key);
-        QTRY_VERIFY(!scene.recorder.capturing());
-        // Held on, the shortcut just chosen must not start anything.
-        QTRY_VERIFY(!scene.typist.isDown(key));
-        scene.typist.release(key);
-        for (const int modifier : modifiers)
-            scene.typist.release(modifier);
-        scene.typist.tap(KEY_PAUSE);
-        QTRY_VERIFY(scene.pauses > 0); // all that was typed before has arrived
-        QCOMPARE(scene.starts.load(), 0);
-        QCOMPARE(scene.field->text(), QString());
-        QCOMPARE(scene.menuUses, 0);
-        scene.chord(modifiers, key);
-        QTRY_COMPARE(scene.starts.load(), 1);
-        QCOMPARE(scene.chosen, shortcut);
     }
 };
 

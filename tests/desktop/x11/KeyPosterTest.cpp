@@ -3,7 +3,7 @@
 #include "machine/x11/FocusedWindow.h"
 #include "machine/x11/SelectionOwner.h"
 #include "machine/x11/SelectionSender.h"
-#include "machine/x11/WindowProperty.h"
+#include "machine/x11/X11Connection.h"
 #include "machine/x11/X11Desktop.h"
 
 #include <QCoroTask>
@@ -13,9 +13,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <atomic>
+
 #include <linux/input-event-codes.h>
 
-Q_DECLARE_METATYPE(KeyChord)
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -36,103 +38,78 @@ class KeyPosterTest : public QObject
     /// Whether the window has seen Ctrl+V to its end.
     static bool hasPasted(const QStringList &log)
     {
-        static const QRegularExpression release(QStringLiteral("^-v .*Control"));
-        return log.indexOf(release) >= 0 && log.last().startsWith(QStringLiteral("-Control"));
+        static const QRegularExpression release(u"^-v .*Control"_s);
+        return log.indexOf(release) >= 0 && log.last().startsWith(u"-Control"_s);
     }
 
 private Q_SLOTS:
-    void pasteIsControlAndTheKeyThatTypesV_data()
-    {
-        QTest::addColumn<QStringList>("layout");
-        QTest::addColumn<int>("group");
-        QTest::addRow("dvorak") << QStringList{QStringLiteral("us"), QStringLiteral("dvorak")} << 0;
-        QTest::addRow("dvorak as the second group")
-            << QStringList{QStringLiteral("us,us"), QStringLiteral(",dvorak")} << 1;
-    }
-
     void pasteIsControlAndTheKeyThatTypesV()
     {
-        QFETCH(const QStringList, layout);
-        QFETCH(const int, group);
-        Typist::setLayout(layout);
-        X11Desktop desktop;
-        RecordingWindow window;
-        Typist typist;
-        typist.lockGroup(static_cast<uint8_t>(group));
-        QVERIFY(post(desktop, commandV));
-        const QStringList expected{QStringLiteral("+Control_L"), QStringLiteral("+v Control"),
-                                   QStringLiteral("-v Control"), QStringLiteral("-Control_L Control")};
-        QTRY_COMPARE(window.log().size(), 4);
-        QCOMPARE(window.log(), expected);
-        QVERIFY(!typist.isAnyKeyDown());
-    }
-
-    void lettersWithoutVStillPaste_data()
-    {
-        QTest::addColumn<QString>("layout");
-        QTest::addColumn<int>("group");
-        QTest::addColumn<QString>("expected");
-        QTest::addRow("in another group") << QStringLiteral("us,ru") << 1 << QStringLiteral("+Cyrillic_em Control");
-        // Editors of GTK and Qt do not take Ctrl+М for Ctrl+V.
-        QTest::addRow("in no group, Russian") << QStringLiteral("ru") << 0 << QStringLiteral("+Insert Shift");
-        QTest::addRow("in no group, Greek") << QStringLiteral("gr") << 0 << QStringLiteral("+Insert Shift");
+        for (const uint8_t group : {0, 1}) {
+            Typist::setLayout({group == 0 ? u"us"_s : u"us,us"_s, group == 0 ? u"dvorak"_s : u",dvorak"_s});
+            X11Desktop desktop;
+            RecordingWindow window;
+            Typist typist;
+            typist.lockGroup(group);
+            QVERIFY(post(desktop, commandV));
+            const QStringList expected{u"+Control_L"_s, u"+v Control"_s, u"-v Control"_s, u"-Control_L Control"_s};
+            QTRY_COMPARE(window.log().size(), 4);
+            QCOMPARE(window.log(), expected);
+            QVERIFY(!typist.isAnyKeyDown());
+        }
     }
 
     void lettersWithoutVStillPaste()
     {
-        QFETCH(const QString, layout);
-        QFETCH(const int, group);
-        QFETCH(const QString, expected);
-        Typist::setLayout({layout});
-        X11Desktop desktop;
-        RecordingWindow window;
-        Typist typist;
-        typist.lockGroup(static_cast<uint8_t>(group));
-        QVERIFY(post(desktop, commandV));
-        QTRY_COMPARE(window.log().size(), 4);
-        QCOMPARE(window.log()[1], expected);
-        QVERIFY(!post(desktop, {130, KeyFlags::command})); // no such key
-    }
-
-    void heldModifiersAreWaitedForAndThenTakenOutOfTheWay_data()
-    {
-        QTest::addColumn<QList<int>>("held");
-        QTest::addColumn<bool>("isReleasedInTime");
-        QTest::addColumn<QString>("expected");
-        const QString plain = QStringLiteral("+v Control");
-        QTest::addRow("Super let go") << QList<int>{KEY_LEFTMETA} << true << plain;
-        QTest::addRow("Super held on") << QList<int>{KEY_LEFTMETA} << false << plain;
-        QTest::addRow("V itself held on") << QList<int>{KEY_V} << false << plain;
-        QTest::addRow("Caps Lock on and Super held on")
-            << QList<int>{KEY_CAPSLOCK, KEY_LEFTMETA} << false << QStringLiteral("+v Lock Control");
+        // Editors of GTK and Qt do not take Ctrl+М for Ctrl+V.
+        for (const auto &[layout, expected] :
+             {std::pair(u"us,ru"_s, u"+Cyrillic_em Control"_s), {u"ru"_s, u"+Insert Shift"_s}}) {
+            Typist::setLayout({layout});
+            X11Desktop desktop;
+            RecordingWindow window;
+            Typist typist;
+            typist.lockGroup(layout.contains(u','));
+            QVERIFY(post(desktop, commandV));
+            QTRY_COMPARE(window.log().size(), 4);
+            QCOMPARE(window.log()[1], expected);
+            QVERIFY(!post(desktop, {130, KeyFlags::command})); // no such key
+        }
     }
 
     void heldModifiersAreWaitedForAndThenTakenOutOfTheWay()
     {
-        QFETCH(const QList<int>, held);
-        QFETCH(const bool, isReleasedInTime);
-        QFETCH(const QString, expected);
-        X11Desktop desktop;
-        RecordingWindow window;
-        Typist typist;
-        for (const int key : held) {
-            if (key == KEY_CAPSLOCK)
-                typist.tap(key);
-            else
-                typist.press(key);
+        struct Row
+        {
+            QList<int> held;
+            bool isReleasedInTime;
+            QString expected;
+        };
+        for (const auto &[held, isReleasedInTime, expected] :
+             {Row{{KEY_LEFTMETA}, true, u"+v Control"_s}, Row{{KEY_V}, false, u"+v Control"_s},
+              Row{{KEY_CAPSLOCK, KEY_LEFTMETA}, false, u"+v Lock Control"_s}}) {
+            X11Desktop desktop;
+            RecordingWindow window;
+            Typist typist;
+            for (const int key : held) {
+                if (key == KEY_CAPSLOCK)
+                    typist.tap(key);
+                else
+                    typist.press(key);
+            }
+            const uint16_t locks = typist.lockedModifiers();
+            const int last = held.last();
+            if (isReleasedInTime)
+                QTimer::singleShot(50, &desktop.connection(), [&typist, last] { typist.release(last); });
+            QVERIFY(post(desktop, commandV));
+            QTRY_VERIFY(hasPasted(window.log()));
+            QCOMPARE(window.log().filter(QRegularExpression(u"^[+]v .*Control"_s)), QStringList{expected});
+            QVERIFY(!typist.isAnyKeyDown());
+            // The fingers come up at last.
+            for (const int key : held)
+                typist.release(key);
+            QVERIFY(!typist.isAnyKeyDown());
+            QCOMPARE(typist.lockedModifiers(), locks);
         }
-        const uint16_t locks = typist.lockedModifiers();
-        if (isReleasedInTime)
-            QTimer::singleShot(50, &desktop.connection(), [&] { typist.release(held.last()); });
-        QVERIFY(post(desktop, commandV));
-        QTRY_VERIFY(hasPasted(window.log()));
-        QCOMPARE(window.log().filter(QRegularExpression(QStringLiteral("^[+]v .*Control"))), QStringList{expected});
-        QVERIFY(!typist.isAnyKeyDown());
-        // The fingers come up at last.
-        for (const int key : held)
-            typist.release(key);
-        QVERIFY(!typist.isAnyKeyDown());
-        QCOMPARE(typist.lockedModifiers(), locks);
     }
 
     /// The shortcut that ended the dictation is still held when the text is pasted.
@@ -141,7 +118,7 @@ private Q_SLOTS:
         X11Desktop desktop;
         RecordingWindow window;
         Typist typist;
-        int fired = 0;
+        std::atomic<int> fired = 0;
         const KeyChord fnSpace{49, KeyFlags::fn};
         const auto tap = desktop.keyTaps().install({&fnSpace, 1}, [&](const KeyEvent &event) {
             fired += event.type == KeyEventType::keyDown && !event.isAutorepeat;
@@ -149,83 +126,69 @@ private Q_SLOTS:
         });
         typist.press(KEY_LEFTMETA);
         typist.press(KEY_SPACE);
-        QTRY_COMPARE(fired, 1);
+        QTRY_COMPARE(fired.load(), 1);
         QVERIFY(post(desktop, commandV));
         QTRY_VERIFY(hasPasted(window.log()));
-        const QStringList expected{QStringLiteral("+Super_L"),   QStringLiteral("-Super_L Mod4"),
-                                   QStringLiteral("+Control_L"), QStringLiteral("+v Control"),
-                                   QStringLiteral("-v Control"), QStringLiteral("-Control_L Control")};
+        const QStringList expected{u"+Super_L"_s,   u"-Super_L Mod4"_s, u"+Control_L"_s,
+                                   u"+v Control"_s, u"-v Control"_s,    u"-Control_L Control"_s};
         QCOMPARE(window.log(), expected);
         typist.release(KEY_LEFTMETA);
         typist.release(KEY_SPACE);
         typist.tap(KEY_SPACE);
-        QTRY_VERIFY(window.log().contains(QStringLiteral("-space")));
-        QCOMPARE(window.log().filter(QStringLiteral("space")),
-                 QStringList({QStringLiteral("+space"), QStringLiteral("-space")}));
+        QTRY_VERIFY(window.log().contains(u"-space"_s));
+        QCOMPARE(window.log().filter(u"space"_s), QStringList({u"+space"_s, u"-space"_s}));
         QVERIFY(!typist.isAnyKeyDown());
     }
 
     /// And one that does not come back to us as the shortcut.
-    void aProgramGetsAKeystrokeThatItUnderstands_data()
-    {
-        QTest::addColumn<QByteArray>("program");
-        QTest::addColumn<KeyChord>("shortcut");
-        QTest::addColumn<QString>("expected");
-        const KeyChord fnSpace{49, KeyFlags::fn};
-        const KeyChord controlV{9, KeyFlags::control};
-        const KeyChord controlShiftV{9, KeyFlags::control | KeyFlags::shift};
-        const KeyChord shiftInsert{114, KeyFlags::shift};
-        const auto row = [](const char *program, const KeyChord &shortcut, const char *expected) {
-            QTest::addRow("%s %lld %llx", program, shortcut.keyCode, shortcut.flags)
-                << QByteArray(program) << shortcut << QString::fromLatin1(expected);
-        };
-        row("Recorder", controlV, "+Insert Shift");
-        row("Recorder", shiftInsert, "+v Control");
-        row("Xfce4-terminal", fnSpace, "+v Shift Control");
-        row("Xfce4-terminal", controlShiftV, "+Insert Shift");
-        row("Emacs", fnSpace, "+Insert Shift");
-        row("Emacs", shiftInsert, "+y Control");
-        row("Gvim", fnSpace, "+Insert Shift");
-        row("XTerm", shiftInsert, "+Insert Shift Control");
-    }
-
     void aProgramGetsAKeystrokeThatItUnderstands()
     {
-        QFETCH(const QByteArray, program);
-        QFETCH(const KeyChord, shortcut);
-        QFETCH(const QString, expected);
-        X11Desktop desktop;
-        RecordingWindow window("instance", program);
-        Typist typist;
-        int fired = 0;
-        const auto tap = desktop.keyTaps().install({&shortcut, 1}, [&](const KeyEvent &) {
-            ++fired;
-            return KeyVerdict::swallow;
-        });
-        QVERIFY(tap);
-        QVERIFY(post(desktop, commandV));
-        QTRY_VERIFY(window.log().filter(QRegularExpression(QStringLiteral("^-(Control|Shift)"))).size() > 0);
-        const QRegularExpression key(QStringLiteral("^[+](v|y|Insert) "));
-        QCOMPARE(window.log().filter(key), QStringList{expected});
-        QCOMPARE(fired, 0);
+        const KeyChord fnSpace{49, KeyFlags::fn};
+        const KeyChord shiftInsert{114, KeyFlags::shift};
+        struct Row
+        {
+            const char *program;
+            KeyChord shortcut;
+            QString expected;
+        };
+        for (const auto &[program, shortcut, expected] :
+             {Row{"Recorder", {9, KeyFlags::control}, u"+Insert Shift"_s},
+              Row{"Recorder", shiftInsert, u"+v Control"_s}, Row{"Xfce4-terminal", fnSpace, u"+v Shift Control"_s},
+              Row{"Xfce4-terminal", {9, KeyFlags::control | KeyFlags::shift}, u"+Insert Shift"_s},
+              Row{"Emacs", shiftInsert, u"+y Control"_s}, Row{"Gvim", fnSpace, u"+Insert Shift"_s},
+              Row{"XTerm", shiftInsert, u"+Insert Shift Control"_s}}) {
+            X11Desktop desktop;
+            RecordingWindow window("instance", program);
+            Typist typist;
+            std::atomic<int> fired = 0;
+            const auto tap = desktop.keyTaps().install({&shortcut, 1}, [&fired](const KeyEvent &) {
+                ++fired;
+                return KeyVerdict::swallow;
+            });
+            QVERIFY(tap);
+            QVERIFY(post(desktop, commandV));
+            QTRY_VERIFY(window.log().filter(QRegularExpression(u"^-(Control|Shift)"_s)).size() > 0);
+            QCOMPARE(window.log().filter(QRegularExpression(u"^[+](v|y|Insert) "_s)), QStringList{expected});
+            QCOMPARE(fired.load(), 0);
+        }
     }
 
     /// A program that is no terminal, with a terminal in it; it tells screen readers.
     void aTerminalInsideAnotherProgramGetsItsKeystroke()
     {
         QProcess bus;
-        bus.start(QStringLiteral("/usr/libexec/at-spi-bus-launcher"), {QStringLiteral("--launch-immediately")});
+        bus.start(u"/usr/libexec/at-spi-bus-launcher"_s, {u"--launch-immediately"_s});
         X11Desktop desktop;
         Typist typist;
         const xcb_atom_t address = desktop.connection().atoms()["AT_SPI_BUS"];
         QTRY_VERIFY(!WindowProperty::read(desktop.connection(), desktop.connection().root(), address).bytes.isEmpty());
         QProcess program;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.remove(QStringLiteral("NO_AT_BRIDGE"));
+        environment.remove(u"NO_AT_BRIDGE"_s);
         program.setProcessEnvironment(environment);
-        program.start(QStringLiteral("/usr/bin/python3"), {QStringLiteral(SOURCE_FOLDER "/terminal_inside.py")});
+        program.start(u"/usr/bin/python3"_s, {u"" SOURCE_FOLDER "/terminal_inside.py"_s});
         QTRY_COMPARE(FocusedWindow::read(desktop.connection()).className, "Terminal_inside.py");
-        const QStringList expected{QStringLiteral("entry Control+v"), QStringLiteral("terminal Control+Shift+v")};
+        const QStringList expected{u"entry Control+v"_s, u"terminal Control+Shift+v"_s};
         QByteArray seen;
         connect(&program, &QProcess::readyRead, &program, [&] { seen += program.readAll(); });
         for (const QString &line : expected) {
@@ -246,37 +209,25 @@ private Q_SLOTS:
     }
 
     /// Plain xterm pastes PRIMARY only; what was selected elsewhere before is back afterwards.
-    void textArrivesInXterm_data()
-    {
-        QTest::addColumn<bool>("isItsKeystrokeTheShortcut");
-        QTest::addRow("by its own keystroke") << false;
-        QTest::addRow("by another") << true;
-    }
-
     void textArrivesInXterm()
     {
-        QFETCH(const bool, isItsKeystrokeTheShortcut);
-        const QTemporaryDir folder;
-        const QString path = folder.filePath(QStringLiteral("typed"));
         X11Desktop desktop;
         Typist typist;
-        const KeyChord shortcut{114, KeyFlags::shift};
+        const KeyChord shortcut{114, KeyFlags::shift}; // as its own keystroke
         const auto tap =
-            isItsKeystrokeTheShortcut
-                ? desktop.keyTaps().install({&shortcut, 1}, [](const KeyEvent &) { return KeyVerdict::swallow; })
-                : nullptr;
+            desktop.keyTaps().install({&shortcut, 1}, [](const KeyEvent &) { return KeyVerdict::swallow; });
         X11Connection otherConnection;
         SelectionSender otherSender(otherConnection);
         SelectionOwner other(otherConnection, otherSender, "PRIMARY");
         const xcb_atom_t utf8 = otherConnection.atoms()["UTF8_STRING"];
         other.own({{utf8, utf8, 8, "selected before"}});
 
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(u"typed"_s);
         QProcess xterm;
-        xterm.start(QStringLiteral("xterm"),
-                    {QStringLiteral("-u8"), QStringLiteral("-e"), QStringLiteral("sh"), QStringLiteral("-c"),
-                     QStringLiteral("stty -icanon; cat > \"$0\""), path});
+        xterm.start(u"xterm"_s, {u"-u8"_s, u"-e"_s, u"sh"_s, u"-c"_s, u"stty -icanon; cat > \"$0\""_s, path});
         QTRY_VERIFY(FocusedWindow::read(desktop.connection()).className == "XTerm" && QFile::exists(path));
-        const QString text = QStringLiteral("naïve 😀 שלום, second");
+        const QString text = u"naïve 😀 שלום, second"_s;
         desktop.pasteboard().setString(text);
         QVERIFY(post(desktop, commandV));
         const auto typed = [&] {
@@ -287,8 +238,7 @@ private Q_SLOTS:
 
         desktop.pasteboard().setItems({});
         QProcess xclip;
-        xclip.start(QStringLiteral("xclip"),
-                    {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("primary")});
+        xclip.start(u"xclip"_s, {u"-o"_s, u"-selection"_s, u"primary"_s});
         QTRY_COMPARE(xclip.state(), QProcess::NotRunning);
         QCOMPARE(xclip.readAllStandardOutput(), "selected before");
         xterm.terminate();

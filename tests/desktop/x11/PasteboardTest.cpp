@@ -1,23 +1,92 @@
-#include "desktop/x11/ClipboardKeeper.h"
 #include "desktop/x11/UnrulyOwner.h"
 #include "machine/x11/SelectionOwner.h"
 #include "machine/x11/SelectionRead.h"
 #include "machine/x11/SelectionSender.h"
-#include "machine/x11/WindowProperty.h"
+#include "machine/x11/X11Connection.h"
 #include "machine/x11/X11Desktop.h"
 
 #include <QCoroTask>
 #include <QFile>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QSemaphore>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-Q_DECLARE_METATYPE(UnrulyOwner::Manner)
+namespace {
+
+/// A clipboard manager: at the end of a program it takes over what the program had on the clipboard.
+class Keeper : public QObject
+{
+public:
+    Keeper()
+    {
+        connect(&m_connection, &X11Connection::eventReceived, this, [this](const xcb_generic_event_t *event) {
+            const auto *request = reinterpret_cast<const xcb_selection_request_event_t *>(event);
+            if ((event->response_type & 0x7f) == XCB_SELECTION_REQUEST && request->owner == m_window)
+                save(*request);
+        });
+        xcb_set_selection_owner(m_connection.xcb(), m_window, m_connection.atoms()["CLIPBOARD_MANAGER"],
+                                XCB_CURRENT_TIME);
+        m_connection.atoms()["at work"]; // the answer comes after the change
+    }
+
+private:
+    void save(const xcb_selection_request_event_t &request)
+    {
+        m_request = request;
+        connect(&m_read, &SelectionRead::finished, this, [this] {
+            m_clipboard.own(m_read.contents());
+            xcb_selection_notify_event_t notify[2]{};
+            notify[0] = {
+                XCB_SELECTION_NOTIFY, 0, 0, m_request.time, m_request.requestor, m_request.selection, m_request.target,
+                m_request.property};
+            xcb_send_event(m_connection.xcb(), false, m_request.requestor, 0, reinterpret_cast<const char *>(notify));
+        });
+        m_read.start(std::chrono::seconds(1));
+    }
+
+    X11Connection m_connection;
+    xcb_window_t m_window = m_connection.createWindow(0);
+    SelectionSender m_sender{m_connection};
+    SelectionOwner m_clipboard{m_connection, m_sender, "CLIPBOARD"};
+    SelectionRead m_read{m_connection, m_clipboard.selection()};
+    xcb_selection_request_event_t m_request{};
+};
+
+/// In a thread of its own, since the ending program waits for it.
+class KeeperThread final : public QThread
+{
+public:
+    KeeperThread()
+    {
+        start();
+        m_ready.acquire();
+    }
+    ~KeeperThread() override
+    {
+        quit();
+        wait();
+    }
+
+private:
+    void run() override
+    {
+        const Keeper keeper;
+        m_ready.release();
+        exec();
+    }
+
+    QSemaphore m_ready;
+};
+
+} // namespace
 
 /// The clipboard between us and other programs, good ones and bad ones.
 class PasteboardTest : public QObject
@@ -27,8 +96,7 @@ class PasteboardTest : public QObject
     static QList<PasteboardItem> read(X11Desktop &desktop) { return QCoro::waitFor(desktop.pasteboard().items(1s)); }
 
     /// Of an UnrulyOwner.
-    const QStringList pictures{QStringLiteral("image/png"), QStringLiteral("image/bmp"), QStringLiteral("image/jpeg"),
-                               QStringLiteral("image/tiff")};
+    const QStringList pictures{u"image/png"_s, u"image/bmp"_s, u"image/jpeg"_s, u"image/tiff"_s};
 
     static QStringList types(const QList<PasteboardItem> &items)
     {
@@ -55,9 +123,7 @@ class PasteboardTest : public QObject
     static QByteArray pasted(const char *target)
     {
         QProcess xclip;
-        xclip.start(QStringLiteral("xclip"),
-                    {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
-                     QStringLiteral("-t"), QString::fromLatin1(target)});
+        xclip.start(u"xclip"_s, {u"-o"_s, u"-selection"_s, u"clipboard"_s, u"-t"_s, QString::fromLatin1(target)});
         QByteArray output;
         connect(&xclip, &QProcess::readyRead, &xclip, [&] { output += xclip.readAll(); });
         [[maybe_unused]] const bool ended =
@@ -69,15 +135,14 @@ class PasteboardTest : public QObject
     static void copy(const QByteArray &bytes, const char *target)
     {
         const QTemporaryDir folder;
-        QFile file(folder.filePath(QStringLiteral("bytes")));
+        QFile file(folder.filePath(u"bytes"_s));
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(bytes);
         file.close();
         QProcess xclip;
         xclip.setStandardOutputFile(QProcess::nullDevice());
-        xclip.start(QStringLiteral("xclip"),
-                    {QStringLiteral("-i"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
-                     QStringLiteral("-t"), QString::fromLatin1(target), file.fileName()});
+        xclip.start(u"xclip"_s,
+                    {u"-i"_s, u"-selection"_s, u"clipboard"_s, u"-t"_s, QString::fromLatin1(target), file.fileName()});
         QTRY_COMPARE(xclip.state(), QProcess::NotRunning);
     }
 
@@ -90,45 +155,30 @@ class PasteboardTest : public QObject
     }
 
 private Q_SLOTS:
-    void textReachesOtherPrograms_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addRow("emoji and right to left") << QStringLiteral("👩‍👩‍👧 שלום العالم é");
-        QTest::addRow("800,000 characters") << QStringLiteral("Ünïcødé ").repeated(100000);
-    }
-
     void textReachesOtherPrograms()
     {
-        QFETCH(const QString, text);
         X11Desktop desktop;
-        desktop.pasteboard().setString(text);
-        for (const char *target : {"UTF8_STRING", "text/plain;charset=utf-8", "text/plain", "TEXT"})
-            QVERIFY2(pasted(target) == text.toUtf8(), target);
-        QVERIFY(pasted("STRING") == text.toLatin1());
-        QCOMPARE(pasted("x-kde-passwordManagerHint"), "secret");
-        QCOMPARE(bytesOf(read(desktop), "UTF8_STRING"), text.toUtf8());
-    }
-
-    void whatOthersCopiedComesBackAsItWas_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QByteArray>("target");
-        QTest::addRow("20 MB image") << noise(20'000'000) << QByteArray("image/png");
-        QTest::addRow("files") << QByteArray("copy\nfile:///a%20b") << QByteArray("x-special/gnome-copied-files");
+        for (const QString &text : {u"👩‍👩‍👧 שלום العالم é"_s, u"Ünïcødé "_s.repeated(100000)}) {
+            desktop.pasteboard().setString(text);
+            for (const char *target : {"UTF8_STRING", "text/plain;charset=utf-8", "text/plain", "TEXT"})
+                QVERIFY2(pasted(target) == text.toUtf8(), target);
+            QVERIFY(pasted("STRING") == text.toLatin1());
+            QCOMPARE(pasted("x-kde-passwordManagerHint"), "secret");
+            QCOMPARE(bytesOf(read(desktop), "UTF8_STRING"), text.toUtf8());
+        }
     }
 
     void whatOthersCopiedComesBackAsItWas()
     {
-        QFETCH(const QByteArray, bytes);
-        QFETCH(const QByteArray, target);
+        const QByteArray bytes = noise(20'000'000);
         X11Desktop desktop;
-        copy(bytes, target.constData());
+        copy(bytes, "image/png");
         const QList<PasteboardItem> items = read(desktop);
         QCOMPARE(items.size(), 1);
-        QVERIFY(bytesOf(items, target.constData()) == bytes);
-        desktop.pasteboard().setString(QStringLiteral("dictated"));
+        QVERIFY(bytesOf(items, "image/png") == bytes);
+        desktop.pasteboard().setString(u"dictated"_s);
         desktop.pasteboard().setItems(items);
-        QVERIFY(pasted(target.constData()) == bytes);
+        QVERIFY(pasted("image/png") == bytes);
         QVERIFY(pasted("x-kde-passwordManagerHint").isEmpty());
     }
 
@@ -142,19 +192,17 @@ private Q_SLOTS:
         const QList<xcb_atom_t> atoms = connection.atoms().of(
             {"text/html", "TEXT", "UTF8_STRING", "application/x-color", "PIXMAP", "text/uri-list"});
         const QByteArray html(700'000, 'h');
-        const QByteArray colour("\1\2\3\4\5\6\7\10", 8);
+        const QByteArray color("\1\2\3\4\5\6\7\10", 8);
         const SelectionContents contents{{atoms[0], atoms[0], 8, html},
                                          {atoms[1], atoms[2], 8, "text"},
-                                         {atoms[3], atoms[3], 16, colour},
+                                         {atoms[3], atoms[3], 16, color},
                                          {atoms[4], atoms[4], 32, QByteArray(4, '\1')},
                                          {atoms[5], atoms[5], 8, html}};
         other.own(contents);
         QTRY_VERIFY(desktop.pasteboard().changeCount() > 0);
         const QList<PasteboardItem> items = read(desktop);
-        const PasteboardItem expected{{QStringLiteral("text/html"), html},
-                                      {QStringLiteral("TEXT"), "text"},
-                                      {QStringLiteral("application/x-color"), colour},
-                                      {QStringLiteral("text/uri-list"), html}};
+        const PasteboardItem expected{
+            {u"text/html"_s, html}, {u"TEXT"_s, "text"}, {u"application/x-color"_s, color}, {u"text/uri-list"_s, html}};
         QCOMPARE(items, QList<PasteboardItem>{expected});
 
         desktop.pasteboard().setItems(items);
@@ -168,64 +216,46 @@ private Q_SLOTS:
         QCOMPARE(restored.size(), 4);
         QCOMPARE(restored[1].type, atoms[2]);
         QCOMPARE(restored[2].format, 16);
-        QCOMPARE(restored[2].bytes, colour);
+        QCOMPARE(restored[2].bytes, color);
         QVERIFY(restored[3].bytes == html);
-    }
-
-    void aBadOwnerCostsABoundedTime_data()
-    {
-        QTest::addColumn<UnrulyOwner::Manner>("manner");
-        QTest::addColumn<QStringList>("kept");
-        const QStringList good{QStringLiteral("UTF8_STRING")};
-        QTest::addRow("slow") << UnrulyOwner::Manner::slow << good + pictures + QStringList{QStringLiteral("TEXT")};
-        QTest::addRow("silent") << UnrulyOwner::Manner::silent << QStringList();
-        QTest::addRow("silent after the first format") << UnrulyOwner::Manner::halfSilent << good;
-        QTest::addRow("dies halfway") << UnrulyOwner::Manner::diesHalfway << good;
-        QTest::addRow("never ends") << UnrulyOwner::Manner::neverEnds << good;
-        QTest::addRow("knows no list of formats") << UnrulyOwner::Manner::refusesTargets << good;
     }
 
     void aBadOwnerCostsABoundedTime()
     {
-        QFETCH(const UnrulyOwner::Manner, manner);
-        QFETCH(const QStringList, kept);
-        X11Desktop desktop;
-        const UnrulyOwner owner(manner);
-        QCOMPARE(types(read(desktop)), kept); // it comes back at all
-        // And nothing of it disturbs what comes next.
-        desktop.pasteboard().setString(QStringLiteral("next"));
-        QCOMPARE(pasted("UTF8_STRING"), "next");
+        using Manner = UnrulyOwner::Manner;
+        const QStringList good{u"UTF8_STRING"_s};
+        for (const auto &[manner, kept] : {std::pair(Manner::slow, good + pictures + QStringList{u"TEXT"_s}),
+                                           {Manner::silent, QStringList()},
+                                           {Manner::halfSilent, good},
+                                           {Manner::diesHalfway, good},
+                                           {Manner::neverEnds, good},
+                                           {Manner::refusesTargets, good}}) {
+            X11Desktop desktop;
+            const UnrulyOwner owner(manner);
+            QCOMPARE(types(read(desktop)), kept); // it comes back at all
+            // And nothing of it disturbs what comes next.
+            desktop.pasteboard().setString(u"next"_s);
+            QCOMPARE(pasted("UTF8_STRING"), "next");
+        }
     }
 
     /// A slow owner is still at work when the clipboard changes hands.
-    void nothingOfALaterOwnerIsRead_data()
-    {
-        QTest::addColumn<bool>("isOurs");
-        QTest::addColumn<bool>("isTheirs"); // afterwards
-        QTest::addColumn<QStringList>("kept");
-        const QStringList asked = QStringList{QStringLiteral("UTF8_STRING")} + pictures;
-        QTest::addRow("ours") << true << false << asked;
-        QTest::addRow("ours and then another program's") << true << true << asked;
-        QTest::addRow("another program's") << false << true << QStringList();
-    }
-
     void nothingOfALaterOwnerIsRead()
     {
-        QFETCH(const bool, isOurs);
-        QFETCH(const bool, isTheirs);
-        QFETCH(const QStringList, kept);
-        X11Desktop desktop;
-        const UnrulyOwner owner(UnrulyOwner::Manner::slow);
-        const QCoro::Task<QList<PasteboardItem>> reading = desktop.pasteboard().items(5s);
-        QTRY_VERIFY(owner.isAsked());
-        if (isOurs)
-            desktop.pasteboard().setString(QStringLiteral("ours"));
-        if (isTheirs)
-            copy("theirs", "text/html");
-        const QList<PasteboardItem> items = QCoro::waitFor(reading);
-        QCOMPARE(types(items), kept);
-        QCOMPARE(bytesOf(items, "UTF8_STRING"), isOurs ? QByteArray("good") : QByteArray());
-        QTRY_COMPARE(desktop.pasteboard().isOurs(), !isTheirs);
+        for (const auto &[isOurs, isTheirs] : {std::pair(true, false), {true, true}, {false, true}}) {
+            X11Desktop desktop;
+            const UnrulyOwner owner(UnrulyOwner::Manner::slow);
+            const QCoro::Task<QList<PasteboardItem>> reading = desktop.pasteboard().items(5s);
+            QTRY_VERIFY(owner.isAsked());
+            if (isOurs)
+                desktop.pasteboard().setString(u"ours"_s);
+            if (isTheirs)
+                copy("theirs", "text/html");
+            const QList<PasteboardItem> items = QCoro::waitFor(reading);
+            QCOMPARE(types(items), isOurs ? QStringList{u"UTF8_STRING"_s} + pictures : QStringList());
+            QCOMPARE(bytesOf(items, "UTF8_STRING"), isOurs ? QByteArray("good") : QByteArray());
+            QTRY_COMPARE(desktop.pasteboard().isOurs(), !isTheirs);
+        }
     }
 
     void changesOfEverybodyCountOnce()
@@ -233,7 +263,7 @@ private Q_SLOTS:
         X11Desktop desktop;
         Pasteboard &pasteboard = desktop.pasteboard();
         const qint64 start = pasteboard.changeCount();
-        pasteboard.setString(QStringLiteral("one"));
+        pasteboard.setString(u"one"_s);
         const qint64 own = pasteboard.changeCount();
         QVERIFY(own > start);
         const qint64 reads = pasteboard.readCount();
@@ -262,13 +292,13 @@ private Q_SLOTS:
         const xcb_atom_t utf8 = connection.atoms()["UTF8_STRING"];
         other.own({{utf8, utf8, 8, "theirs"}});
         connection.atoms()["theirs stands"];
-        desktop.pasteboard().setString(QStringLiteral("ours"));
+        desktop.pasteboard().setString(u"ours"_s);
         const qint64 count = desktop.pasteboard().changeCount();
         QCOMPARE(pasted("UTF8_STRING"), "ours");
         QCOMPARE(desktop.pasteboard().changeCount(), count);
 
         // Just after is another matter.
-        desktop.pasteboard().setString(QStringLiteral("ours again"));
+        desktop.pasteboard().setString(u"ours again"_s);
         desktop.connection().atoms()["ours stands"];
         other.own({{utf8, utf8, 8, "theirs again"}});
         QTRY_COMPARE(desktop.pasteboard().changeCount(), count + 2);
@@ -277,8 +307,8 @@ private Q_SLOTS:
 
     void theClipboardIsLeftToAManagerAtTheEnd()
     {
-        const ClipboardKeeper keeper;
-        const QString text = QStringLiteral("kept ").repeated(100000);
+        const KeeperThread keeper;
+        const QString text = u"kept "_s.repeated(100000);
         {
             X11Desktop desktop;
             desktop.pasteboard().setString(text);
@@ -290,7 +320,7 @@ private Q_SLOTS:
     void severalFormatsAreDeliveredInOneRequest()
     {
         X11Desktop desktop;
-        desktop.pasteboard().setString(QStringLiteral("text"));
+        desktop.pasteboard().setString(u"text"_s);
         X11Connection connection;
         const xcb_window_t window = connection.createWindow(0);
         const QList<xcb_atom_t> atoms =

@@ -1,19 +1,17 @@
 #include "desktop/x11/Typist.h"
 
-#include "machine/x11/XcbReply.h"
 #include "machine/x11/XkbProtocol.h"
-
-#include <QProcess>
 
 #include <linux/input-event-codes.h>
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
+using namespace Qt::StringLiterals;
+
 Typist::Typist() : m_keyboard(m_connection)
 {
     QProcess lookUp;
-    lookUp.start(QStringLiteral("xinput"),
-                 {QStringLiteral("list"), QStringLiteral("--id-only"), QStringLiteral("keyboard:Xvfb keyboard")});
+    lookUp.start(u"xinput"_s, {u"list"_s, u"--id-only"_s, u"keyboard:Xvfb keyboard"_s});
     lookUp.waitForFinished();
     m_device = static_cast<uint8_t>(lookUp.readAll().trimmed().toUInt());
     m_firstEvent = xcb_get_extension_data(m_connection.xcb(), &xcb_input_id)->first_event;
@@ -31,23 +29,7 @@ Typist::~Typist()
     if (lockedModifiers() & XCB_MOD_MASK_2)
         tap(KEY_NUMLOCK);
     lockGroup(0);
-    setLayout({QStringLiteral("us"), QStringLiteral("-option"), QString()});
-}
-
-void Typist::press(int evdevKey)
-{
-    fake(XCB_KEY_PRESS, evdevKey);
-}
-
-void Typist::release(int evdevKey)
-{
-    fake(XCB_KEY_RELEASE, evdevKey);
-}
-
-void Typist::tap(int evdevKey)
-{
-    press(evdevKey);
-    release(evdevKey);
+    setLayout({u"us"_s, u"-option"_s, QString()});
 }
 
 uint16_t Typist::lockedModifiers() const
@@ -61,11 +43,6 @@ void Typist::lockGroup(uint8_t group)
 {
     xcb_xkb_latch_lock_state(m_connection.xcb(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, true, group, 0, 0, 0);
     m_keyboard.group(); // the answer comes after the change
-}
-
-void Typist::setLayout(const QStringList &arguments)
-{
-    QProcess::execute(QStringLiteral("setxkbmap"), arguments);
 }
 
 void Typist::fake(uint8_t event, int evdevKey)

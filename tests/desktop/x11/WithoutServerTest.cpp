@@ -5,6 +5,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -27,7 +28,7 @@ class WithoutServerTest : public QObject
     {
         Pasteboard &pasteboard = desktop.pasteboard();
         const qint64 count = pasteboard.changeCount();
-        pasteboard.setString(QStringLiteral("kept"));
+        pasteboard.setString(u"kept"_s);
         QVERIFY(pasteboard.changeCount() > count);
         const QList<PasteboardItem> items = QCoro::waitFor(pasteboard.items(5s));
         QCOMPARE(items.size(), 1);
@@ -60,15 +61,13 @@ private Q_SLOTS:
     void aServerThatGoesIsBorne()
     {
         QProcess server;
-        server.start(QStringLiteral("Xvfb"),
-                     {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-nolisten"),
-                      QStringLiteral("tcp"), QStringLiteral("-noreset")});
+        server.start(u"Xvfb"_s, {u"-displayfd"_s, u"1"_s, u"-nolisten"_s, u"tcp"_s, u"-noreset"_s});
         QVERIFY(server.waitForReadyRead());
         X11Desktop desktop(":" + server.readAllStandardOutput().trimmed());
         QVERIFY(desktop.trust().isTrusted());
         const std::unique_ptr<KeyTap> tap = install(desktop);
         QVERIFY(tap);
-        desktop.pasteboard().setString(QStringLiteral("before"));
+        desktop.pasteboard().setString(u"before"_s);
 
         QSignalSpy lost(&desktop.connection(), &X11Connection::lost);
         server.kill();

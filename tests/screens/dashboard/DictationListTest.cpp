@@ -1,8 +1,8 @@
-#include "screens/dashboard/DictationListView.h"
+#include "base/AtomicFile.h"
 #include "history/HistoryFile.h"
 #include "history/HistoryStore.h"
-#include "base/AtomicFile.h"
 #include "preferences/Prefs.h"
+#include "screens/dashboard/DictationListView.h"
 #include "support/FakeMachine.h"
 
 #include <QAbstractItemModelTester>

@@ -1,13 +1,13 @@
 #include "cloud/account/AccountSessionStore.h"
 #include "cloud/account/Credentials.h"
+#include "history/HistoryStore.h"
+#include "preferences/Keychain.h"
+#include "preferences/Prefs.h"
 #include "screens/dashboard/DashboardNavigation.h"
 #include "screens/dashboard/DashboardView.h"
 #include "screens/dashboard/DictionaryView.h"
 #include "screens/dashboard/Figure.h"
 #include "screens/dashboard/InsightsView.h"
-#include "history/HistoryStore.h"
-#include "preferences/Keychain.h"
-#include "preferences/Prefs.h"
 #include "support/FakeMachine.h"
 
 #include <QSignalSpy>

@@ -1,6 +1,6 @@
-#include "screens/kit/Theme.h"
 #include "desktop/screens/Stage.h"
 #include "program/WindowPlace.h"
+#include "screens/kit/Theme.h"
 
 #include <QGuiApplication>
 #include <QQuickItem>

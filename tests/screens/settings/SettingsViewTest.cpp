@@ -176,11 +176,13 @@ private Q_SLOTS:
         for (const QList<PasteboardItem> &nothing : {QList<PasteboardItem>{}, {{picture}}, {{blanks}}}) {
             m->machine.pasteboard.contents = nothing;
             row.pasteKey();
+            QCoreApplication::processEvents();
             QCOMPARE(row.keyNotice(), u"The clipboard has no text on it."_s);
             QVERIFY(row.apiKey().isEmpty() && !row.keyFieldFocused());
         }
         m->machine.pasteboard.contents = {{picture, {u"text/plain"_s, " gsk_1\n"}}};
         row.pasteKey();
+        QCoreApplication::processEvents();
         QVERIFY(row.apiKey() == u"gsk_1" && row.keyFieldFocused() && row.keyNotice().isEmpty());
         QVERIFY(m->machine.secrets.items.isEmpty());
     }
@@ -361,5 +363,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(SettingsViewTest)
+QTEST_GUILESS_MAIN(SettingsViewTest)
 #include "SettingsViewTest.moc"
