@@ -2,8 +2,8 @@
 #include "machine/Wording.h"
 #include "screens/kit/QuickWindowEngine.h"
 
+#include <QApplication>
 #include <QDir>
-#include <QGuiApplication>
 #include <QQuickWindow>
 #include <QTest>
 
@@ -71,7 +71,7 @@ bool show(const Scene &scene, const QDir &folder)
 int main(int argc, char **argv)
 {
     usual = qInstallMessageHandler(&listen);
-    QGuiApplication application(argc, argv);
+    QApplication application(argc, argv);
     Wording::install(application);
     QStringList words = QGuiApplication::arguments().mid(1);
     if (words.isEmpty())

@@ -56,7 +56,7 @@ private Q_SLOTS:
                 *context,
                 [&, name] {
                     slow.acquire();
-                    done += QThread::currentThread() == qApp->thread() ? u"main"_s : name;
+                    done += QThread::currentThread() == QCoreApplication::instance()->thread() ? u"main"_s : name;
                 },
                 [&, name] { told += name; });
         slow.release(2); // nothing above has waited for it
