@@ -89,7 +89,7 @@ class DictationTest(PanelCase):
         return place
 
     def overlay_is_seen(self, before):
-        differing = subprocess.run(["compare", "-metric", "AE", "-fuzz", "10%", before, self.look("recording"), "null:"],
+        differing = subprocess.run(["compare", "-metric", "AE", "-fuzz", "4%", before, self.look("recording"), "null:"],
                                    capture_output=True, check=False, text=True).stderr
         return float(differing) > 4000  # of its 6,480
 
