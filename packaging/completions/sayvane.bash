@@ -18,8 +18,9 @@ _sayvane()
     --store-secret) words="groq_api_key openai_api_key sayvane_session" ;;
     *)
         case $verb in
-        "") words+=" toggle start stop cancel status open last transcribe history recover autostart sign-in sign-out quit" ;;
+        "") words+=" toggle start stop cancel status doctor open last transcribe history recover autostart sign-in sign-out quit" ;;
         status) words=--json ;;
+        doctor) words="--json --undo" ;;
         autostart) words="on off" ;;
         history) words="--json --csv" ;;
         open) words="dictation insights dictionary labs settings" ;;

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "cli/CommandLine.h"
 #include "cli/ControlClient.h"
-#include "cli/Invocation.h"
 
 #include <functional>
 

@@ -27,6 +27,8 @@ constexpr std::array verbTable{
     Verb{"stop"_L1, ""_L1, 0, 0, ""_L1, "Stop and transcribe"_L1},
     Verb{"cancel"_L1, ""_L1, 0, 0, ""_L1, "Stop and forget what was said"_L1},
     Verb{"status"_L1, "[--json]"_L1, 0, 0, "json"_L1, "Tell what Sayvane is doing"_L1},
+    Verb{"doctor"_L1, "[--json|--undo]"_L1, 0, 0, "json undo"_L1,
+         "Look at all that a dictation needs; --undo takes back what the desktop's settings were given"_L1},
     Verb{"open"_L1, "[SECTION]"_L1, 0, 1, ""_L1,
          "Show dictation, insights, dictionary, labs or settings; starts Sayvane"_L1},
     Verb{"last"_L1, ""_L1, 0, 0, ""_L1, "Print the last transcript"_L1},
@@ -56,10 +58,11 @@ struct Options
     QCommandLineOption json{u"json"_s, u"Print JSON."_s};
     QCommandLineOption csv{u"csv"_s, u"Print comma-separated values (RFC 4180)."_s};
     QCommandLineOption all{u"all"_s, u"All of them."_s};
+    QCommandLineOption undo{u"undo"_s, u"Take back."_s};
 
     void addTo(QCommandLineParser &parser) const
     {
-        parser.addOptions({help, version, profile, service, secret, json, csv, all});
+        parser.addOptions({help, version, profile, service, secret, json, csv, all, undo});
     }
 };
 
@@ -72,12 +75,14 @@ QString objection(const Invocation &asked, const QCommandLineParser &parser)
         return u"There is no command '%1'."_s.arg(asked.verb);
     const QStringList allowed =
         asked.verb.isEmpty() ? QStringList() : QString(verb->options).split(u' ', Qt::SkipEmptyParts);
-    for (const QString &option : {u"json"_s, u"csv"_s, u"all"_s}) {
+    for (const QString &option : {u"json"_s, u"csv"_s, u"all"_s, u"undo"_s}) {
         if (parser.isSet(option) && !allowed.contains(option))
             return u"--%1 means nothing here."_s.arg(option);
     }
     if (parser.isSet(u"json"_s) && parser.isSet(u"csv"_s))
         return u"--json and --csv exclude each other."_s;
+    if (parser.isSet(u"json"_s) && parser.isSet(u"undo"_s))
+        return u"--json and --undo exclude each other."_s;
     if (asked.verb.isEmpty())
         return {};
     if (!asked.secret.isEmpty())
@@ -106,6 +111,7 @@ std::expected<Invocation, QString> CommandLine::parse(const QStringList &words)
                      .profile = parser.value(options.profile),
                      .secret = parser.value(options.secret),
                      .all = parser.isSet(options.all),
+                     .undo = parser.isSet(options.undo),
                      .help = parser.isSet(options.help),
                      .version = parser.isSet(options.version)};
     if (parser.isSet(options.json))

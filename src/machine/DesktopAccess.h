@@ -41,6 +41,8 @@ public:
     bool isTrustedPrompting() override;
     bool askAgain() override;
     bool canType() const override;
+    QList<Checkup> checkups() const override;
+    QStringList takeBack() override;
     std::unique_ptr<FloatingPanel> create(PanelContent &content) override;
 
     X11Connection &x11() { return m_x11.connection(); }
@@ -60,6 +62,7 @@ private:
     std::unique_ptr<WaylandPasteboard::Thread> m_waylandPasteboard;
     std::unique_ptr<WindowPasteboard> m_windowPasteboard; // where there is no other
     Pasteboard &m_pasteboard;
+    QString m_overlay; // how it is shown, in words
     WaylandConnection m_wayland;
     WaylandKeyPoster m_waylandKeys;
     SwayKeyTaps m_sway;

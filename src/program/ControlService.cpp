@@ -1,5 +1,6 @@
 #include "program/ControlService.h"
 
+#include "base/Platform.h"
 #include "cloud/account/AccountSignIn.h"
 #include "cloud/account/AccountStatus.h"
 #include "cloud/labs/LabsAnswerMode.h"
@@ -11,6 +12,7 @@
 
 #include <QCoreApplication>
 #include <QDBusMessage>
+#include <QDBusMetaType>
 
 #include <utility>
 
@@ -34,7 +36,8 @@ QString nameOf(FlowState state)
 } // namespace
 
 ControlService::ControlService(const Served &served, Commands commands)
-    : m_flow(served.flow),
+    : m_platform(served.platform),
+      m_flow(served.flow),
       m_signIn(served.signIn),
       m_account(served.account),
       m_answerMode(served.answerMode),
@@ -54,6 +57,7 @@ ControlService::~ControlService()
 
 bool ControlService::publish(const QString &profile)
 {
+    qDBusRegisterMetaType<QList<QVariantMap>>();
     QDBusConnection bus = QDBusConnection::sessionBus();
     return bus.isConnected() &&
            bus.registerObject(ControlInterface::path, this,
@@ -136,7 +140,39 @@ QVariantMap ControlService::Status() const
         status.insert(u"remainingSeconds"_s, *seconds);
     if (const auto &error = m_flow.lastError())
         status.insert(u"lastError"_s, *error);
+    for (const Checkup &each : m_platform.trust.checkups())
+        status.insert(each.subject + u"By"_s, each.means);
     return status;
+}
+
+QList<QVariantMap> ControlService::Doctor()
+{
+    setDelayedReply(true);
+    examine(message(), connection());
+    return {};
+}
+
+QCoro::Task<> ControlService::examine(QDBusMessage request, QDBusConnection bus)
+{
+    const std::stop_token stop = m_stop.get_token();
+    const QList<Checkup> all = co_await Doctor::examine({.platform = m_platform,
+                                                         .flow = m_flow,
+                                                         .prefs = m_prefs,
+                                                         .transcriber = m_transcriber,
+                                                         .tray = m_commands.examineTray()},
+                                                        stop);
+    if (stop.stop_requested())
+        co_return;
+    QList<QVariantMap> told;
+    for (const Checkup &each : all) {
+        QVariantMap entry;
+        entry.insert(u"subject"_s, each.subject);
+        entry.insert(u"means"_s, each.means);
+        entry.insert(u"works"_s, each.works);
+        entry.insert(u"advice"_s, each.advice);
+        told.append(entry);
+    }
+    bus.send(request.createReply(QVariant::fromValue(told)));
 }
 
 QString ControlService::LastTranscript() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "program/Doctor.h"
 #include "program/SignInSteps.h"
 
 #include <QDBusConnection>
@@ -25,6 +26,7 @@ class ControlService final : public QObject, protected QDBusContext
 public:
     struct Served
     {
+        Platform &platform;
         FlowController &flow;
         AccountSignIn &signIn;
         const AccountStatus &account;
@@ -38,6 +40,7 @@ public:
         /// that name.
         std::function<bool(const QString &section)> open;
         std::function<void()> quit;
+        std::function<Checkup()> examineTray; ///< how the icon in the panel stands
     };
     ControlService(const Served &served, Commands commands);
     ~ControlService() override;
@@ -53,6 +56,7 @@ public Q_SLOTS:
     Q_SCRIPTABLE void Open(const QString &section);
     Q_SCRIPTABLE void Quit();
     Q_SCRIPTABLE QVariantMap Status() const;
+    Q_SCRIPTABLE QList<QVariantMap> Doctor();
     Q_SCRIPTABLE QString LastTranscript() const;
     Q_SCRIPTABLE QString Transcribe(const QString &path, QString &notice);
     Q_SCRIPTABLE void SendCode(const QString &email);
@@ -66,11 +70,13 @@ Q_SIGNALS:
 private:
     void replyToStart();
     void refuse(const QString &sentence) const;
+    QCoro::Task<> examine(QDBusMessage request, QDBusConnection bus);
     QCoro::Task<> transcribe(QString path, QDBusMessage request, QDBusConnection bus);
     QCoro::Task<> sendCode(QString email, QDBusMessage request, QDBusConnection bus);
     QCoro::Task<> signIn(QString code, QDBusMessage request, QDBusConnection bus);
     QCoro::Task<> signOut(QDBusMessage request, QDBusConnection bus);
 
+    Platform &m_platform;
     FlowController &m_flow;
     AccountSignIn &m_signIn;
     const AccountStatus &m_account;

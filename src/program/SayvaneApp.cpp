@@ -43,14 +43,16 @@ SayvaneApp::SayvaneApp(Platform &platform, const QString &serviceAddress, const 
               .openSettings = [this] { m_settings.open(); },
               .quit = &QCoreApplication::quit}),
       m_tray(m_host.flow(), m_menu, iconsFolder, [this] { m_windows.openDashboard(); }),
-      m_control({.flow = m_host.flow(),
+      m_control({.platform = platform,
+                 .flow = m_host.flow(),
                  .signIn = m_host.signIn(),
                  .account = m_host.account(),
                  .answerMode = m_host.answerMode(),
                  .prefs = m_host.prefs(),
                  .transcriber = m_host.transcriber()},
                 {.open = [this](const QString &section) { return openSection(section); },
-                 .quit = &QCoreApplication::quit})
+                 .quit = &QCoreApplication::quit,
+                 .examineTray = [this] { return m_tray.checkup(); }})
 {
     FlowLog::follow(m_host.flow());
     // Its folder may be on another disk. The history waits for the background before it goes, and us with it.

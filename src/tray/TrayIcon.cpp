@@ -41,6 +41,16 @@ void TrayIcon::show()
     m_host.follow();
 }
 
+Checkup TrayIcon::checkup() const
+{
+    const bool isOlder = m_fallback && QSystemTrayIcon::isSystemTrayAvailable();
+    const QString means = m_host.isThere() ? u"StatusNotifierItem"_s : isOlder ? u"system tray"_s : QString();
+    return Checkup::of(
+        u"tray"_s, means, !means.isEmpty(),
+        u"No panel shows icons here; in GNOME the extension AppIndicator does. Starting Sayvane "
+        "again opens its window."_s);
+}
+
 void TrayIcon::choose()
 {
     if (m_host.isThere()) {

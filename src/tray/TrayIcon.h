@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/AccessibilityTrust.h"
 #include "base/FlowState.h"
 #include "tray/StatusNotifierItem.h"
 #include "tray/TrayHost.h"
@@ -30,6 +31,9 @@ public:
 
     /// Begins to show, and goes on as panels come and go.
     void show();
+
+    /// By what the icon is shown.
+    Checkup checkup() const;
 
 private:
     void choose();

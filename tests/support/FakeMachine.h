@@ -218,6 +218,11 @@ class FakeTrust final : public AccessibilityTrust
 public:
     bool isTrusted() const override { return trusted; }
     bool isTrustedPrompting() override { return trusted; }
+    QList<Checkup> checkups() const override
+    {
+        return {Checkup::of(QString::fromLatin1("shortcut"), QString::fromLatin1("a grab"), trusted,
+                            QString::fromLatin1("Grant it."))};
+    }
 
     bool trusted = true;
 };

@@ -52,9 +52,16 @@ void GnomeConsent::ask()
 
 void GnomeConsent::askAgain()
 {
-    m_store.remove(key);
+    forget();
     m_isAsking = false;
     ask();
+}
+
+bool GnomeConsent::forget()
+{
+    const bool wasAnswered = !m_store.value(key).isUndefined();
+    m_store.remove(key);
+    return wasAnswered;
 }
 
 void GnomeConsent::answered(uint id, const QString &action)

@@ -17,6 +17,8 @@ public:
     void ask();
     /// Asks, whatever was answered before.
     void askAgain();
+    /// Forgets the answer; false where there was none.
+    bool forget();
 
 private:
     Q_SLOT void answered(uint id, const QString &action);

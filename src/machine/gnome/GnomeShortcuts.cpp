@@ -132,6 +132,26 @@ std::unique_ptr<KeyTap> GnomeShortcuts::install(std::span<const KeyChord> chords
     return tap;
 }
 
+bool GnomeShortcuts::remove()
+{
+    if (!isOffered())
+        return false;
+    bool wasThere = false;
+    for (const QString &action : {u"toggle"_s, u"cancel"_s}) {
+        const GlibPointer<GSettings> entry = settings(shortcutSchema, pathOf(action).constData());
+        for (const char *key : {"name", "command", "binding"}) {
+            if (GVariant *written = g_settings_get_user_value(entry.get(), key)) {
+                g_variant_unref(written);
+                g_settings_reset(entry.get(), key);
+                wasThere = true;
+            }
+        }
+        list(action, false);
+    }
+    g_settings_sync();
+    return wasThere;
+}
+
 void GnomeShortcuts::watch(std::span<const KeyChord> chords)
 {
     QList<Entry> wanted;

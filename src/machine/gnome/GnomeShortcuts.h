@@ -31,6 +31,9 @@ public:
     /// Whether the session's keyboard settings can be had.
     bool isOffered() const { return m_list != nullptr; }
 
+    /// Takes ours out of the settings for good; false where there are none.
+    bool remove();
+
     std::unique_ptr<KeyTap> install(std::span<const KeyChord> chords, Handler handler) override;
 
     /// Told by the command of a shortcut, by the name of what it does.

@@ -174,6 +174,14 @@ std::unique_ptr<KeyTap> PlasmaKeyTaps::install(std::span<const KeyChord> chords,
     return watch(chords) ? std::move(tap) : nullptr;
 }
 
+bool PlasmaKeyTaps::remove()
+{
+    bool wasThere = false;
+    for (const QString &action : {u"toggle"_s, u"cancel"_s})
+        wasThere |= isOpen() && ask(u"unregister"_s, {component, action}).arguments().value(0).toBool();
+    return wasThere;
+}
+
 std::chrono::milliseconds PlasmaKeyTaps::restless() const
 {
     // It is told of the first key that is let go; the others follow.

@@ -30,6 +30,9 @@ public:
     /// How long fingers may still be on the keys of the shortcut.
     std::chrono::milliseconds restless() const;
 
+    /// Takes ours out of the desktop's shortcuts for good; false where there are none.
+    bool remove();
+
     std::unique_ptr<KeyTap> install(std::span<const KeyChord> chords, Handler handler) override;
 
 private:

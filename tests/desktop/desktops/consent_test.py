@@ -50,6 +50,8 @@ class ConsentTest(PanelCase):
         self.command("quit")
         self.program.wait(10)
         eventually(lambda: shortcuts() == f"['{OTHERS}']", "the settings as they were")
+        self.command("doctor", "--undo")
+        self.assertNotIn("gnomeAccess", stored(PREFERENCES))
 
 
 if __name__ == "__main__":

@@ -94,6 +94,7 @@ class DictationTest(PanelCase):
         return float(differing) > 4000  # of its 6,480
 
     def test_words_go_where_the_cursor_is(self):
+        self.command("doctor")  # fails where anything is not as it should be
         self.terminal()
         self.dictate("These words were said.")
         eventually(lambda: TYPED.read_text() == "These words were said.", "the words in a terminal")

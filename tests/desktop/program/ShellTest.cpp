@@ -93,6 +93,10 @@ void ShellTest::theRunningProgramAnswers_data()
     QTest::newRow("version") << QStringList{u"--version"_s} << QByteArray() << 0 << u"sayvane 0."_s << QString();
     QTest::newRow("start") << QStringList{u"start"_s} << QByteArray() << 0 << QString() << QString();
     QTest::newRow("status") << QStringList{u"status"_s} << QByteArray() << 0 << u"recording\n"_s << QString();
+    QTest::newRow("doctor") << QStringList{u"doctor"_s} << QByteArray() << 0 << u"ok paste       XTEST\n"_s
+                            << QString();
+    QTest::newRow("nothing to undo while it runs")
+        << QStringList{u"doctor"_s, u"--undo"_s} << QByteArray() << 75 << QString() << u"Quit it first."_s;
     QTest::newRow("cancel") << QStringList{u"cancel"_s} << QByteArray() << 0 << QString() << QString();
     QTest::newRow("status as JSON") << QStringList{u"status"_s, u"--json"_s} << QByteArray() << 0
                                     << u"\"state\": \"idle\""_s << QString();
