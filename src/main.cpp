@@ -1,8 +1,6 @@
 #include "base/Platform.h"
-#include "cli/CommandContext.h"
 #include "cli/CommandLine.h"
 #include "cli/Commands.h"
-#include "cli/ExitCode.h"
 #include "cli/Terminal.h"
 #include "history/LeftRecordings.h"
 #include "machine/LinuxMachine.h"

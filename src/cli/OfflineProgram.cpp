@@ -1,7 +1,7 @@
 #include "cli/OfflineProgram.h"
 
 #include "base/Platform.h"
-#include "cli/CommandContext.h"
+#include "cli/Commands.h"
 
 #include <QCoroTask>
 

@@ -1,7 +1,7 @@
 #include "cli/SpokenFile.h"
 
 #include "base/WavHeader.h"
-#include "cli/ExitCode.h"
+#include "cli/Terminal.h"
 
 #include <QDeadlineTimer>
 #include <QDir>

@@ -1,22 +1,26 @@
-#include "cli/RecoverCommand.h"
+#include "cli/Commands.h"
 
 #include "base/Clock.h"
 #include "base/Platform.h"
-#include "cli/CommandContext.h"
-#include "cli/ExitCode.h"
 #include "cli/OfflineProgram.h"
-#include "cli/RecordingText.h"
+#include "cli/SpokenFile.h"
 #include "cli/Terminal.h"
 #include "history/LeftRecordings.h"
 #include "preferences/Prefs.h"
+#include "program/FileTranscript.h"
 #include "program/ProfileLock.h"
 
+#include <QCoroTask>
 #include <QDBusArgument>
+#include <QFileInfo>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
+
+// Longer than any request: a transcription and a cleanup with all their retries.
+constexpr auto answerLimit = 20min;
 
 constexpr qsizetype shortId = 8;
 
@@ -66,9 +70,42 @@ int keepFailed(const CommandContext &context)
     return Terminal::print(isOn ? u"on\n"_s : u"off\n"_s) ? ExitCode::done : ExitCode::failed;
 }
 
+/// Has the running program transcribe the file, or does so here where none runs.
+int printText(const QString &path, const CommandContext &context)
+{
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    FileTranscript made;
+    const ControlClient::Answer answer = context.running.call(u"Transcribe"_s, {absolute}, answerLimit);
+    if (answer) {
+        made.text = answer->value(0).toString();
+        made.notice = answer->value(1).toString();
+    } else if (answer.error().kind == ControlClient::Error::Kind::failed) {
+        made.error = answer.error().message;
+    } else {
+        const auto program = OfflineProgram::take(context);
+        if (!program)
+            return Terminal::complain(program.error(), ExitCode::inUse);
+        Host &host = (*program)->host();
+        made = QCoro::waitFor(FileTranscript::of(absolute, host.transcriber(), host.prefs(), {}));
+    }
+    if (!made.error.isEmpty())
+        return Terminal::complain(made.error, ExitCode::failed);
+    if (!made.notice.isEmpty())
+        Terminal::complain(made.notice, ExitCode::done);
+    return Terminal::print(made.text + u'\n') ? ExitCode::done : ExitCode::failed;
+}
+
 } // namespace
 
-int RecoverCommand::run(const CommandContext &context)
+int Commands::transcribe(const CommandContext &context)
+{
+    const auto spoken = SpokenFile::of(context.asked.arguments.first());
+    if (!spoken)
+        return Terminal::complain(spoken.error().sentence, spoken.error().status);
+    return printText(spoken->path(), context);
+}
+
+int Commands::recover(const CommandContext &context)
 {
     if (context.asked.arguments.value(0) == "failed"_L1)
         return keepFailed(context);
@@ -93,5 +130,5 @@ int RecoverCommand::run(const CommandContext &context)
     const auto found = recordings.find(id);
     if (!found)
         return Terminal::complain(found.error(), ExitCode::noInput);
-    return action == "delete"_L1 ? removeAll({*found}) : RecordingText::print(found->path, context);
+    return action == "delete"_L1 ? removeAll({*found}) : printText(found->path, context);
 }
