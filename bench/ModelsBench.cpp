@@ -1,5 +1,4 @@
 #include "cloud/speech/ChatRequest.h"
-#include "cloud/speech/CleanupPrompt.h"
 #include "cloud/speech/ModelResolver.h"
 
 #include <QJsonArray>

@@ -1,7 +1,7 @@
 #include "cloud/account/AccountClient.h"
-#include "cloud/account/AccountFailure.h"
-#include "cloud/labs/LabsAnswer.h"
-#include "cloud/labs/LabsProviders.h"
+#include "cloud/account/AccountError.h"
+#include "cloud/labs/LabsClient.h"
+#include "cloud/labs/LabsProvider.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -5,6 +5,9 @@
 #include <array>
 #include <optional>
 
+/// What a model is chosen for: speech to text, or editing the transcript.
+enum class ModelPurpose { transcription, chat };
+
 /// Who turns speech into text: the hosted service, or a service that the user has a key for.
 enum class Provider { sayvane, groq, openai };
 

@@ -3,6 +3,8 @@
 #include <QTextBoundaryFinder>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 
 using namespace Qt::StringLiterals;
 
@@ -14,6 +16,15 @@ bool isBlank(QChar character)
 }
 
 } // namespace
+
+QString Decimal::format(double number, int decimals)
+{
+    // Neither Qt, which rounds halves up, nor printf, whose decimal point is the user's.
+    std::array<char, 64> digits{};
+    const auto end =
+        std::to_chars(digits.begin(), digits.end(), number, std::chars_format::fixed, decimals).ptr;
+    return QString::fromLatin1(digits.data(), end - digits.data());
+}
 
 QString Text::trimmedBlanks(const QString &text)
 {

@@ -4,7 +4,7 @@
 #include "base/Provider.h"
 #include "cli/OfflineProgram.h"
 #include "cli/Terminal.h"
-#include "cloud/account/AccountSessionStore.h"
+#include "cloud/account/AccountSession.h"
 #include "preferences/Keychain.h"
 #include "program/SignInSteps.h"
 

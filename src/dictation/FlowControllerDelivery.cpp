@@ -7,10 +7,10 @@
 #include "cloud/labs/LabsSession.h"
 #include "cloud/speech/Transcriber.h"
 #include "dictation/FlowText.h"
-#include "dictation/TemporaryFile.h"
 #include "history/HistoryStore.h"
 #include "preferences/Prefs.h"
 
+#include <QFile>
 #include <QUuid>
 
 #include <utility>
@@ -26,6 +26,30 @@ constexpr auto storeLimit = 4s;
 constexpr qint64 minimumCleanupWords = 4;
 
 } // namespace
+
+/// A file that is deleted with this object unless it is kept; that it cannot be deleted is nobody's error.
+class TemporaryFile
+{
+public:
+    explicit TemporaryFile(const QString &path) : m_path(path) {}
+    TemporaryFile(const TemporaryFile &) = delete;
+    TemporaryFile &operator=(const TemporaryFile &) = delete;
+    ~TemporaryFile() { remove(); }
+
+    void remove()
+    {
+        if (!m_path.isEmpty())
+            QFile::remove(m_path);
+        m_path.clear();
+    }
+
+    const QString &path() const { return m_path; }
+
+    void keep() { m_path.clear(); }
+
+private:
+    QString m_path;
+};
 
 // After each wait the controller may be gone, and then a stop was requested.
 QCoro::Task<> FlowController::transcribeAndDeliver(QString filePath, double duration, qint64 fileSize)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "dictation/ClipboardReading.h"
+#include "dictation/ClipboardSnapshot.h"
 
 #include <QCoroTask>
 #include <QString>

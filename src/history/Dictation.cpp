@@ -1,6 +1,5 @@
 #include "history/Dictation.h"
 
-#include "base/Decimal.h"
 #include "base/Text.h"
 
 using namespace Qt::StringLiterals;

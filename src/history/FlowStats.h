@@ -2,10 +2,30 @@
 
 #include "history/Dictation.h"
 
+#include <QDateTime>
 #include <QList>
 #include <QTimeZone>
 
 #include <optional>
+
+/// How much was dictated on one day of the user's calendar.
+struct DayWords
+{
+    QDateTime date; ///< the day's first moment, in the user's time zone
+    qint64 words = 0;
+
+    bool operator==(const DayWords &) const = default;
+};
+
+/// What a number of dictations amount to.
+struct UsageSummary
+{
+    int dictations = 0;
+    double seconds = 0; ///< of recorded audio
+    double costUSD = 0; ///< estimated, for those made with a key of the user's own
+
+    bool operator==(const UsageSummary &) const = default;
+};
 
 /// The figures of all dictations together.
 struct FlowStats

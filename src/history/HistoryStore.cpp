@@ -3,12 +3,83 @@
 #include "base/Background.h"
 #include "base/Clock.h"
 #include "base/Folders.h"
+#include "cloud/speech/Rates.h"
+#include "history/LocalDays.h"
 
 #include <QFile>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
+
+FlowStats HistoryStore::computeStats() const
+{
+    return FlowStats::compute(m_records, m_clock.now(), m_clock.timeZone());
+}
+
+int HistoryStore::dayStreak(const QTimeZone &calendar) const
+{
+    return FlowStats::dayStreakOf(m_records, m_clock.now(), calendar);
+}
+
+QList<DayWords> HistoryStore::wordsPerDay(int days) const
+{
+    LocalDays calendar(m_clock.timeZone());
+    const qint64 today = calendar.dayOf(m_clock.now());
+    QList<qint64> words(std::max(days, 1)); // of today, yesterday, and so on
+    for (const Dictation &record : m_records) {
+        const qint64 daysAgo = today - calendar.dayOf(record.date);
+        if (daysAgo >= 0 && daysAgo < words.size())
+            words[daysAgo] += record.wordCount;
+    }
+    QList<DayWords> result;
+    result.reserve(words.size());
+    for (qint64 daysAgo = words.size() - 1; daysAgo >= 0; --daysAgo) {
+        if (const QDateTime date = calendar.startOf(today - daysAgo); date.isValid())
+            result.append({date, words.at(daysAgo)});
+    }
+    return result;
+}
+
+HistoryStore::Usage HistoryStore::usage(Provider currentProvider, const QDateTime &since) const
+{
+    const auto add = [](UsageSummary &summary, double seconds, double cost) {
+        ++summary.dictations;
+        summary.seconds += seconds;
+        summary.costUSD += cost;
+    };
+    Usage usage;
+    const QDateTime begin = since.toUTC(); // as the records are, which compares faster
+    for (const Dictation &record : m_records) {
+        const double seconds = std::max(record.durationSeconds, 0.0);
+        const double cost = estimatedCost(record, currentProvider);
+        add(usage.allTime, seconds, cost);
+        if (record.date >= begin)
+            add(usage.period, seconds, cost);
+    }
+    return usage;
+}
+
+double HistoryStore::estimatedCost(const Dictation &dictation, Provider currentProvider)
+{
+    const Provider provider =
+        Providers::fromRawValue(dictation.providerRaw.value_or(QString())).value_or(currentProvider);
+    if (provider == Provider::sayvane)
+        return 0;
+    const bool isOpenAI = provider == Provider::openai;
+    const double transcription =
+        Rates::transcriptionUSD(dictation.durationSeconds,
+                                dictation.transcriptionModel.value_or(isOpenAI ? u"gpt-4o-mini-transcribe"_s
+                                                                               : u"whisper-large-v3-turbo"_s),
+                                provider);
+    if (!dictation.chatModel && !dictation.rawText)
+        return transcription;
+    return transcription + Rates::chatUSD(dictation.wordCount,
+                                          dictation.chatModel.value_or(isOpenAI ? u"gpt-4o-mini"_s
+                                                                                : u"openai/gpt-oss-120b"_s),
+                                          provider);
+}
 
 HistoryStore::HistoryStore(Folders &folders, Clock &clock, Background &background)
     : m_clock(clock),

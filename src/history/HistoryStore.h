@@ -1,11 +1,9 @@
 #pragma once
 
 #include "base/Provider.h"
-#include "history/DayWords.h"
 #include "history/Dictation.h"
 #include "history/FlowStats.h"
 #include "history/HistoryDisk.h"
-#include "history/UsageSummary.h"
 
 #include <QList>
 #include <QObject>

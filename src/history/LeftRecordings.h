@@ -1,14 +1,24 @@
 #pragma once
 
 #include "base/Clock.h"
-#include "history/LeftRecording.h"
 
+#include <QDateTime>
 #include <QList>
+#include <QString>
 
 #include <expected>
 #include <memory>
 
 class Folders;
+
+/// A recording that no dictation came to an end with.
+struct LeftRecording
+{
+    QString id; ///< as its file is named
+    QString path;
+    QDateTime date;     ///< when its last sound was heard, UTC
+    double seconds = 0; ///< how much was heard
+};
 
 /// Recordings whose words nobody has got: what the end of the program in the middle of a dictation left
 /// behind, and, where the user wants it, what could not be transcribed. Kept aside for a week, and no longer.

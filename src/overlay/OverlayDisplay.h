@@ -1,9 +1,10 @@
 #pragma once
 
+#include "base/Clock.h"
 #include "base/FloatingPanel.h"
-#include "overlay/LevelMotion.h"
 #include "overlay/OverlayView.h"
 
+#include <QList>
 #include <QObject>
 #include <QSize>
 
@@ -12,6 +13,25 @@
 class FloatingPanel;
 class FloatingPanels;
 class OverlayPanel;
+
+/// The meter's levels on their way from what was shown to what was measured last.
+class LevelMotion
+{
+public:
+    /// How long a change takes; it slows down towards its end.
+    static constexpr Clock::Duration duration = std::chrono::milliseconds(50);
+
+    /// Starts from what is shown at that time.
+    void moveTo(const QList<double> &levels, Clock::Duration now);
+    void jumpTo(const QList<double> &levels);
+    QList<double> levels(Clock::Duration now) const;
+    bool isMoving(Clock::Duration now) const { return m_from != m_to && now < m_start + duration; }
+
+private:
+    QList<double> m_from;
+    QList<double> m_to;
+    Clock::Duration m_start{};
+};
 
 /// Puts the overlay on the screen: makes its window when it is first needed, gives it its size and place
 /// at every show, and keeps it moving while there is something to see.

@@ -3,18 +3,23 @@
 #include "dictation/OverlayModel.h"
 #include "overlay/MessageText.h"
 #include "overlay/OverlayLayout.h"
-#include "overlay/Symbol.h"
-#include "overlay/ToneStyle.h"
 
 #include <QGuiApplication>
+#include <QImage>
 #include <QPainter>
 #include <QPainterPath>
+#include <QSvgRenderer>
 
 #include <cmath>
 
+using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr Clock::Duration turn = 850ms;
+constexpr double length = 0.72; // of the whole circle
+constexpr int wholeCircle = 360 * 16;
 
 constexpr double messageIconSize = 17; // its drawing is as high as the capitals of the text beside it
 constexpr double doneIconSize = 19;
@@ -37,6 +42,45 @@ QFont messageFont()
 }
 
 } // namespace
+
+void Spinner::paint(QPainter &painter, const QPointF &centre, Clock::Duration elapsed) const
+{
+    const double turned =
+        spinning ? static_cast<double>((elapsed % turn).count()) / static_cast<double>(turn.count()) : 0.0;
+    const QRectF circle(centre.x() - size / 2, centre.y() - size / 2, size, size);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(QColor::fromRgbF(1, 1, 1, 0.9F), 2, Qt::SolidLine, Qt::RoundCap));
+    // Angles are counted against the clock; the circle starts at three o'clock and turns with it.
+    painter.drawArc(circle, static_cast<int>(-turned * wholeCircle), static_cast<int>(-length * wholeCircle));
+}
+
+void Symbol::paint(QPainter &painter, const QRectF &square, const QColor &colour) const
+{
+    // The drawing gives the coverage, the caller the colour.
+    const double scale = painter.device()->devicePixelRatioF();
+    const int pixels = static_cast<int>(std::ceil(square.width() * scale));
+    QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter inner(&image);
+    QSvgRenderer(u":/icons/"_s + name + u".svg"_s).render(&inner);
+    inner.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    inner.fillRect(image.rect(), colour);
+    inner.end();
+    painter.drawImage(square, image);
+}
+
+ToneStyle ToneStyle::of(OverlayTone tone)
+{
+    switch (tone) {
+    case OverlayTone::warning:
+        return {QColor(245, 185, 66), u"exclamationmark.triangle.fill"_s};
+    case OverlayTone::failure:
+        return {QColor(227, 137, 154), u"exclamationmark.circle.fill"_s};
+    case OverlayTone::success:
+        break;
+    }
+    return {QColor(255, 255, 255), u"checkmark"_s};
+}
 
 OverlayView::OverlayView(const OverlayModel &model, std::optional<double> messageWidth)
     : m_model(&model),

@@ -1,9 +1,13 @@
 #pragma once
 
-#include "overlay/Spinner.h"
+#include "base/Clock.h"
+#include "dictation/OverlayModel.h"
 
+#include <QColor>
 #include <QList>
+#include <QRectF>
 #include <QSizeF>
+#include <QString>
 
 #include <optional>
 
@@ -11,6 +15,35 @@ class MessageText;
 class OverlayModel;
 class QFont;
 class QPainter;
+class QPointF;
+
+/// An open circle that turns once in 0.85 seconds while something is under way.
+struct Spinner
+{
+    double size = 15; ///< of the circle, whose line is 2 points wide
+    bool spinning = false;
+
+    /// Paints the circle as it stands that long after it began to spin.
+    void paint(QPainter &painter, const QPointF &centre, Clock::Duration elapsed) const;
+};
+
+/// A single-coloured drawing of resources/icons, on a square grid.
+struct Symbol
+{
+    QString name;
+
+    /// Fills the square with the drawing.
+    void paint(QPainter &painter, const QRectF &square, const QColor &colour) const;
+};
+
+/// How a tone looks.
+struct ToneStyle
+{
+    QColor colour;
+    QString icon; ///< the name of a symbol
+
+    static ToneStyle of(OverlayTone tone);
+};
 
 /// The picture of the overlay: a dark capsule with a meter, a spinner, or a message with its icon.
 class OverlayView

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/ModelPurpose.h"
 #include "base/Provider.h"
 #include "preferences/HotkeySpec.h"
 

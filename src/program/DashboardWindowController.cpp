@@ -3,6 +3,7 @@
 #include "base/Activation.h"
 #include "program/WindowPlace.h"
 
+#include <QEvent>
 #include <QGuiApplication>
 #include <QWindow>
 
@@ -22,6 +23,21 @@ bool isRegular(const QWindow &window)
 }
 
 } // namespace
+
+WindowCloseObserver::WindowCloseObserver(std::function<void(QWindow *)> closing)
+    : m_closing(std::move(closing))
+{
+    qGuiApp->installEventFilter(this);
+}
+
+WindowCloseObserver::~WindowCloseObserver() = default;
+
+bool WindowCloseObserver::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Close && watched->isWindowType())
+        m_closing(static_cast<QWindow *>(watched));
+    return false;
+}
 
 DashboardWindowController::DashboardWindowController(Needs needs) : m_needs(std::move(needs))
 {

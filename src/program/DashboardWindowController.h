@@ -1,8 +1,8 @@
 #pragma once
 
-#include "program/WindowCloseObserver.h"
 #include "screens/WindowEngine.h"
 
+#include <QObject>
 #include <QSize>
 #include <QVariantMap>
 
@@ -13,6 +13,22 @@
 class Activation;
 class Appearance;
 class Graphics;
+class QWindow;
+
+/// Tells when any window of the program is about to close, while it is still visible.
+class WindowCloseObserver final : public QObject
+{
+    Q_OBJECT
+public:
+    explicit WindowCloseObserver(std::function<void(QWindow *)> closing);
+    ~WindowCloseObserver() override;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    std::function<void(QWindow *)> m_closing;
+};
 
 /// The program's one ordinary window: made when it is first shown, hidden when it is closed.
 class DashboardWindowController

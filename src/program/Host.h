@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cloud/account/AccountClient.h"
-#include "cloud/account/AccountSessionStore.h"
+#include "cloud/account/AccountSession.h"
 #include "cloud/account/AccountSignIn.h"
 #include "cloud/account/AccountStatus.h"
 #include "cloud/account/Credentials.h"

@@ -4,7 +4,6 @@
 #include "program/ControlService.h"
 #include "program/Host.h"
 #include "program/MainMenuKeys.h"
-#include "program/SettingsOpener.h"
 #include "program/Windows.h"
 #include "tray/MainMenu.h"
 #include "tray/MenuView.h"

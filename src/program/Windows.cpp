@@ -2,6 +2,9 @@
 
 #include "base/Platform.h"
 #include "program/Host.h"
+#include "tray/MainMenu.h"
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -11,6 +14,23 @@ namespace {
 constexpr auto updateNoticeDuration = 4s;
 
 } // namespace
+
+SettingsOpener::SettingsOpener(MainMenu &menu, std::function<void()> activate, Handler showSettingsWindow,
+                               Handler showPreferencesWindow)
+    : m_menu(menu),
+      m_activate(std::move(activate)),
+      m_showSettingsWindow(std::move(showSettingsWindow)),
+      m_showPreferencesWindow(std::move(showPreferencesWindow))
+{
+}
+
+void SettingsOpener::open()
+{
+    m_activate();
+    m_menu.installIfNeeded();
+    if (!m_showSettingsWindow())
+        m_showPreferencesWindow();
+}
 
 Windows::Windows(Host &host, Platform &platform, const WindowEngine::Maker &makeEngine, Hooks hooks)
     : m_host(host),

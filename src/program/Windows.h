@@ -2,7 +2,6 @@
 
 #include "program/DashboardScreens.h"
 #include "program/DashboardWindowController.h"
-#include "program/FormScreens.h"
 #include "program/SettingsWindow.h"
 #include "screens/dashboard/DashboardNavigation.h"
 
@@ -10,7 +9,29 @@
 #include <optional>
 
 class Host;
+class MainMenu;
 struct Platform;
+
+/// The one way to the settings from outside the windows.
+class SettingsOpener
+{
+public:
+    /// Shows the settings; false when this window has none to show.
+    using Handler = std::function<bool()>;
+
+    /// `activate` brings the program to the front, whatever was there.
+    SettingsOpener(MainMenu &menu, std::function<void()> activate, Handler showSettingsWindow,
+                   Handler showPreferencesWindow);
+
+    /// Asks the first handler, and only where it did nothing the second.
+    void open();
+
+private:
+    MainMenu &m_menu;
+    std::function<void()> m_activate;
+    Handler m_showSettingsWindow;
+    Handler m_showPreferencesWindow;
+};
 
 /// The program's windows. Until the first one is opened they cost next to nothing.
 class Windows

@@ -42,6 +42,54 @@ QVariantMap propertiesOfEntry(const MenuEntry &entry)
 
 } // namespace
 
+QDBusArgument &operator<<(QDBusArgument &argument, const MenuEvent &event)
+{
+    argument.beginStructure();
+    argument << event.id << event.type << event.data << event.time;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, MenuEvent &event)
+{
+    argument.beginStructure();
+    argument >> event.id >> event.type >> event.data >> event.time;
+    argument.endStructure();
+    return argument;
+}
+
+QDBusArgument &operator<<(QDBusArgument &argument, const MenuProperties &entry)
+{
+    argument.beginStructure();
+    argument << entry.id << entry.properties;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, MenuProperties &entry)
+{
+    argument.beginStructure();
+    argument >> entry.id >> entry.properties;
+    argument.endStructure();
+    return argument;
+}
+
+QDBusArgument &operator<<(QDBusArgument &argument, const MenuLayout &layout)
+{
+    argument.beginStructure();
+    argument << layout.id << layout.properties << layout.children;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, MenuLayout &layout)
+{
+    argument.beginStructure();
+    argument >> layout.id >> layout.properties >> layout.children;
+    argument.endStructure();
+    return argument;
+}
+
 BusMenu::BusMenu(std::function<QList<MenuEntry>()> entries) : m_entries(std::move(entries))
 {
     qDBusRegisterMetaType<MenuEvent>();

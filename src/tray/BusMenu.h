@@ -1,19 +1,56 @@
 #pragma once
 
 #include "tray/MenuEntry.h"
-#include "tray/MenuEvent.h"
-#include "tray/MenuLayout.h"
-#include "tray/MenuProperties.h"
 
+#include <QDBusArgument>
 #include <QDBusVariant>
 #include <QHash>
 #include <QList>
+#include <QMetaType>
 #include <QObject>
 #include <QSet>
+#include <QString>
+#include <QVariantMap>
 
 #include <functional>
 #include <map>
 #include <tuple>
+
+/// What a panel says that the user did with an entry, as com.canonical.dbusmenu sends it: (isvu).
+struct MenuEvent
+{
+    int id = 0;
+    QString type; ///< such as "clicked"
+    QDBusVariant data;
+    uint time = 0;
+};
+Q_DECLARE_METATYPE(MenuEvent)
+
+QDBusArgument &operator<<(QDBusArgument &argument, const MenuEvent &event);
+const QDBusArgument &operator>>(const QDBusArgument &argument, MenuEvent &event);
+
+/// The properties of one menu entry by its id: (ia{sv}).
+struct MenuProperties
+{
+    int id = 0;
+    QVariantMap properties;
+};
+Q_DECLARE_METATYPE(MenuProperties)
+
+QDBusArgument &operator<<(QDBusArgument &argument, const MenuProperties &entry);
+const QDBusArgument &operator>>(const QDBusArgument &argument, MenuProperties &entry);
+
+/// One entry of a menu with those below it, as com.canonical.dbusmenu sends it: (ia{sv}av).
+struct MenuLayout
+{
+    int id = 0;
+    QVariantMap properties;
+    QList<QDBusVariant> children; ///< each holds a `MenuLayout`
+};
+Q_DECLARE_METATYPE(MenuLayout)
+
+QDBusArgument &operator<<(QDBusArgument &argument, const MenuLayout &layout);
+const QDBusArgument &operator>>(const QDBusArgument &argument, MenuLayout &layout);
 
 /// A menu that a panel draws: com.canonical.dbusmenu, version 3, as libdbusmenu defines it.
 ///

@@ -1,6 +1,5 @@
 #include "tray/MenuView.h"
 
-#include "base/Decimal.h"
 #include "base/Pasteboard.h"
 #include "base/Text.h"
 #include "cloud/account/AccountStatus.h"

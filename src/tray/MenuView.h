@@ -2,9 +2,10 @@
 
 #include "base/FlowState.h"
 #include "tray/MenuEntry.h"
-#include "tray/ShellCommands.h"
 
 #include <QObject>
+
+#include <functional>
 
 class AccountStatus;
 class FlowController;
@@ -12,6 +13,14 @@ class HistoryStore;
 class LabsAnswerMode;
 class Pasteboard;
 class Prefs;
+
+/// What the windowless part of the program can ask of the part with windows.
+struct ShellCommands
+{
+    std::function<void()> openDashboard;
+    std::function<void()> openSettings;
+    std::function<void()> quit;
+};
 
 /// The menu of the tray: what it holds at this moment, and when that changed.
 ///

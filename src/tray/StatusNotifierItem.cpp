@@ -4,6 +4,8 @@
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QGuiApplication>
+#include <QImage>
+#include <QtEndian>
 
 #include <utility>
 
@@ -21,6 +23,46 @@ bool tokensCount()
 }
 
 } // namespace
+
+ItemPixmap ItemPixmap::of(const QImage &image)
+{
+    const QImage argb = image.convertToFormat(QImage::Format_ARGB32);
+    ItemPixmap pixmap{argb.width(), argb.height(), QByteArray(argb.sizeInBytes(), Qt::Uninitialized)};
+    qToBigEndian<quint32>(argb.constBits(), argb.sizeInBytes() / 4, pixmap.pixels.data());
+    return pixmap;
+}
+
+QDBusArgument &operator<<(QDBusArgument &argument, const ItemPixmap &pixmap)
+{
+    argument.beginStructure();
+    argument << pixmap.width << pixmap.height << pixmap.pixels;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, ItemPixmap &pixmap)
+{
+    argument.beginStructure();
+    argument >> pixmap.width >> pixmap.height >> pixmap.pixels;
+    argument.endStructure();
+    return argument;
+}
+
+QDBusArgument &operator<<(QDBusArgument &argument, const ItemToolTip &toolTip)
+{
+    argument.beginStructure();
+    argument << toolTip.iconName << toolTip.icon << toolTip.title << toolTip.text;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, ItemToolTip &toolTip)
+{
+    argument.beginStructure();
+    argument >> toolTip.iconName >> toolTip.icon >> toolTip.title >> toolTip.text;
+    argument.endStructure();
+    return argument;
+}
 
 StatusNotifierItem::StatusNotifierItem(Needs needs) : m_needs(std::move(needs)), m_menu(m_needs.entries)
 {

@@ -1,15 +1,46 @@
 #pragma once
 
 #include "tray/BusMenu.h"
-#include "tray/ItemPixmap.h"
-#include "tray/ItemToolTip.h"
 
+#include <QByteArray>
+#include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QList>
+#include <QMetaType>
 #include <QObject>
 #include <QPoint>
+#include <QString>
 
 #include <functional>
+
+class QImage;
+
+/// One size of an icon as a StatusNotifierItem sends it, (iiay): ARGB with 32 bits in network byte order.
+struct ItemPixmap
+{
+    int width = 0;
+    int height = 0;
+    QByteArray pixels;
+
+    static ItemPixmap of(const QImage &image);
+};
+Q_DECLARE_METATYPE(ItemPixmap)
+
+QDBusArgument &operator<<(QDBusArgument &argument, const ItemPixmap &pixmap);
+const QDBusArgument &operator>>(const QDBusArgument &argument, ItemPixmap &pixmap);
+
+/// What a panel shows when the pointer rests on an item: (sa(iiay)ss).
+struct ItemToolTip
+{
+    QString iconName;
+    QList<ItemPixmap> icon;
+    QString title;
+    QString text;
+};
+Q_DECLARE_METATYPE(ItemToolTip)
+
+QDBusArgument &operator<<(QDBusArgument &argument, const ItemToolTip &toolTip);
+const QDBusArgument &operator>>(const QDBusArgument &argument, ItemToolTip &toolTip);
 
 /// The program in a panel by the StatusNotifierItem protocol of freedesktop.org, in the form that KDE's
 /// watcher (org.kde) and all panels use.

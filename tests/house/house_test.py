@@ -13,7 +13,7 @@ from arrows import House, circles, written_lines
 SOURCE, QT_HEADERS, LUPDATE, WORDINGS = sys.argv[1:5]
 PROJECT = pathlib.Path(SOURCE).resolve().parent
 # What it may amount to. It shrinks with the house, towards 450 files and a third of tests, and never grows again.
-LIMITS = {"rooms": 16, "arrows between rooms": 60, "source files": 547, "percent of tests beside the code": 49}
+LIMITS = {"rooms": 16, "arrows between rooms": 60, "source files": 450, "percent of tests beside the code": 49}
 
 ROOMS = {
     "base/CMakeLists.txt": "sayvane_room(base\n    SOURCES Text.h\n    LINKS Qt6::Core\n)",

@@ -1,6 +1,6 @@
 #include "tray/MenuView.h"
 #include "program/FlowFixture.h"
-#include "program/SettingsOpener.h"
+#include "program/Windows.h"
 #include "tray/MainMenu.h"
 
 #include <QSignalSpy>

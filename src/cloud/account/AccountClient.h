@@ -5,7 +5,6 @@
 #include "cloud/account/AccountInfo.h"
 #include "cloud/account/AccountSession.h"
 #include "cloud/account/DeviceSession.h"
-#include "cloud/account/ServiceErrorBody.h"
 
 #include <QCoroTask>
 #include <QJsonObject>

@@ -1,8 +1,122 @@
 #include "cloud/account/AccountError.h"
 
 #include "base/HttpTransport.h"
+#include "base/Json.h"
+#include "base/Text.h"
+
+#include <QJsonDocument>
+#include <QLatin1StringView>
+
+#include <algorithm>
+#include <array>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+enum class Wins { table, service };
+
+struct Row
+{
+    QLatin1StringView code;
+    const char *message;
+    Wins wins;
+};
+
+constexpr auto tooManyRequests =
+    QT_TRANSLATE_NOOP("AccountError", "Too many requests just now. Try again in a moment.");
+
+constexpr std::array rows{
+    Row{"signups_closed"_L1,
+        QT_TRANSLATE_NOOP("AccountError", "Testing is full for now, ask Orrin for an invite."), Wins::table},
+    Row{"invalid_code"_L1,
+        QT_TRANSLATE_NOOP("AccountError", "That code is not right. Check it and try again."), Wins::table},
+    Row{"code_expired"_L1, QT_TRANSLATE_NOOP("AccountError", "That code has expired. Ask for a new one."),
+        Wins::table},
+    Row{"invalid_email"_L1, QT_TRANSLATE_NOOP("AccountError", "That does not look like an email address."),
+        Wins::table},
+    Row{"rate_limited"_L1, tooManyRequests, Wins::service},
+    Row{"upstream_rate_limited"_L1, tooManyRequests, Wins::service},
+    Row{"quota_exceeded"_L1,
+        QT_TRANSLATE_NOOP("AccountError",
+                          "Today's dictation allowance is used up. It resets at midnight UTC."),
+        Wins::service},
+    Row{"refused"_L1, QT_TRANSLATE_NOOP("AccountError", "That request was declined."), Wins::service},
+    Row{"labs_unavailable"_L1,
+        QT_TRANSLATE_NOOP("AccountError", "Labs is not available right now. Try again shortly."),
+        Wins::service},
+    Row{"upstream_auth"_L1,
+        QT_TRANSLATE_NOOP("AccountError", "Sayvane's connection to that provider was rejected."),
+        Wins::service},
+    Row{"upstream_error"_L1, QT_TRANSLATE_NOOP("AccountError", "Could not reach that provider. Try again."),
+        Wins::service},
+    Row{"upstream_unreachable"_L1,
+        QT_TRANSLATE_NOOP("AccountError", "Could not reach that provider. Try again."), Wins::service},
+    Row{"upstream_timeout"_L1,
+        QT_TRANSLATE_NOOP("AccountError", "That provider took too long to answer. Try again."),
+        Wins::service},
+    Row{"bad_request"_L1, QT_TRANSLATE_NOOP("AccountError", "That request could not be understood."),
+        Wins::service},
+};
+
+bool rejectsSession(const std::optional<QString> &code)
+{
+    return code == "unauthorized"_L1 || code == "unauthorised"_L1 || code == "invalid_token"_L1;
+}
+
+} // namespace
+
+std::optional<ServiceErrorBody> ServiceErrorBody::decode(const QJsonObject &body)
+{
+    JsonMembers members(body);
+    JsonMembers error(members.object("error"_L1).value_or(QJsonObject()));
+    const QString code = error.text("code"_L1).value_or(QString()).trimmed().toLower();
+    const auto message = error.text("message"_L1);
+    if (!members.isSound() || !error.isSound())
+        return std::nullopt;
+    return ServiceErrorBody{code.isEmpty() ? std::nullopt : std::optional(code), message};
+}
+
+ServiceErrorBody ServiceErrorBody::decode(const QByteArray &json)
+{
+    return decode(QJsonDocument::fromJson(json).object()).value_or(ServiceErrorBody());
+}
+
+AccountError AccountFailure::signedOut(const std::optional<QString> &code)
+{
+    return {code.value_or(u"unauthorized"_s), AccountError::tr("Signed out. Sign in again in Settings."),
+            std::nullopt};
+}
+
+AccountFailure::Outcome AccountFailure::outcome(int status, const ServiceErrorBody &body,
+                                                std::optional<qint64> retryAfter)
+{
+    const auto &code = body.code;
+    const QString told = Text::quoted(body.message.value_or(QString()).trimmed());
+    const auto toldOr = [&told](const QString &otherwise) { return told.isEmpty() ? otherwise : told; };
+
+    if (rejectsSession(code))
+        return {signedOut(code), true};
+    if (const auto row = std::ranges::find_if(rows, [&](const Row &each) { return code == each.code; });
+        row != rows.end()) {
+        const QString message = AccountError::tr(row->message);
+        AccountError error{code, row->wins == Wins::service ? toldOr(message) : message, std::nullopt};
+        if (error.isRateLimited())
+            error.retryAfterSeconds = retryAfter;
+        return {error};
+    }
+    switch (status) {
+    case 429:
+        return {{code, toldOr(AccountError::tr(tooManyRequests)), retryAfter}};
+    case 403:
+        return {{code, toldOr(AccountError::tr("This account cannot be used. Please get in touch.")),
+                 std::nullopt}};
+    case 401:
+        return {signedOut(code), true};
+    default:
+        return {{code, toldOr(AccountError::tr("Sayvane: HTTP %1.").arg(status)), std::nullopt}};
+    }
+}
 
 bool AccountError::isRateLimited() const
 {

@@ -1,7 +1,6 @@
 #include "cloud/account/AccountStatus.h"
 
 #include "cloud/account/AccountSession.h"
-#include "cloud/account/AccountSessionStore.h"
 #include "preferences/Keychain.h"
 #include "preferences/Prefs.h"
 

@@ -1,6 +1,6 @@
 #include "cloud/account/Credentials.h"
 
-#include "cloud/account/AccountSessionStore.h"
+#include "cloud/account/AccountSession.h"
 #include "preferences/Keychain.h"
 
 #include <algorithm>

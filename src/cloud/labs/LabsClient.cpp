@@ -1,8 +1,11 @@
 #include "cloud/labs/LabsClient.h"
 
+#include "base/Json.h"
 #include "base/Sleep.h"
 #include "base/Text.h"
 #include "cloud/account/Credentials.h"
+
+#include <QJsonDocument>
 
 #include <algorithm>
 
@@ -31,6 +34,24 @@ QJsonObject question(const QString &prompt, LabsProvider provider, LabsMode mode
 }
 
 } // namespace
+
+std::expected<LabsAnswer, AccountError> LabsAnswer::decode(const QByteArray &json, LabsProvider asked)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(json);
+    JsonMembers reply(document.object());
+    const LabsAnswer answer{.text = reply.text("text"_L1).value_or(QString()).trimmed(),
+                            .provider =
+                                reply.text("provider"_L1).value_or(LabsProviderNames::rawValue(asked)),
+                            .model = reply.text("model"_L1).value_or(QString()),
+                            .inputTokens = reply.wholeNumber("inputTokens"_L1),
+                            .outputTokens = reply.wholeNumber("outputTokens"_L1)};
+    if (!document.isObject() || !reply.isSound())
+        return std::unexpected(AccountError::unreadable());
+    if (answer.text.isEmpty())
+        return std::unexpected(
+            AccountError::badResponse(AccountError::tr("Sayvane sent an empty answer back.")));
+    return answer;
+}
 
 LabsClient::LabsClient(AccountClient &account, const Credentials &credentials, HttpTransport &http,
                        Clock &clock)

@@ -2,20 +2,43 @@
 
 #include "base/HttpTransport.h"
 #include "cloud/account/AccountClient.h"
-#include "cloud/labs/LabsAnswer.h"
+#include "cloud/account/AccountError.h"
 #include "cloud/labs/LabsMode.h"
-#include "cloud/labs/LabsProviders.h"
+#include "cloud/labs/LabsProvider.h"
 
+#include <QByteArray>
 #include <QCoroTask>
 #include <QJsonObject>
+#include <QObject>
 #include <QString>
 
 #include <chrono>
+#include <expected>
 #include <optional>
 #include <stop_token>
 
 class Clock;
 class Credentials;
+
+/// What an assistant answered.
+struct LabsAnswer
+{
+    Q_GADGET
+    Q_PROPERTY(QString text MEMBER text CONSTANT)
+    Q_PROPERTY(QString provider MEMBER provider CONSTANT)
+    Q_PROPERTY(QString model MEMBER model CONSTANT)
+public:
+    QString text;     ///< trimmed, never empty
+    QString provider; ///< who answered, as the service names it
+    QString model;    ///< empty when the service names none
+    std::optional<qint64> inputTokens;
+    std::optional<qint64> outputTokens;
+
+    bool operator==(const LabsAnswer &) const = default;
+
+    /// The answer in the service's reply to a request for `asked`.
+    static std::expected<LabsAnswer, AccountError> decode(const QByteArray &json, LabsProvider asked);
+};
 
 /// Has the hosted service pass a prompt to an outside assistant.
 ///

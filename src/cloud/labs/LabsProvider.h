@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QByteArray>
+#include <QList>
 #include <QString>
 
 #include <array>
@@ -20,3 +22,18 @@ std::optional<LabsProvider> fromRawValue(const QString &rawValue);
 QString title(LabsProvider provider);
 
 } // namespace LabsProviderNames
+
+/// Which assistants the service offers now.
+struct LabsProviders
+{
+    bool claude = false;
+    bool chatgpt = false;
+
+    bool operator==(const LabsProviders &) const = default;
+
+    /// Those offered, in the order of lists.
+    QList<LabsProvider> offered() const;
+
+    /// None unless the answer speaks of both.
+    static std::optional<LabsProviders> decode(const QByteArray &json);
+};

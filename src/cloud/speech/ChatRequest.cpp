@@ -7,6 +7,15 @@
 
 using namespace Qt::StringLiterals;
 
+QString CleanupPrompt::with(const QString &vocabulary)
+{
+    const QString prompt = QString::fromUtf8(fixedText);
+    if (vocabulary.isEmpty())
+        return prompt;
+    return prompt + u"\n\nNames and terms that may have been misheard, with their correct spelling: "_s +
+           vocabulary;
+}
+
 QByteArray ChatRequest::body(Form form, Provider provider, const QString &model, const QString &prompt,
                              const QString &transcript)
 {

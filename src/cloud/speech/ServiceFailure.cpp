@@ -2,7 +2,7 @@
 
 #include "base/Json.h"
 #include "base/Text.h"
-#include "cloud/account/ServiceErrorBody.h"
+#include "cloud/account/AccountError.h"
 
 #include <QJsonDocument>
 #include <QRegularExpression>

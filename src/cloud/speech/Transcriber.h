@@ -3,7 +3,6 @@
 #include "base/Clock.h"
 #include "base/FlowError.h"
 #include "base/HttpTransport.h"
-#include "base/ModelPurpose.h"
 #include "base/Provider.h"
 #include "cloud/account/AccountClient.h"
 

@@ -3,7 +3,6 @@
 #include "base/Text.h"
 #include "cloud/account/Credentials.h"
 #include "cloud/speech/ChatRequest.h"
-#include "cloud/speech/CleanupPrompt.h"
 #include "cloud/speech/ProviderFailure.h"
 #include "preferences/Prefs.h"
 

@@ -1,7 +1,7 @@
 #include "cloud/speech/Transcriber.h"
 
 #include "base/Sleep.h"
-#include "cloud/account/AccountSessionStore.h"
+#include "cloud/account/AccountSession.h"
 #include "cloud/account/AccountStatus.h"
 #include "cloud/speech/ProviderFailure.h"
 #include "cloud/speech/ServiceFailure.h"

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "base/KeyTap.h"
-#include "machine/x11/KeyGrabs.h"
 #include "machine/x11/X11Connection.h"
 #include "machine/x11/X11Keyboard.h"
 
@@ -9,9 +8,42 @@
 #include <QObject>
 
 #include <array>
+#include <compare>
+#include <set>
 #include <vector>
-
 #include <xcb/xproto.h>
+
+class ModifierMap;
+class X11Connection;
+
+/// The chords that the X server hands to us instead of to the focused window.
+///
+/// A chord is grabbed once for every combination of locks, since the server compares those too.
+class KeyGrabs
+{
+public:
+    explicit KeyGrabs(X11Connection &connection);
+
+    /// Grabs exactly these chords, whatever was grabbed before. Returns those that another program holds;
+    /// nothing of them is grabbed. A chord that this keyboard cannot produce is passed over.
+    QList<KeyChord> hold(const QList<KeyChord> &chords, const ModifierMap &modifiers);
+
+private:
+    struct Grab
+    {
+        xcb_keycode_t key;
+        uint16_t modifiers;
+        auto operator<=>(const Grab &) const = default;
+    };
+    using Grabs = std::set<Grab>;
+
+    static Grabs grabsFor(const KeyChord &chord, const ModifierMap &modifiers);
+    bool add(const Grabs &grabs);
+    void remove(const Grab &grab);
+
+    X11Connection &m_connection;
+    Grabs m_held;
+};
 
 /// Watches chords by grabbing their keys: a matching press comes to us alone. The server waits for no word of
 /// ours, so that nobody's typing does.

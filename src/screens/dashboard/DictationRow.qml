@@ -165,4 +165,18 @@ Item {
             }
         }
     }
+
+    // The day above its dictations.
+    component DayHeader: Label {
+        leftPadding: Theme.screenMargin
+        rightPadding: Theme.screenMargin
+        topPadding: 14
+        bottomPadding: 6
+        wrapMode: Text.NoWrap
+        elide: Text.ElideRight
+        color: Theme.secondary
+        font.pixelSize: Theme.calloutSize
+        font.weight: Font.DemiBold
+        Accessible.role: Accessible.Heading
+    }
 }

@@ -88,4 +88,120 @@ Column {
         visible: panel.session.history.length > 0
         history: panel.session.history
     }
+
+    // What went wrong with a question.
+    component LabsError: Row {
+        id: line
+
+        property string text: ""
+
+        width: parent ? parent.width : implicitWidth
+        spacing: 6
+        visible: text !== ""
+        Accessible.role: Accessible.AlertMessage
+        Accessible.name: text
+
+        FontMetrics {
+            id: metrics
+            font: words.font
+        }
+        Icon {
+            id: sign
+            y: (metrics.height - size) / 2
+            symbol: "exclamationmark.triangle.fill"
+            size: 14
+            color: Theme.error
+        }
+        Caption {
+            id: words
+            width: line.width - sign.width - line.spacing
+            text: line.text
+            color: Theme.error
+            Accessible.ignored: true
+        }
+    }
+
+    // The last questions and their answers.
+    component LabsRecent: Column {
+        id: recent
+
+        property var history: []
+
+        spacing: Theme.rowSpacing
+
+        Label {
+            text: qsTr("Recent")
+            font.pixelSize: Theme.calloutSize
+            font.weight: Font.DemiBold
+            color: Theme.secondary
+            Accessible.role: Accessible.Heading
+        }
+        Repeater {
+            model: recent.history
+
+            Column {
+                required property var modelData
+
+                width: recent.width
+                spacing: 2
+
+                Caption {
+                    width: parent.width
+                    text: modelData.provider + " · " + modelData.mode
+                    color: Theme.tertiary
+                }
+                SelectableText {
+                    width: parent.width
+                    text: modelData.prompt
+                    font.weight: Font.DemiBold
+                }
+                SelectableText {
+                    width: parent.width
+                    text: modelData.text
+                }
+            }
+        }
+    }
+
+    // A labelled text of some lines with a count of its characters.
+    component LabsEditor: Column {
+        id: editor
+
+        property string label: ""
+        property string count: ""
+        property string text: ""
+
+        signal edited(string text)
+
+        spacing: 6
+
+        Item {
+            width: parent.width
+            height: name.implicitHeight
+
+            Label {
+                id: name
+                text: editor.label
+                font.weight: Font.Medium
+            }
+            Caption {
+                anchors.right: parent.right
+                anchors.baseline: name.baseline
+                text: editor.count
+                color: Theme.tertiary
+                Accessible.name: qsTr("%1 characters").arg(text)
+            }
+        }
+        TextArea {
+            id: area
+            width: parent.width
+            implicitHeight: 96
+            label: editor.label
+            text: editor.text
+            editor.onTextChanged: {
+                if (area.text !== editor.text)
+                    editor.edited(area.text);
+            }
+        }
+    }
 }

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "base/FlowState.h"
 #include "cloud/labs/LabsAnswerMode.h"
+#include "cloud/labs/LabsMode.h"
 #include "cloud/labs/LabsSession.h"
-#include "screens/labs/PromptDictation.h"
 
+#include <QCoreApplication>
 #include <QCoroTask>
 #include <QObject>
 #include <QString>
@@ -14,6 +16,30 @@
 
 class Pasteboard;
 class TextInserter;
+
+/// Speaking a prompt instead of typing it, as the flow controller offers it.
+struct PromptDictation
+{
+    std::function<FlowState()> state;
+    /// Records a dictation whose text goes to the callback; only when idle.
+    std::function<void(std::function<void(const QString &)> into)> captureNextTranscript;
+    /// Ends the recording and sends it on its way.
+    std::function<void()> finishRecording;
+};
+
+/// What the Labs screen says in each mode.
+struct LabsTexts
+{
+    static QString hint(LabsMode mode);
+    static QString promptLabel(LabsMode mode);
+    /// Empty in the mode that takes no text besides the prompt.
+    static QString contextLabel(LabsMode mode);
+
+    /// Who answered, by the service's names for assistant and model.
+    static QString heading(const QString &provider, const QString &model);
+
+    Q_DECLARE_TR_FUNCTIONS(LabsTexts)
+};
 
 /// The Labs screen: which assistant is asked, in which way, and what becomes of its answer. What is written
 /// and answered lives in the session; this holds no state of its own.

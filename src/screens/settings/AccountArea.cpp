@@ -2,7 +2,7 @@
 
 #include "base/Clock.h"
 #include "base/Workspace.h"
-#include "cloud/account/AccountSessionStore.h"
+#include "cloud/account/AccountSession.h"
 #include "screens/settings/OwnKey.h"
 
 #include <QLocale>

@@ -2,9 +2,9 @@
 
 #include "base/Pasteboard.h"
 #include "base/Workspace.h"
-#include "cloud/speech/ConnectionResult.h"
+#include "cloud/speech/ModelResolver.h"
 #include "cloud/speech/Transcriber.h"
-#include "dictation/ClipboardText.h"
+#include "dictation/ClipboardSnapshot.h"
 #include "preferences/Keychain.h"
 #include "preferences/Prefs.h"
 

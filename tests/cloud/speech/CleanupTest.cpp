@@ -1,7 +1,6 @@
 #include "cloud/speech/SpeechFixture.h"
 
 #include "cloud/speech/ChatRequest.h"
-#include "cloud/speech/CleanupPrompt.h"
 #include "cloud/speech/ProviderFailure.h"
 
 #include <QCryptographicHash>

@@ -1,4 +1,3 @@
-#include "cloud/speech/ConnectionResult.h"
 #include "cloud/speech/ModelResolver.h"
 #include "cloud/speech/SpeechFixture.h"
 

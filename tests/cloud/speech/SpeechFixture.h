@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cloud/account/AccountSessionStore.h"
+#include "cloud/account/AccountSession.h"
 #include "cloud/account/AccountStatus.h"
 #include "cloud/account/Credentials.h"
 #include "cloud/speech/Transcriber.h"

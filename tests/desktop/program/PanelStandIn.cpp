@@ -1,6 +1,6 @@
 #include "desktop/program/PanelStandIn.h"
 
-#include "tray/MenuEvent.h"
+#include "tray/BusMenu.h"
 
 #include <QDBusArgument>
 #include <QDBusConnection>

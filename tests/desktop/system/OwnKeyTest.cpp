@@ -1,4 +1,4 @@
-#include "cloud/speech/CleanupPrompt.h"
+#include "cloud/speech/ChatRequest.h"
 #include "cloud/speech/SpeechFixture.h"
 #include "machine/network/NetworkTransport.h"
 #include "support/server/ConnectProxy.h"

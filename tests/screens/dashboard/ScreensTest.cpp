@@ -1,4 +1,4 @@
-#include "cloud/account/AccountSessionStore.h"
+#include "cloud/account/AccountSession.h"
 #include "cloud/account/Credentials.h"
 #include "history/HistoryStore.h"
 #include "preferences/Keychain.h"

@@ -1,7 +1,7 @@
 #include "screens/labs/LabsView.h"
 
 #include "cloud/account/AccountClient.h"
-#include "cloud/account/AccountSessionStore.h"
+#include "cloud/account/AccountSession.h"
 #include "cloud/account/AccountStatus.h"
 #include "cloud/account/Credentials.h"
 #include "cloud/labs/LabsClient.h"
