@@ -93,7 +93,7 @@ void ShellTest::theRunningProgramAnswers_data()
     QTest::newRow("version") << QStringList{u"--version"_s} << QByteArray() << 0 << u"sayvane 0."_s << QString();
     QTest::newRow("start") << QStringList{u"start"_s} << QByteArray() << 0 << QString() << QString();
     QTest::newRow("status") << QStringList{u"status"_s} << QByteArray() << 0 << u"recording\n"_s << QString();
-    QTest::newRow("doctor") << QStringList{u"doctor"_s} << QByteArray() << 0 << u"ok paste       XTEST\n"_s
+    QTest::newRow("doctor") << QStringList{u"doctor"_s} << QByteArray() << 1 << u"no tray        -\n   No panel"_s
                             << QString();
     QTest::newRow("nothing to undo while it runs")
         << QStringList{u"doctor"_s, u"--undo"_s} << QByteArray() << 75 << QString() << u"Quit it first."_s;
