@@ -4,10 +4,9 @@
 #include "service/accounts/EmailAddress.h"
 #include "service/accounts/SignInCode.h"
 #include "service/http/ClientNetwork.h"
+#include "service/machine/WallClock.h"
 #include "service/protocol/Authentication.h"
 #include "service/protocol/TextBody.h"
-#include "service/protocol/TextMembers.h"
-#include "service/text/Timestamp.h"
 #include "service/text/Utf8.h"
 
 #include <nlohmann/json.hpp>

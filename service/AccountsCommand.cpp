@@ -2,7 +2,7 @@
 
 #include "service/CommandLine.h"
 #include "service/accounts/Accounts.h"
-#include "service/text/Timestamp.h"
+#include "service/machine/WallClock.h"
 
 #include <iostream>
 #include <stdexcept>

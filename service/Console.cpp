@@ -1,7 +1,7 @@
 #include "service/Console.h"
 
 #include "service/machine/Log.h"
-#include "service/text/Timestamp.h"
+#include "service/machine/WallClock.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "service/labs/LabsRequest.h"
 
 #include "service/labs/Assistants.h"
-#include "service/protocol/TextMembers.h"
+#include "service/protocol/TextBody.h"
 #include "service/text/Utf8.h"
 
 #include <algorithm>

@@ -1,7 +1,6 @@
 #include "service/machine/Log.h"
 
 #include "service/machine/WallClock.h"
-#include "service/text/Timestamp.h"
 
 #include <string>
 

@@ -2,7 +2,7 @@
 
 #include "service/accounts/EmailAddress.h"
 #include "service/machine/Log.h"
-#include "service/text/Timestamp.h"
+#include "service/machine/WallClock.h"
 #include "service/text/Utf8.h"
 #include "service/upstream/Upstream.h"
 

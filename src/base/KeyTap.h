@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QString>
 
 #include <functional>
 #include <memory>
@@ -75,4 +75,8 @@ public:
     /// Installs a tap that watches the chords; none when the session does not allow it or another
     /// program holds one of them.
     virtual std::unique_ptr<KeyTap> install(std::span<const KeyChord> chords, Handler handler) = 0;
+
+    /// Who held a chord when a tap could last not be installed, as the desktop's settings call it; empty
+    /// where nobody did, or it cannot be known.
+    virtual QString holder() const { return {}; }
 };

@@ -1,6 +1,6 @@
 #include "overlay/OverlayLayout.h"
 
-#include "dictation/OverlayModel.h"
+#include "dictation/OverlayPanel.h"
 
 #include <algorithm>
 #include <cmath>

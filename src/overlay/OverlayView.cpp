@@ -1,6 +1,6 @@
 #include "overlay/OverlayView.h"
 
-#include "dictation/OverlayModel.h"
+#include "dictation/OverlayPanel.h"
 #include "overlay/MessageText.h"
 #include "overlay/OverlayLayout.h"
 

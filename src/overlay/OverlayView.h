@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/Clock.h"
-#include "dictation/OverlayModel.h"
+#include "dictation/OverlayPanel.h"
 
 #include <QColor>
 #include <QList>

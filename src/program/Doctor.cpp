@@ -22,9 +22,9 @@ Checkup shortcut(Checkup offered, const Doctor::Needs &needs)
     const QString keys = needs.prefs.hotkeySpec().displayString();
     if (offered.works && !needs.flow.hotkeyActive()) {
         offered.works = false;
-        offered.advice =
-            u"Another program holds %1. Choose another shortcut under Settings, or free it there."_s.arg(
-                keys);
+        const QString holder = needs.platform.keyTaps.holder();
+        offered.advice = u"%1 holds %2. Choose another shortcut under Settings, or free it there."_s.arg(
+            holder.isEmpty() ? u"Another program"_s : holder, keys);
     }
     if (!offered.means.isEmpty())
         offered.means = u"%1, %2"_s.arg(keys, offered.means);

@@ -1,5 +1,7 @@
 #include "machine/gnome/GnomeKeyTaps.h"
 
+#include "machine/gnome/GnomeShortcuts.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 
@@ -45,7 +47,11 @@ bool GnomeKeyTaps::isGnome()
 
 std::unique_ptr<KeyTap> GnomeKeyTaps::install(std::span<const KeyChord> chords, Handler handler)
 {
-    auto tap = m_taps.install(take(chords), [this, handler = std::move(handler)](KeyEvent event) {
+    const QList<KeyChord> keys = take(chords);
+    m_holder = keys.isEmpty() ? QString() : GnomeShortcuts::holderOf(keys.first());
+    if (!m_holder.isEmpty())
+        return nullptr;
+    auto tap = m_taps.install(keys, [this, handler = std::move(handler)](KeyEvent event) {
         event.flags = meant({event.keyCode, event.flags & KeyFlags::compared});
         return handler(event);
     });

@@ -7,7 +7,8 @@
 
 /// The keys of a GNOME session. On X11 its window manager holds the left logo key itself and hands no other
 /// program what is pressed with it alone, and Super+Space changes the keyboard's language: what is Fn
-/// elsewhere is Ctrl and the logo key together here, whichever of them goes down first.
+/// elsewhere is Ctrl and the logo key together here, whichever of them goes down first. A shortcut of its
+/// settings that has the same keys comes first, silently: there is no tap then.
 class GnomeKeyTaps final : public KeyTaps
 {
 public:
@@ -18,6 +19,7 @@ public:
     static bool isGnome();
 
     std::unique_ptr<KeyTap> install(std::span<const KeyChord> chords, Handler handler) override;
+    QString holder() const override { return m_holder.isEmpty() ? m_taps.holder() : m_holder; }
 
 private:
     class Tap;
@@ -26,6 +28,7 @@ private:
     quint64 meant(const KeyChord &pressed) const;
 
     KeyTaps &m_taps;
+    QString m_holder;
     mutable QMutex m_mutex; // the keys are judged on a thread of their own
     QList<KeyChord> m_wanted;
 };

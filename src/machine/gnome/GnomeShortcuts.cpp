@@ -4,6 +4,7 @@
 #include "machine/gnome/GnomeConsent.h"
 
 #include <QDBusConnection>
+#include <QHash>
 #include <QStringList>
 
 #include <algorithm>
@@ -46,6 +47,23 @@ QString acceleratorOf(const KeyChord &chord)
     std::array<char, 64> key{};
     xkb_keysym_get_name(KeyPositions::symbol(chord.keyCode), key.data(), key.size());
     return accelerator + QString::fromLatin1(key.data());
+}
+
+/// The modifiers and the key of an accelerator, so that each has one form only.
+std::pair<quint64, xkb_keysym_t> readAccelerator(QString accelerator)
+{
+    static const QHash<QString, quint64> modifiers{
+        {u"<control>"_s, KeyFlags::control}, {u"<ctrl>"_s, KeyFlags::control},
+        {u"<primary>"_s, KeyFlags::control}, {u"<alt>"_s, KeyFlags::option},
+        {u"<mod1>"_s, KeyFlags::option},     {u"<shift>"_s, KeyFlags::shift},
+        {u"<super>"_s, KeyFlags::fn},        {u"<mod4>"_s, KeyFlags::fn},
+        {u"<mod5>"_s, KeyFlags::command}};
+    quint64 flags = 0;
+    for (qsizetype end = 0; accelerator.startsWith(u'<') && (end = accelerator.indexOf(u'>')) > 0;) {
+        flags |= modifiers.value(accelerator.first(end + 1).toLower());
+        accelerator.remove(0, end + 1);
+    }
+    return {flags, xkb_keysym_from_name(accelerator.toUtf8().constData(), XKB_KEYSYM_CASE_INSENSITIVE)};
 }
 
 GlibPointer<GSettings> settings(const char *schema, const char *path = nullptr)
@@ -130,6 +148,63 @@ std::unique_ptr<KeyTap> GnomeShortcuts::install(std::span<const KeyChord> chords
     auto tap = std::make_unique<Tap>(*this, std::move(handler));
     watch(chords);
     return tap;
+}
+
+QString GnomeShortcuts::holderOf(const KeyChord &chord)
+{
+    const auto wanted = std::pair(chord.flags & KeyFlags::compared, KeyPositions::symbol(chord.keyCode));
+    const auto has = [&](GVariant *value) {
+        QStringList bindings;
+        if (g_variant_is_of_type(value, G_VARIANT_TYPE_STRING))
+            bindings.append(QString::fromUtf8(g_variant_get_string(value, nullptr)));
+        for (gsize i = 0;
+             g_variant_is_of_type(value, G_VARIANT_TYPE_STRING_ARRAY) && i < g_variant_n_children(value);
+             ++i) {
+            const gchar *binding = nullptr;
+            g_variant_get_child(value, i, "&s", &binding);
+            bindings.append(QString::fromUtf8(binding));
+        }
+        g_variant_unref(value);
+        return std::ranges::find(bindings, wanted, readAccelerator) != bindings.end();
+    };
+    for (const char *schema :
+         {"org.gnome.desktop.wm.keybindings", "org.gnome.shell.keybindings", "org.gnome.mutter.keybindings",
+          "org.gnome.mutter.wayland.keybindings", daemonSchema}) {
+        const GlibPointer<GSettings> group = settings(schema);
+        if (!group)
+            continue;
+        GSettingsSchema *known = nullptr;
+        g_object_get(group.get(), "settings-schema", &known, nullptr);
+        gchar **names = g_settings_schema_list_keys(known);
+        QString holder;
+        for (gchar **name = names; *name && holder.isEmpty(); ++name) {
+            if (!has(g_settings_get_value(group.get(), *name)))
+                continue;
+            GSettingsSchemaKey *found = g_settings_schema_get_key(known, *name);
+            const gchar *summary = g_settings_schema_key_get_summary(found);
+            holder = QString::fromUtf8(summary ? summary : *name);
+            g_settings_schema_key_unref(found);
+        }
+        g_strfreev(names);
+        g_settings_schema_unref(known);
+        if (!holder.isEmpty())
+            return holder;
+    }
+    const GlibPointer<GSettings> daemon = settings(daemonSchema);
+    gchar **paths = daemon ? g_settings_get_strv(daemon.get(), listKey) : nullptr;
+    QString holder;
+    for (gchar **path = paths; path && *path && holder.isEmpty(); ++path) {
+        if (*path == pathOf(u"toggle"_s) || *path == pathOf(u"cancel"_s))
+            continue;
+        const GlibPointer<GSettings> entry = settings(shortcutSchema, *path);
+        if (has(g_settings_get_value(entry.get(), "binding"))) {
+            gchar *name = g_settings_get_string(entry.get(), "name");
+            holder = QString::fromUtf8(*name ? name : *path);
+            g_free(name);
+        }
+    }
+    g_strfreev(paths);
+    return holder;
 }
 
 bool GnomeShortcuts::remove()

@@ -31,6 +31,10 @@ public:
     /// Whether the session's keyboard settings can be had.
     bool isOffered() const { return m_list != nullptr; }
 
+    /// Which of the desktop's own shortcuts, or the user's, has these keys already, by the name that the
+    /// settings give it; empty for none.
+    static QString holderOf(const KeyChord &chord);
+
     /// Takes ours out of the settings for good; false where there are none.
     bool remove();
 

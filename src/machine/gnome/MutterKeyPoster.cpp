@@ -1,23 +1,16 @@
 #include "machine/gnome/MutterKeyPoster.h"
 
-#include "machine/desktop/KeyPositions.h"
-
 #include <QCoroDBusPendingCall>
-#include <QCoroTimer>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QDBusReply>
+#include <QDBusObjectPath>
 #include <QLoggingCategory>
 #include <QPointer>
 
-#include <chrono>
 #include <utility>
 
-#include <linux/input-event-codes.h>
-
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -27,12 +20,6 @@ const QString name = u"org.gnome.Mutter.RemoteDesktop"_s;
 const QString path = u"/org/gnome/Mutter/RemoteDesktop"_s;
 const QString sessionInterface = name + u".Session"_s;
 constexpr int patience = 1000; // milliseconds
-constexpr uint firstXKeycode = 8;
-// A key without a meaning: the session's keyboard comes with its first key, and windows take a moment to
-// notice.
-constexpr uint unknownKey = KEY_UNKNOWN;
-
-constexpr KeyChord commandV{.keyCode = 9, .flags = KeyFlags::command};
 
 QDBusMessage call(const QString &object, const QString &interface, const QString &method,
                   const QVariantList &arguments = {})
@@ -40,22 +27,6 @@ QDBusMessage call(const QString &object, const QString &interface, const QString
     QDBusMessage message = QDBusMessage::createMethodCall(name, object, interface, method);
     message.setArguments(arguments);
     return message;
-}
-
-/// In the order of their presses, as the kernel numbers them.
-QList<uint> keysOf(const KeyChord &chord)
-{
-    if (chord == commandV)
-        return {KEY_LEFTSHIFT, KEY_INSERT};
-    QList<uint> keys;
-    for (const auto &[flag, key] :
-         {std::pair(KeyFlags::control | KeyFlags::command, uint(KEY_LEFTCTRL)),
-          std::pair(KeyFlags::shift, uint(KEY_LEFTSHIFT)), std::pair(KeyFlags::option, uint(KEY_LEFTALT))}) {
-        if (chord.flags & flag)
-            keys.append(key);
-    }
-    keys.append(KeyPositions::xKeycode(chord.keyCode) - firstXKeycode);
-    return keys;
 }
 
 QDBusMessage keyCall(const QString &session, uint key, bool isDown)
@@ -66,7 +37,7 @@ QDBusMessage keyCall(const QString &session, uint key, bool isDown)
 } // namespace
 
 MutterKeyPoster::MutterKeyPoster(LendToPrimary lendToPrimary)
-    : m_lendToPrimary(std::move(lendToPrimary)),
+    : RemoteKeyPoster(std::move(lendToPrimary)),
       m_watcher(name, QDBusConnection::sessionBus(),
                 QDBusServiceWatcher::WatchForRegistration | QDBusServiceWatcher::WatchForUnregistration)
 {
@@ -84,19 +55,11 @@ MutterKeyPoster::~MutterKeyPoster()
     close();
 }
 
-void MutterKeyPoster::prepare()
-{
-    const auto opening = [](MutterKeyPoster &self) -> QCoro::Task<> { co_await self.open(); };
-    opening(*this);
-}
-
 QCoro::Task<bool> MutterKeyPoster::open()
 {
     const QPointer self(this);
     if (!m_isOffered)
         co_return false;
-    if (!m_session.isEmpty())
-        co_return true;
     QDBusConnection bus = QDBusConnection::sessionBus();
     const QDBusMessage created = co_await bus.asyncCall(call(path, name, u"CreateSession"_s), patience);
     if (!self)
@@ -111,8 +74,6 @@ QCoro::Task<bool> MutterKeyPoster::open()
     if (!self || started.type() != QDBusMessage::ReplyMessage)
         co_return false;
     m_session = session;
-    press(unknownKey, true);
-    press(unknownKey, false);
     co_return true;
 }
 
@@ -127,30 +88,9 @@ void MutterKeyPoster::press(uint key, bool isDown)
     QDBusConnection::sessionBus().send(keyCall(m_session, key, isDown));
 }
 
-QCoro::Task<bool> MutterKeyPoster::post(KeyChord chord, std::function<bool()> mayStill)
+/// It answers in the order of what it is told.
+QCoro::Task<> MutterKeyPoster::settled()
 {
-    const QPointer self(this);
-    const bool isOpen = co_await open();
-    if (!isOpen || !self)
-        co_return false;
-    if (chord == commandV) {
-        co_await m_lendToPrimary();
-        if (!self)
-            co_return false;
-    }
-    const QList<uint> keys = keysOf(chord);
-    if (!mayStill() || m_session.isEmpty()) {
-        close();
-        co_return false;
-    }
-    for (const uint key : keys)
-        press(key, true);
-    for (auto key = keys.crbegin(); key != keys.crend(); ++key)
-        press(*key, false);
-    // An answer to the last of them: all have been typed.
     const QDBusMessage last = keyCall(m_session, unknownKey, false);
     co_await QDBusConnection::sessionBus().asyncCall(last, patience);
-    if (self)
-        close();
-    co_return true;
 }

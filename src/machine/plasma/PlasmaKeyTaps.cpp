@@ -2,6 +2,7 @@
 
 #include "machine/desktop/KeyPositions.h"
 
+#include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -17,6 +18,38 @@
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 using namespace Qt::StringLiterals;
+
+/// One of the desktop's shortcuts as it tells of them: (ssssssaiai). The names are shown to people in every
+/// second place.
+struct PlasmaShortcut
+{
+    QStringList names;
+    QList<int> keys, defaults;
+};
+Q_DECLARE_METATYPE(PlasmaShortcut)
+
+QDBusArgument &operator<<(QDBusArgument &argument, const PlasmaShortcut &shortcut)
+{
+    argument.beginStructure();
+    for (const QString &name : shortcut.names)
+        argument << name;
+    argument << shortcut.keys << shortcut.defaults;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, PlasmaShortcut &shortcut)
+{
+    argument.beginStructure();
+    for (int i = 0; i < 6; ++i) {
+        QString name;
+        argument >> name;
+        shortcut.names.append(name);
+    }
+    argument >> shortcut.keys >> shortcut.defaults;
+    argument.endStructure();
+    return argument;
+}
 
 /// A sequence of up to four keys, of which we use one: (ai).
 struct PlasmaKeySequence
@@ -119,6 +152,17 @@ QDBusMessage ask(const QString &method, const QVariantList &arguments)
     return QDBusConnection::sessionBus().call(call(method, arguments), QDBus::Block, patience);
 }
 
+/// Whose the key is, such as "KWin: Switch to Next Keyboard Layout".
+QString holderOf(int key)
+{
+    const QVariant found = ask(u"getGlobalShortcutsByKey"_s, {key}).arguments().value(0);
+    for (const PlasmaShortcut &each : qdbus_cast<QList<PlasmaShortcut>>(found)) {
+        if (each.names.value(2) != component)
+            return u"%1: %2"_s.arg(each.names.value(3), each.names.value(1));
+    }
+    return QCoreApplication::translate("PlasmaKeyTaps", "Another program");
+}
+
 } // namespace
 
 class PlasmaKeyTaps::Tap final : public KeyTap
@@ -159,6 +203,8 @@ PlasmaKeyTaps::PlasmaKeyTaps()
     m_isOpen = bus.isConnected() && bus.interface()->isServiceRegistered(u"org.kde.KWin"_s);
     qDBusRegisterMetaType<PlasmaKeySequence>();
     qDBusRegisterMetaType<QList<PlasmaKeySequence>>();
+    qDBusRegisterMetaType<PlasmaShortcut>();
+    qDBusRegisterMetaType<QList<PlasmaShortcut>>();
 }
 
 PlasmaKeyTaps::~PlasmaKeyTaps()
@@ -238,11 +284,13 @@ bool PlasmaKeyTaps::take(const Action &action)
         QDBusConnection::sessionBus().send(call(u"setShortcutKeys"_s, {id, keys, setPresent}));
         return true;
     }
+    m_holder.clear();
     ask(u"doRegister"_s, {id});
     const QVariant granted = ask(u"setShortcutKeys"_s, {id, keys, setPresent}).arguments().value(0);
     const auto taken = qdbus_cast<QList<PlasmaKeySequence>>(granted);
     if (taken.isEmpty() || taken.first().keys.value(0) != keyOf(action.chords.first())) {
-        qCWarning(log, "Another program holds the shortcut, or the desktop does.");
+        m_holder = holderOf(keyOf(action.chords.first()));
+        qCWarning(log).noquote() << "The shortcut belongs to" << m_holder;
         letGo(action);
         return false;
     }

@@ -34,6 +34,7 @@ public:
     bool remove();
 
     std::unique_ptr<KeyTap> install(std::span<const KeyChord> chords, Handler handler) override;
+    QString holder() const override { return m_holder; }
 
 private:
     class Tap;
@@ -55,6 +56,7 @@ private:
     QDBusServiceWatcher m_watcher;
     bool m_isOpen = false;
     QList<Action> m_actions;
+    QString m_holder;
     std::chrono::steady_clock::time_point m_released;
     Tap *m_tap = nullptr;
     std::unique_ptr<Guard> m_guard;

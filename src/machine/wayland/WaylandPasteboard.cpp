@@ -1,7 +1,6 @@
 #include "machine/wayland/WaylandPasteboard.h"
 
-#include "machine/wayland/ClipboardOffer.h"
-#include "machine/wayland/ClipboardSource.h"
+#include "machine/wayland/ClipboardTransfer.h"
 
 #include <QCoroSignal>
 #include <QPointer>

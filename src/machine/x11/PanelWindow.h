@@ -1,6 +1,6 @@
 #pragma once
 
-#include "machine/desktop/PanelShadow.h"
+#include "machine/desktop/PanelPicture.h"
 
 #include <QAccessibleObject>
 #include <QRasterWindow>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "machine/x11/SelectionData.h"
+#include "machine/x11/SelectionRead.h"
 
 #include <QByteArray>
 #include <QObject>

@@ -40,6 +40,7 @@ public:
     const X11AccessibilityTrust &trust() const { return m_trust; }
     X11PasteboardThread &pasteboard() { return m_pasteboard; }
     X11KeyTaps &keyTaps() { return m_keyTaps; }
+    const X11KeyTaps &keyTaps() const { return m_keyTaps; }
     X11KeyPoster &keyPoster() { return m_keyPoster; }
 
 private:

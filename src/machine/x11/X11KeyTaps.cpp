@@ -3,6 +3,8 @@
 #include "base/AccessibilityTrust.h"
 #include "machine/x11/KeyWatch.h"
 
+#include <QCoreApplication>
+
 /// One watch among those that the thread serves.
 class X11KeyTaps::Tap final : public KeyTap
 {
@@ -59,7 +61,13 @@ std::unique_ptr<KeyTap> X11KeyTaps::install(std::span<const KeyChord> chords, Ha
     const QList<KeyChord> wanted(chords.begin(), chords.end());
     const bool isGranted =
         there([&](KeyWatch &watch) { return watch.install(*tap, wanted, std::move(handler)); });
+    m_isHeld = !isGranted;
     return isGranted ? std::move(tap) : nullptr;
+}
+
+QString X11KeyTaps::holder() const
+{
+    return m_isHeld ? QCoreApplication::translate("X11KeyTaps", "Another program") : QString();
 }
 
 bool X11KeyTaps::isWatched(const KeyChord &chord) const

@@ -23,6 +23,8 @@ public:
     Q_DISABLE_COPY_MOVE(X11KeyTaps)
 
     std::unique_ptr<KeyTap> install(std::span<const KeyChord> chords, Handler handler) override;
+    /// The server does not tell which.
+    QString holder() const override;
 
     /// Whether a tap watches this chord: pressed, it comes to us.
     bool isWatched(const KeyChord &chord) const;
@@ -33,6 +35,7 @@ private:
     bool there(const std::function<bool(KeyWatch &)> &work) const;
 
     const AccessibilityTrust &m_trust;
+    bool m_isHeld = false; // another program has the keys
     mutable QThread m_thread;
     std::unique_ptr<QObject> m_context; // what runs there is told to it
     std::unique_ptr<KeyWatch> m_watch;

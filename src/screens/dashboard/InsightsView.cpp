@@ -4,7 +4,6 @@
 #include "base/Text.h"
 #include "history/HistoryStore.h"
 #include "preferences/Prefs.h"
-#include "screens/dashboard/Figure.h"
 #include "screens/dashboard/StatsCard.h"
 
 #include <QLocale>

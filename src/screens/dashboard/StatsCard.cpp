@@ -6,6 +6,14 @@
 
 #include <cmath>
 
+QVariantList Figure::list(const QList<Figure> &figures)
+{
+    QVariantList list;
+    for (const Figure &figure : figures)
+        list.append(QVariant::fromValue(figure));
+    return list;
+}
+
 using namespace Qt::StringLiterals;
 
 QString StatsCard::wordsPerMinute(const FlowStats &stats)

@@ -6,8 +6,8 @@
 #include "screens/dashboard/DashboardView.h"
 #include "screens/dashboard/DictationListView.h"
 #include "screens/dashboard/DictionaryView.h"
-#include "screens/dashboard/Figure.h"
 #include "screens/dashboard/InsightsView.h"
+#include "screens/dashboard/StatsCard.h"
 #include "screens/labs/LabsView.h"
 #include "screens/settings/SettingsView.h"
 

@@ -34,7 +34,7 @@ SettingsView::SettingsView(const Needs &needs, QObject *parent)
              .workspace = needs.platform.workspace}),
       m_service(needs.prefs),
       m_language(needs.prefs),
-      m_shortcut(needs.prefs, needs.recorder, needs.updateHotkey),
+      m_shortcut(needs.prefs, needs.platform.keyTaps, needs.recorder, needs.updateHotkey),
       m_provider(needs.prefs.provider())
 {
     connect(&needs.keychain, &Keychain::changed, this, [this] {
@@ -166,6 +166,7 @@ void SettingsView::refresh()
     m_micGranted = granted;
     if (isNews)
         Q_EMIT changed();
+    m_shortcut.refresh();
     m_key.refreshKeyState();
 }
 

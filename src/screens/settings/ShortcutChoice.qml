@@ -17,6 +17,10 @@ Column {
             text: rows.model.shortcut
         }
     }
+    StatusLine {
+        tone: StatusLine.Warning
+        text: rows.model.obstacle
+    }
     Column {
         width: parent.width
         spacing: 4

@@ -8,6 +8,8 @@
 
 #include <functional>
 
+class KeyTaps;
+
 /// Shows the dictation shortcut, and lets the user choose another.
 class ShortcutRows final : public QObject
 {
@@ -17,9 +19,10 @@ class ShortcutRows final : public QObject
     Q_PROPERTY(bool capturing READ capturing NOTIFY changed)
     Q_PROPERTY(QString pressed READ pressed NOTIFY changed)
     Q_PROPERTY(QString hint READ hint NOTIFY changed)
+    Q_PROPERTY(QString obstacle READ obstacle NOTIFY changed)
 public:
     /// `update` stores a shortcut and puts it in the place of the installed one.
-    ShortcutRows(const Prefs &prefs, HotkeyRecorder &recorder,
+    ShortcutRows(const Prefs &prefs, const KeyTaps &taps, HotkeyRecorder &recorder,
                  std::function<void(const HotkeySpec &)> update);
 
     /// The stored shortcut as people read it.
@@ -30,6 +33,12 @@ public:
     QString pressed() const { return m_recorder.pressed(); }
     /// Why the last key was refused; empty when none was.
     QString hint() const { return m_recorder.hint().value_or(QString()); }
+
+    /// Who has the shortcut in our place, and the way out; empty where nobody has.
+    QString obstacle() const;
+
+    /// Looks again who has it.
+    void refresh();
 
     Q_INVOKABLE void change() { m_recorder.begin(); }
     Q_INVOKABLE void cancel() { m_recorder.cancel(); }
@@ -42,4 +51,6 @@ private:
     const Prefs &m_prefs;
     HotkeyRecorder &m_recorder;
     std::function<void(const HotkeySpec &)> m_update;
+    const KeyTaps &m_taps;
+    QString m_holder;
 };

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "machine/x11/SelectionData.h"
+#include "machine/x11/SelectionRead.h"
 #include "machine/x11/X11Connection.h"
 
 /// Another program that owns CLIPBOARD and fails those who ask for it.

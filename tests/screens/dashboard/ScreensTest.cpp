@@ -6,8 +6,8 @@
 #include "screens/dashboard/DashboardNavigation.h"
 #include "screens/dashboard/DashboardView.h"
 #include "screens/dashboard/DictionaryView.h"
-#include "screens/dashboard/Figure.h"
 #include "screens/dashboard/InsightsView.h"
+#include "screens/dashboard/StatsCard.h"
 #include "support/FakeMachine.h"
 
 #include <QSignalSpy>
