@@ -79,4 +79,9 @@ public:
     /// Who held a chord when a tap could last not be installed, as the desktop's settings call it; empty
     /// where nobody did, or it cannot be known.
     virtual QString holder() const { return {}; }
+
+    /// Told, on the main thread and for as long as it lives, when the user gives the shortcut other keys in
+    /// the desktop's own settings.
+    using Listener = std::function<void(const KeyChord &)>;
+    virtual void follow(std::weak_ptr<const Listener> /*listener*/) {}
 };

@@ -83,8 +83,11 @@ void FlowController::start()
     Q_EMIT hotkeyActiveChanged();
 }
 
-void FlowController::followPresence()
+void FlowController::followMachine()
 {
+    m_keys = std::make_shared<const KeyTaps::Listener>(
+        [this](const KeyChord &chord) { updateHotkey(HotkeySpec::of(chord.keyCode, chord.flags)); });
+    m_platform.keyTaps.follow(m_keys);
     m_presence = std::make_shared<const std::function<void()>>([this] { presenceChanged(); });
     m_platform.presence.follow(m_presence);
 }

@@ -64,8 +64,9 @@ public:
 
     /// Installs the stored shortcut, unless one is installed.
     void start();
-    /// From now on ends a recording when the user leaves the machine.
-    void followPresence();
+    /// From now on ends a recording when the user leaves the machine, and takes over the keys that the
+    /// desktop's settings give the shortcut.
+    void followMachine();
     /// Stores the shortcut and puts it in the place of the installed one.
     void updateHotkey(const HotkeySpec &spec);
     /// The session no longer lets us watch keys.
@@ -170,6 +171,7 @@ private:
     std::unique_ptr<Timer> m_limitTimer;
     Capture m_pendingCapture;
     Listener m_presence;
+    std::shared_ptr<const KeyTaps::Listener> m_keys;
     std::unique_ptr<Presence::Wakefulness> m_awake; // while a dictation is under way
     std::optional<QString> m_noticeForReturn;       // what the user who is away has not seen
     std::stop_source m_stop;                        // stopped when the controller goes away

@@ -56,6 +56,7 @@ public:
     std::unique_ptr<FloatingPanel> create(PanelContent &content) override;
     std::unique_ptr<KeyTap> install(std::span<const KeyChord> chords, Handler handler) override;
     QString holder() const override;
+    void follow(std::weak_ptr<const Listener> listener) override { m_plasma.follow(std::move(listener)); }
     void prepare() override;
     QCoro::Task<bool> post(KeyChord chord, std::function<bool()> mayStill) override;
 

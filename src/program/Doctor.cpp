@@ -23,7 +23,7 @@ Checkup shortcut(Checkup offered, const Doctor::Needs &needs)
     if (offered.works && !needs.flow.hotkeyActive()) {
         offered.works = false;
         const QString holder = needs.platform.keyTaps.holder();
-        offered.advice = u"%1 holds %2. Choose another shortcut under Settings, or free it there."_s.arg(
+        offered.advice = u"%1 already has %2. Choose another shortcut under Settings, or free it there."_s.arg(
             holder.isEmpty() ? u"Another program"_s : holder, keys);
     }
     if (!offered.means.isEmpty())

@@ -61,5 +61,5 @@ void Host::launch(std::function<void()> showDashboard)
 {
     m_delegate.applicationDidFinishLaunching(std::move(showDashboard));
     m_overlay.prepare();
-    m_flow.followPresence();
+    m_flow.followMachine();
 }

@@ -23,7 +23,7 @@ private Q_SLOTS:
         } const rows[] = {
             {"", [](FlowFixture &) {}, 200},
             {"shortcut: Grant it.", [](FlowFixture &m) { m.machine.trust.trusted = false; }, 200},
-            {"shortcut: Another program holds Fn + Space. Choose another shortcut under Settings, or free it there.",
+            {"shortcut: Another program already has Fn + Space. Choose another shortcut under Settings, or free it there.",
              [](FlowFixture &m) { m.machine.keyTaps.allowsInstall = false; }, 200},
             {"microphone: Connect a microphone, or choose one in the desktop's sound settings.",
              [](FlowFixture &m) { m.machine.microphone.hasDevice = false; }, 200},

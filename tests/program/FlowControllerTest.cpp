@@ -488,6 +488,13 @@ void FlowControllerTest::theShortcutFollowsTheSetting()
     m->machine.clock.advance(1s);
     QCOMPARE(m->machine.keyTaps.tap(96, KeyFlags::control), KeyVerdict::swallow);
     QCOMPARE(m->flow().state(), FlowState::processing);
+    // The desktop's own settings gave it other keys.
+    const auto told = m->machine.keyTaps.listener.lock();
+    QVERIFY(told);
+    (*told)({16, KeyFlags::fn});
+    QCOMPARE(m->host().prefs().hotkeySpec(), (HotkeySpec{.keyCode = 16}));
+    QCOMPARE(m->machine.keyTaps.watched.value(0), (KeyChord{16, KeyFlags::fn}));
+
     m->machine.keyTaps.allowsInstall = false;
     QTest::ignoreMessage(QtWarningMsg, "Sayvane: could not create event tap. Is Accessibility permission granted?");
     m->flow().updateHotkey({});

@@ -176,6 +176,8 @@ class FakeKeyTaps final : public KeyTaps
 {
 public:
     std::unique_ptr<KeyTap> install(std::span<const KeyChord> chords, Handler handler) override;
+    QString holder() const override { return heldBy; }
+    void follow(std::weak_ptr<const Listener> told) override { listener = std::move(told); }
 
     /// What the tap makes of the event; `pass` when none is installed.
     KeyVerdict send(const KeyEvent &event) { return m_handler ? m_handler(event) : KeyVerdict::pass; }
@@ -185,6 +187,8 @@ public:
     bool isInstalled() const { return m_handler != nullptr; }
 
     bool allowsInstall = true;
+    QString heldBy;
+    std::weak_ptr<const Listener> listener;
     QList<KeyChord> watched;
     int installs = 0;
     int enables = 0;

@@ -19,7 +19,7 @@ public:
     static bool isGnome();
 
     std::unique_ptr<KeyTap> install(std::span<const KeyChord> chords, Handler handler) override;
-    QString holder() const override { return m_holder.isEmpty() ? m_taps.holder() : m_holder; }
+    QString holder() const override { return m_holder.isEmpty() ? m_taps.holder() : u'“' + m_holder + u'”'; }
 
 private:
     class Tap;

@@ -182,8 +182,6 @@ HyprlandKeyTaps::HyprlandKeyTaps(WaylandConnection &connection)
     m_shortcuts.push_back(std::make_unique<Shortcut>(*this, "toggle", "Start or stop dictation"));
     m_shortcuts.push_back(std::make_unique<Shortcut>(*this, "cancel", "Cancel the dictation"));
     connection.flush();
-    const QJsonDocument system = QJsonDocument::fromJson(ask("j/systeminfo"));
-    m_takesLua = system[u"configProvider"] == u"lua"_s;
 }
 
 HyprlandKeyTaps::~HyprlandKeyTaps()
@@ -207,7 +205,12 @@ std::unique_ptr<KeyTap> HyprlandKeyTaps::install(std::span<const KeyChord> chord
 {
     if (!isOpen() || m_tap || chords.empty())
         return nullptr;
-    m_binds = QJsonDocument::fromJson(ask("j/binds")).array();
+    const QJsonDocument system = QJsonDocument::fromJson(ask("j/systeminfo"));
+    const QJsonDocument binds = QJsonDocument::fromJson(ask("j/binds"));
+    if (!system.isObject() || !binds.isArray()) // it did not answer in time; this is tried again
+        return nullptr;
+    m_takesLua = system[u"configProvider"] == u"lua"_s;
+    m_binds = binds.array();
     m_holder = holderOf(chords.front());
     if (!m_holder.isEmpty())
         return nullptr;

@@ -13,6 +13,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include <xkbcommon/xkbcommon-keysyms.h>
@@ -91,6 +92,11 @@ constexpr uint setPresent = 2 | 4;
 
 constexpr qint64 escapeKeyCode = 53;
 
+constexpr std::pair<quint64, Qt::KeyboardModifier> modifiers[] = {{KeyFlags::fn, Qt::MetaModifier},
+                                                                  {KeyFlags::control, Qt::ControlModifier},
+                                                                  {KeyFlags::option, Qt::AltModifier},
+                                                                  {KeyFlags::shift, Qt::ShiftModifier}};
+
 QString nameOf(const KeyChord &chord)
 {
     return chord.keyCode == escapeKeyCode ? u"cancel"_s : u"toggle"_s;
@@ -126,13 +132,26 @@ int keyOf(const KeyChord &chord)
     }
     if (key == 0)
         return 0;
-    for (const auto &[flag, modifier] :
-         {std::pair(KeyFlags::fn, Qt::MetaModifier), std::pair(KeyFlags::control, Qt::ControlModifier),
-          std::pair(KeyFlags::option, Qt::AltModifier), std::pair(KeyFlags::shift, Qt::ShiftModifier)}) {
+    for (const auto &[flag, modifier] : modifiers) {
         if (chord.flags & flag)
             key |= int(modifier);
     }
     return key;
+}
+
+/// The other way round; nothing for a key that we have no place for.
+std::optional<KeyChord> chordOf(int key)
+{
+    KeyChord chord;
+    for (const auto &[flag, modifier] : modifiers) {
+        if (key & int(modifier))
+            chord.flags |= flag;
+    }
+    for (chord.keyCode = 0; chord.keyCode < 128; ++chord.keyCode) {
+        if (keyOf(chord) == key)
+            return chord;
+    }
+    return {};
 }
 
 PlasmaKeySequence sequenceOf(const KeyChord &chord)
@@ -152,13 +171,13 @@ QDBusMessage ask(const QString &method, const QVariantList &arguments)
     return QDBusConnection::sessionBus().call(call(method, arguments), QDBus::Block, patience);
 }
 
-/// Whose the key is, such as "KWin: Switch to Next Keyboard Layout".
+/// Whose the key is, such as “KWin: Switch to Next Keyboard Layout”.
 QString holderOf(int key)
 {
     const QVariant found = ask(u"getGlobalShortcutsByKey"_s, {key}).arguments().value(0);
     for (const PlasmaShortcut &each : qdbus_cast<QList<PlasmaShortcut>>(found)) {
         if (each.names.value(2) != component)
-            return u"%1: %2"_s.arg(each.names.value(3), each.names.value(1));
+            return u"“%1: %2”"_s.arg(each.names.value(3), each.names.value(1));
     }
     return QCoreApplication::translate("PlasmaKeyTaps", "Another program");
 }
@@ -300,7 +319,22 @@ bool PlasmaKeyTaps::take(const Action &action)
                 SLOT(pressed(QString, QString, qlonglong)));
     bus.connect(service, object.path(), componentInterface, u"globalShortcutReleased"_s, this,
                 SLOT(released(QString, QString, qlonglong)));
+    bus.connect(service, path, interface, u"yourShortcutsChanged"_s, this, SLOT(changed(QDBusMessage)));
     return !object.path().isEmpty();
+}
+
+/// Told of everybody's shortcuts.
+void PlasmaKeyTaps::changed(const QDBusMessage &message)
+{
+    const QStringList id = message.arguments().value(0).toStringList();
+    const auto keys = qdbus_cast<QList<PlasmaKeySequence>>(message.arguments().value(1));
+    const auto it = std::ranges::find(m_actions, u"toggle"_s, &Action::name);
+    if (id.value(0) != component || id.value(1) != u"toggle"_s || keys.isEmpty() || it == m_actions.end())
+        return;
+    const auto chord = chordOf(keys.first().keys.value(0));
+    const auto listener = m_listener.lock();
+    if (chord && listener && *chord != it->chords.first())
+        (*listener)(*chord);
 }
 
 void PlasmaKeyTaps::letGo(const Action &action)

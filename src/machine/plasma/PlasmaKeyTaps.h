@@ -3,6 +3,7 @@
 #include "base/KeyTap.h"
 #include "machine/desktop/Guard.h"
 
+#include <QDBusMessage>
 #include <QDBusServiceWatcher>
 #include <QList>
 #include <QObject>
@@ -35,6 +36,7 @@ public:
 
     std::unique_ptr<KeyTap> install(std::span<const KeyChord> chords, Handler handler) override;
     QString holder() const override { return m_holder; }
+    void follow(std::weak_ptr<const Listener> listener) override { m_listener = std::move(listener); }
 
 private:
     class Tap;
@@ -49,6 +51,7 @@ private:
 
     Q_SLOT void pressed(const QString &component, const QString &action, qlonglong time);
     Q_SLOT void released(const QString &component, const QString &action, qlonglong time);
+    Q_SLOT void changed(const QDBusMessage &message);
     bool watch(std::span<const KeyChord> chords);
     bool take(const Action &action);
     void letGo(const Action &action);
@@ -57,6 +60,7 @@ private:
     bool m_isOpen = false;
     QList<Action> m_actions;
     QString m_holder;
+    std::weak_ptr<const Listener> m_listener;
     std::chrono::steady_clock::time_point m_released;
     Tap *m_tap = nullptr;
     std::unique_ptr<Guard> m_guard;

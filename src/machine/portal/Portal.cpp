@@ -77,17 +77,28 @@ void Portal::look()
     if (m_watcher)
         return;
     m_bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, newToken());
-    m_watcher = std::make_unique<QDBusServiceWatcher>(service(), m_bus,
-                                                      QDBusServiceWatcher::WatchForRegistration |
-                                                          QDBusServiceWatcher::WatchForUnregistration);
-    connect(m_watcher.get(), &QDBusServiceWatcher::serviceRegistered, this, &Portal::meet);
-    connect(m_watcher.get(), &QDBusServiceWatcher::serviceUnregistered, this, [this] {
-        m_isKnown = false;
-        m_versions.clear();
-        Q_EMIT lost();
-        QTimer::singleShot(recovery, this, &Portal::meet);
-    });
+    m_watcher =
+        std::make_unique<QDBusServiceWatcher>(service(), m_bus, QDBusServiceWatcher::WatchForOwnerChange);
+    connect(m_watcher.get(), &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString &, const QString &before, const QString &now) {
+                if (!before.isEmpty()) {
+                    ++m_meeting;
+                    m_isKnown = false;
+                    m_versions.clear();
+                    Q_EMIT lost();
+                }
+                if (now.isEmpty())
+                    QTimer::singleShot(recovery, this, &Portal::meetAgain);
+                else
+                    meet();
+            });
     meet();
+}
+
+void Portal::meetAgain()
+{
+    if (!m_isKnown)
+        meet();
 }
 
 /// Tells who we are before anything else, and asks what there is; the bus starts a portal that does not run.

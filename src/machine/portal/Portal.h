@@ -62,6 +62,7 @@ private:
     class Reply;
 
     QCoro::Task<> meet();
+    void meetAgain();
 
     QString m_appId;
     QDBusConnection m_bus{QString()}; // until it is looked for

@@ -86,8 +86,8 @@ private:
         static const struct hyprland_global_shortcuts_manager_v1_interface manager
         {
             .register_shortcut =
-                [](wl_client *asker, wl_resource *on, uint32_t shortcut, const char *name, const char *,
-                   const char *, const char *) {
+                [](wl_client *asker, wl_resource *on, uint32_t shortcut, const char *name, const char *, const char *,
+                   const char *) {
                     static const struct hyprland_global_shortcut_v1_interface requests
                     {
                         .destroy = [](wl_client *, wl_resource *resource) { wl_resource_destroy(resource); }
@@ -173,16 +173,20 @@ private Q_SLOTS:
             HyprlandKeyTaps taps(wayland);
             QVERIFY(taps.isOpen());
             QList<KeyEvent> events;
-            auto tap = taps.install(std::span(&superSpace, 1), [&](const KeyEvent &event) {
-                events.append(event);
-                return KeyVerdict::swallow;
-            });
-            QVERIFY(tap);
-            QTRY_COMPARE(all += hyprland.taken(), QByteArrayList({bound("SUPER,code:65", "SUPER + code:65", "toggle")}));
+            std::unique_ptr<KeyTap> tap;
+            QVERIFY(QTest::qWaitFor([&] {
+                tap = taps.install(std::span(&superSpace, 1), [&](const KeyEvent &event) {
+                    events.append(event);
+                    return KeyVerdict::swallow;
+                });
+                return tap != nullptr;
+            }));
+            QTRY_COMPARE(all += hyprland.taken(),
+                         QByteArrayList({bound("SUPER,code:65", "SUPER + code:65", "toggle")}));
             all.clear();
+            hyprland.order('c'); // nothing is being recorded
             hyprland.order('t');
             hyprland.order('T');
-            hyprland.order('c'); // nothing is being recorded
             QTRY_COMPARE(events.size(), 2);
             QVERIFY(events[0].type == KeyEventType::keyDown && events[1].type == KeyEventType::keyUp);
             QVERIFY(events[0].keyCode == 49 && events[0].flags == KeyFlags::fn);
@@ -199,7 +203,8 @@ private Q_SLOTS:
             all.clear();
 
             hyprland.order('r');
-            QTRY_COMPARE(all += hyprland.taken(), QByteArrayList({bound("SUPER,code:65", "SUPER + code:65", "toggle")}));
+            QTRY_COMPARE(all += hyprland.taken(),
+                         QByteArrayList({bound("SUPER,code:65", "SUPER + code:65", "toggle")}));
             all.clear();
             tap.reset();
             QTRY_COMPARE(all += hyprland.taken(), QByteArrayList({unbound("SUPER,code:65", "SUPER + code:65")}));
@@ -218,16 +223,18 @@ private Q_SLOTS:
                              {"modmask":0,"submap":"","key":"","keycode":9,"dispatcher":"exec","arg":"lock"}])";
         WaylandConnection wayland;
         HyprlandKeyTaps taps(wayland);
-        QVERIFY(!taps.install(std::span(&superSpace, 1), {}));
+        QTRY_VERIFY(!taps.install(std::span(&superSpace, 1), {}) && !taps.holder().isEmpty());
         QCOMPARE(taps.holder(), u"Hyprland (exec wofi)"_s);
         constexpr KeyChord free{.keyCode = 49, .flags = KeyFlags::option};
-        const auto tap = taps.install(std::span(&free, 1), {});
-        QVERIFY(tap && taps.holder().isEmpty());
+        std::unique_ptr<KeyTap> tap;
+        QVERIFY(QTest::qWaitFor([&] { return (tap = taps.install(std::span(&free, 1), {})) != nullptr; }));
+        QVERIFY(taps.holder().isEmpty());
         const KeyChord both[] = {free, escape};
         tap->watch(both);
         tap->watch(std::span(both).first(1));
-        QTRY_COMPARE(all += hyprland.taken(), QByteArrayList({"keyword bind ALT,code:65,global,app.sayvane.Sayvane:toggle"}));
-            all.clear();
+        QTRY_COMPARE(all += hyprland.taken(),
+                     QByteArrayList({"keyword bind ALT,code:65,global,app.sayvane.Sayvane:toggle"}));
+        all.clear();
     }
 };
 

@@ -357,6 +357,11 @@ private Q_SLOTS:
         rows.change();
         rows.resetToDefault();
         QVERIFY(!rows.capturing() && m->prefs.hotkeySpec() == HotkeySpec());
+        m->machine.keyTaps.heldBy = u"“Switch applications”"_s;
+        QVERIFY(rows.obstacle().isEmpty());
+        m->machine.clock.advance(2s);
+        QCOMPARE(rows.obstacle(),
+                 u"“Switch applications” already has this shortcut. Choose another one, or free it there."_s);
         rows.change();
         m->form().setShown(false); // nobody would know that keys still go there
         QVERIFY(!rows.capturing());
