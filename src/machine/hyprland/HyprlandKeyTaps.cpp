@@ -146,11 +146,7 @@ public:
                            uint32_t) { static_cast<Shortcut *>(self)->tell(KeyEventType::keyUp); }};
         hyprland_global_shortcut_v1_add_listener(m_shortcut, &listener, this);
     }
-    ~Shortcut()
-    {
-        if (m_taps.m_manager)
-            hyprland_global_shortcut_v1_destroy(m_shortcut);
-    }
+    ~Shortcut() { hyprland_global_shortcut_v1_destroy(m_shortcut); }
     Q_DISABLE_COPY_MOVE(Shortcut)
 
 private:
@@ -172,11 +168,7 @@ HyprlandKeyTaps::HyprlandKeyTaps(WaylandConnection &connection)
         return;
     m_manager = connection.bind<hyprland_global_shortcuts_manager_v1>(
         hyprland_global_shortcuts_manager_v1_interface, 1);
-    connect(&connection, &WaylandConnection::lost, this, [this] {
-        m_manager = nullptr; // it went with the connection
-        m_shortcuts.clear();
-        close();
-    });
+    connect(&connection, &WaylandConnection::lost, this, &HyprlandKeyTaps::close);
     m_events = std::make_unique<QSocketNotifier>(m_socket, QSocketNotifier::Read);
     connect(m_events.get(), &QSocketNotifier::activated, this, &HyprlandKeyTaps::readEvents);
     m_shortcuts.push_back(std::make_unique<Shortcut>(*this, "toggle", "Start or stop dictation"));

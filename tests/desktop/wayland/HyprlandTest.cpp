@@ -39,11 +39,11 @@ public:
         qputenv("WAYLAND_DISPLAY", wl_display_add_socket_auto(m_display));
         wl_global_create(m_display, &hyprland_global_shortcuts_manager_v1_interface, 1, this, bind);
         wl_event_loop *loop = wl_display_get_event_loop(m_display);
-        wl_event_loop_add_fd(loop, listening("hypr/one/.socket.sock"), WL_EVENT_READABLE, answer, this);
+        m_sources[0] = wl_event_loop_add_fd(loop, listening("hypr/one/.socket.sock"), WL_EVENT_READABLE, answer, this);
         m_events = listening("hypr/one/.socket2.sock");
         if (pipe(m_orders) != 0)
             qFatal("no pipe");
-        wl_event_loop_add_fd(loop, m_orders[0], WL_EVENT_READABLE, obey, this);
+        m_sources[1] = wl_event_loop_add_fd(loop, m_orders[0], WL_EVENT_READABLE, obey, this);
         m_thread = std::thread([this] { wl_display_run(m_display); });
     }
     ~StandIn() { end(); }
@@ -55,6 +55,8 @@ public:
             return;
         order('q');
         m_thread.join();
+        for (wl_event_source *source : m_sources)
+            wl_event_source_remove(source);
         wl_display_destroy_clients(m_display);
         wl_display_destroy(m_display);
         for (const int descriptor : {m_command, m_events, m_listener, m_orders[0], m_orders[1]})
@@ -139,6 +141,7 @@ private:
 
     QTemporaryDir m_folder;
     wl_display *m_display = nullptr;
+    wl_event_source *m_sources[2] = {};
     int m_command = -1, m_events = -1, m_listener = -1;
     int m_orders[2] = {-1, -1};
     std::map<char, wl_resource *> m_shortcuts;
