@@ -144,21 +144,18 @@ void DesktopAccess::ask()
 
 bool DesktopAccess::askAgain()
 {
-    bool asks = false;
-    if (takesKeysByPortal() && !m_portalKeys.isOpen()) {
-        m_portalKeys.askAgain();
-        asks = true;
-    } else if (isGnomeOnWayland() && !takesKeysByPortal() && !m_gnomeConsent.isGiven()) {
+    const bool forKeys = takesKeysByPortal() && !m_portalKeys.isOpen();
+    const bool forTyping = typesByPortal() && !m_portalTyping.isAllowed();
+    const bool forConsent = isGnomeOnWayland() && !takesKeysByPortal() && !m_gnomeConsent.isGiven();
+    if (forKeys)
+        m_portalKeys.forget();
+    if (forTyping)
+        m_portalTyping.forget();
+    if (forConsent)
         m_gnomeConsent.askAgain();
-        asks = true;
-    }
-    if (typesByPortal() && !m_portalTyping.isAllowed()) {
-        m_isPrompting = true;
-        m_portalTyping.forget(); // asked for after the keys
-        ask();
-        asks = true;
-    }
-    return asks;
+    m_isPrompting = true;
+    ask();
+    return forKeys || forTyping || forConsent;
 }
 
 bool DesktopAccess::canType() const

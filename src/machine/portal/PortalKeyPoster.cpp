@@ -80,12 +80,6 @@ void PortalKeyPoster::ask()
     asking(*this);
 }
 
-void PortalKeyPoster::askAgain()
-{
-    forget();
-    ask();
-}
-
 bool PortalKeyPoster::forget()
 {
     const bool wasAnswered = !m_store.value(storedKey).isUndefined();
@@ -134,8 +128,8 @@ QCoro::Task<bool> PortalKeyPoster::open(QString token, std::chrono::milliseconds
     const QString next = answer.results.value(u"restore_token"_s).toString();
     if (isGiven && !next.isEmpty())
         m_store.setValue(storedKey, next);
-    else if (answer.outcome == Portal::Answer::Outcome::failed || isGiven)
-        m_store.remove(storedKey); // the token is used up; nobody has refused
+    else if (answer.outcome == Portal::Answer::Outcome::failed || isGiven || !token.isEmpty())
+        m_store.remove(storedKey); // the token is used up; nobody was asked
     else
         m_store.setValue(storedKey, refusal);
     if (!isGiven) {

@@ -29,8 +29,6 @@ public:
 
     /// Asks the person, unless there is an answer.
     void ask();
-    /// Asks, whatever was answered before.
-    void askAgain();
     /// Forgets the answer; false where there was none.
     bool forget();
 

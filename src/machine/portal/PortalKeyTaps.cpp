@@ -161,12 +161,6 @@ void PortalKeyTaps::ask()
     bind();
 }
 
-void PortalKeyTaps::askAgain()
-{
-    forget();
-    ask();
-}
-
 bool PortalKeyTaps::forget()
 {
     const bool wasAnswered = !m_store.value(key).isUndefined();

@@ -37,8 +37,6 @@ public:
 
     /// The person may be asked now, unless they have refused.
     void ask();
-    /// The person is asked, whatever they answered before.
-    void askAgain();
     /// Forgets the answer; false where there was none.
     bool forget();
 
