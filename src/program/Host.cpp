@@ -25,7 +25,7 @@ Host::Host(Platform &platform, const QString &serviceAddress)
                 .keychain = m_keychain,
                 .computerName = platform.computerName,
                 .clock = platform.clock}),
-      m_labsClient(m_accountClient, m_credentials, platform.http, platform.clock),
+      m_labsClient(m_accountClient, m_credentials),
       m_labs({.client = m_labsClient,
               .account = m_account,
               .prefs = m_preferences.prefs,

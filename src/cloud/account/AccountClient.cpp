@@ -1,7 +1,6 @@
 #include "cloud/account/AccountClient.h"
 
 #include "base/Json.h"
-#include "base/Sleep.h"
 #include "base/Text.h"
 #include "cloud/account/AccountError.h"
 #include "cloud/account/AccountStatus.h"
@@ -24,7 +23,7 @@ constexpr int longestEmail = 254;
 constexpr double longestRetryAfter = 3600;
 
 constexpr auto requestTimeout = 30s;
-constexpr auto retryPause = 1s;
+constexpr std::chrono::milliseconds retryPause = 1s;
 constexpr qint64 usualCodeLifetime = 600;
 
 } // namespace
@@ -73,21 +72,17 @@ QString AccountClient::trim(const QString &device)
 
 std::optional<qint64> AccountClient::seconds(const std::optional<QString> &retryAfter)
 {
-    const QString text = Text::trimmedBlanks(retryAfter.value_or(QString()));
-    bool isNumber = false;
-    const double number = text.toDouble(&isNumber);
-    if (!isNumber || !std::isfinite(number))
+    const auto number = ServiceClient::seconds(retryAfter);
+    if (!number || !std::isfinite(*number))
         return std::nullopt;
     // Bounded on either side, so that the number fits.
-    return static_cast<qint64>(std::clamp(std::ceil(number), -longestRetryAfter, longestRetryAfter));
+    return static_cast<qint64>(std::clamp(std::ceil(*number), -longestRetryAfter, longestRetryAfter));
 }
 
 AccountClient::AccountClient(const Collaborators &with)
     : m_prefs(with.prefs),
-      m_sessions(with.sessions),
       m_account(with.account),
-      m_http(with.http),
-      m_clock(with.clock)
+      m_service({.sessions = with.sessions, .account = with.account, .http = with.http, .clock = with.clock})
 {
 }
 
@@ -125,7 +120,7 @@ QCoro::Task<AccountClient::Result<AccountInfo>> AccountClient::me(QString token,
     const auto get = request("GET", u"/v1/me"_s, token, std::nullopt);
     if (!get)
         co_return std::unexpected(get.error());
-    const int asked = session();
+    const int asked = m_account.session();
     const auto answer = co_await send(*get, credentialOf(token), true, stop);
     if (!answer)
         co_return std::unexpected(answer.error());
@@ -134,7 +129,7 @@ QCoro::Task<AccountClient::Result<AccountInfo>> AccountClient::me(QString token,
     const auto info = AccountInfo::decode(answer->body);
     if (!info)
         co_return std::unexpected(AccountError::unreadable());
-    if (session() == asked)
+    if (m_account.session() == asked)
         m_account.setInfo(*info);
     co_return *info;
 }
@@ -201,44 +196,41 @@ AccountClient::Result<HttpRequest> AccountClient::request(const QByteArray &meth
 QCoro::Task<AccountClient::Result<HttpResponse>>
 AccountClient::send(HttpRequest request, Credential credential, bool mayRetry, std::stop_token stop)
 {
-    return attempt(request, credential, session(), mayRetry, stop);
+    const auto pause = [](const ServiceRefusal &refusal) -> std::optional<std::chrono::milliseconds> {
+        const bool isBusy = refusal.status == 502 || refusal.status == 503 || refusal.status == 504;
+        return isBusy ? std::optional(retryPause) : std::nullopt;
+    };
+    ServiceClient::RetryRule rule;
+    if (mayRetry && request.method == "GET")
+        rule = {pause, true};
+    return send(request, credential, rule, stop);
 }
 
-QCoro::Task<AccountClient::Result<HttpResponse>> AccountClient::attempt(HttpRequest request,
-                                                                        Credential credential, int asked,
-                                                                        bool mayRetry, std::stop_token stop)
+QCoro::Task<AccountClient::Result<HttpResponse>> AccountClient::send(HttpRequest request,
+                                                                     Credential credential,
+                                                                     ServiceClient::RetryRule rule,
+                                                                     std::stop_token stop)
 {
-    const auto response = co_await m_http.send(request, stop);
-    if (!response || stop.stop_requested())
-        co_return std::unexpected(response ? AccountError::cancelled()
-                                           : AccountError::network(response.error()));
-    if (response->isSuccess())
-        co_return *response;
-    const int status = response->status;
-    if (mayRetry && request.method == "GET" && (status == 502 || status == 503 || status == 504)) {
-        co_await sleepFor(m_clock, retryPause, stop);
-        co_return co_await attempt(request, credential, asked, false, stop); // at once if the pause was cut
-    }
-    const auto retryAfter = seconds(response->header("Retry-After"));
-    co_return std::unexpected(failure(status, ServiceErrorBody::decode(response->body), retryAfter,
-                                      session() == asked ? credential : Credential::none));
+    const ServiceClient::Answer answer = co_await m_service.send(request, rule, stop);
+    if (answer)
+        co_return *answer;
+    if (const auto *why = std::get_if<TransportError>(&answer.error()))
+        co_return std::unexpected(why->kind == TransportError::Kind::cancelled ? AccountError::cancelled()
+                                                                               : AccountError::network(*why));
+    co_return std::unexpected(failure(std::get<ServiceRefusal>(answer.error()), credential));
 }
 
-int AccountClient::session() const
+AccountError AccountClient::failure(const ServiceRefusal &refusal, Credential credential)
 {
-    return m_account.session();
-}
-
-AccountError AccountClient::failure(int status, const ServiceErrorBody &body,
-                                    std::optional<qint64> retryAfter, Credential credential)
-{
-    const AccountFailure::Outcome outcome = AccountFailure::outcome(status, body, retryAfter);
-    return outcome.rejectsSession ? unauthorized(body.code, credential) : outcome.error;
+    const AccountFailure::Outcome outcome = AccountFailure::outcome(refusal);
+    return outcome.rejectsSession
+               ? unauthorized(refusal.body.code, refusal.isCurrent ? credential : Credential::none)
+               : outcome.error;
 }
 
 AccountError AccountClient::unauthorized(const std::optional<QString> &code, Credential credential)
 {
     if (credential == Credential::session)
-        m_account.dropRejectedSession(m_sessions);
+        m_service.dropSession();
     return AccountFailure::signedOut(code);
 }

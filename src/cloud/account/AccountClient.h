@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/HttpTransport.h"
+#include "cloud/ServiceClient.h"
 #include "cloud/account/AccountError.h"
 #include "cloud/account/AccountInfo.h"
 #include "cloud/account/AccountSession.h"
@@ -58,15 +58,15 @@ public:
     Result<HttpRequest> request(const QByteArray &method, const QString &path,
                                 const std::optional<QString> &token,
                                 const std::optional<QJsonObject> &body) const;
-    /// The number of the session that requests begun now belong to.
-    int session() const;
     /// Performs a request; a read that a gateway refused is tried once more after a second. A refusal that
     /// comes when the session is another, or over, ends none.
     QCoro::Task<Result<HttpResponse>> send(HttpRequest request, Credential credential, bool mayRetry,
                                            std::stop_token stop);
+    /// The same by another rule.
+    QCoro::Task<Result<HttpResponse>> send(HttpRequest request, Credential credential,
+                                           ServiceClient::RetryRule rule, std::stop_token stop);
     /// What a refusal means; with the `session` credential an unauthorized one signs this computer out.
-    AccountError failure(int status, const ServiceErrorBody &body, std::optional<qint64> retryAfter,
-                         Credential credential);
+    AccountError failure(const ServiceRefusal &refusal, Credential credential);
     AccountError unauthorized(const std::optional<QString> &code, Credential credential);
 
     /// The service's own tokens begin with "svs_"; others end no session of this computer.
@@ -82,12 +82,7 @@ public:
     static std::optional<qint64> seconds(const std::optional<QString> &retryAfter);
 
 private:
-    QCoro::Task<Result<HttpResponse>> attempt(HttpRequest request, Credential credential, int asked,
-                                              bool mayRetry, std::stop_token stop);
-
     const Prefs &m_prefs;
-    AccountSessionStore &m_sessions;
     AccountStatus &m_account;
-    HttpTransport &m_http;
-    Clock &m_clock;
+    ServiceClient m_service;
 };

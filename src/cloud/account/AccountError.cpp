@@ -1,10 +1,9 @@
 #include "cloud/account/AccountError.h"
 
 #include "base/HttpTransport.h"
-#include "base/Json.h"
 #include "base/Text.h"
+#include "cloud/account/AccountClient.h"
 
-#include <QJsonDocument>
 #include <QLatin1StringView>
 
 #include <algorithm>
@@ -66,33 +65,17 @@ bool rejectsSession(const std::optional<QString> &code)
 
 } // namespace
 
-std::optional<ServiceErrorBody> ServiceErrorBody::decode(const QJsonObject &body)
-{
-    JsonMembers members(body);
-    JsonMembers error(members.object("error"_L1).value_or(QJsonObject()));
-    const QString code = error.text("code"_L1).value_or(QString()).trimmed().toLower();
-    const auto message = error.text("message"_L1);
-    if (!members.isSound() || !error.isSound())
-        return std::nullopt;
-    return ServiceErrorBody{code.isEmpty() ? std::nullopt : std::optional(code), message};
-}
-
-ServiceErrorBody ServiceErrorBody::decode(const QByteArray &json)
-{
-    return decode(QJsonDocument::fromJson(json).object()).value_or(ServiceErrorBody());
-}
-
 AccountError AccountFailure::signedOut(const std::optional<QString> &code)
 {
     return {code.value_or(u"unauthorized"_s), AccountError::tr("Signed out. Sign in again in Settings."),
             std::nullopt};
 }
 
-AccountFailure::Outcome AccountFailure::outcome(int status, const ServiceErrorBody &body,
-                                                std::optional<qint64> retryAfter)
+AccountFailure::Outcome AccountFailure::outcome(const ServiceRefusal &refusal)
 {
-    const auto &code = body.code;
-    const QString told = Text::quoted(body.message.value_or(QString()).trimmed());
+    const auto &code = refusal.body.code;
+    const auto retryAfter = AccountClient::seconds(refusal.retryAfter);
+    const QString told = Text::quoted(refusal.body.message.value_or(QString()).trimmed());
     const auto toldOr = [&told](const QString &otherwise) { return told.isEmpty() ? otherwise : told; };
 
     if (rejectsSession(code))
@@ -105,7 +88,7 @@ AccountFailure::Outcome AccountFailure::outcome(int status, const ServiceErrorBo
             error.retryAfterSeconds = retryAfter;
         return {error};
     }
-    switch (status) {
+    switch (refusal.status) {
     case 429:
         return {{code, toldOr(AccountError::tr(tooManyRequests)), retryAfter}};
     case 403:
@@ -114,7 +97,7 @@ AccountFailure::Outcome AccountFailure::outcome(int status, const ServiceErrorBo
     case 401:
         return {signedOut(code), true};
     default:
-        return {{code, toldOr(AccountError::tr("Sayvane: HTTP %1.").arg(status)), std::nullopt}};
+        return {{code, toldOr(AccountError::tr("Sayvane: HTTP %1.").arg(refusal.status)), std::nullopt}};
     }
 }
 

@@ -1,24 +1,12 @@
 #pragma once
 
 #include <QCoreApplication>
-#include <QJsonObject>
 #include <QString>
 
 #include <optional>
 
+struct ServiceRefusal;
 struct TransportError;
-
-/// The body of every refusal of the hosted service: `{"error": {"code", "message"}}`, every member optional.
-struct ServiceErrorBody
-{
-    std::optional<QString> code;    ///< trimmed and lower-cased, never empty
-    std::optional<QString> message; ///< as sent
-
-    /// None when the error is not of this form.
-    static std::optional<ServiceErrorBody> decode(const QJsonObject &body);
-    /// Bytes that are no such body tell neither code nor message.
-    static ServiceErrorBody decode(const QByteArray &json);
-};
 
 /// Why a request to the account's service failed, with the one complete sentence that the user sees.
 struct AccountError
@@ -54,8 +42,8 @@ struct Outcome
     bool rejectsSession = false; ///< whatever session the request carried is no longer valid
 };
 
-/// A known code decides before the status. `retryAfter` is that of the answer, in seconds.
-Outcome outcome(int status, const ServiceErrorBody &body, std::optional<qint64> retryAfter);
+/// A known code decides before the status.
+Outcome outcome(const ServiceRefusal &refusal);
 
 /// "Signed out", with the service's code where it gave one.
 AccountError signedOut(const std::optional<QString> &code);

@@ -1,7 +1,6 @@
 #include "cloud/labs/LabsClient.h"
 
 #include "base/Json.h"
-#include "base/Sleep.h"
 #include "base/Text.h"
 #include "cloud/account/Credentials.h"
 
@@ -53,15 +52,6 @@ std::expected<LabsAnswer, AccountError> LabsAnswer::decode(const QByteArray &jso
     return answer;
 }
 
-LabsClient::LabsClient(AccountClient &account, const Credentials &credentials, HttpTransport &http,
-                       Clock &clock)
-    : m_account(account),
-      m_credentials(credentials),
-      m_http(http),
-      m_clock(clock)
-{
-}
-
 QCoro::Task<LabsClient::Result<LabsProviders>> LabsClient::providers(std::stop_token stop)
 {
     const auto reply = co_await exchange("GET", u"/v1/labs/providers"_s, std::nullopt, stop);
@@ -103,30 +93,14 @@ LabsClient::exchange(QByteArray method, QString path, std::optional<QJsonObject>
 QCoro::Task<LabsClient::Result<HttpResponse>> LabsClient::send(HttpRequest request, bool usingSession,
                                                                bool mayRetry, std::stop_token stop)
 {
-    return attempt(request, usingSession, m_account.session(), mayRetry, stop);
-}
-
-QCoro::Task<LabsClient::Result<HttpResponse>>
-LabsClient::attempt(HttpRequest request, bool usingSession, int asked, bool mayRetry, std::stop_token stop)
-{
-    const auto response = co_await m_http.send(request, stop);
-    if (stop.stop_requested())
-        co_return std::unexpected(AccountError::cancelled());
-    if (!response)
-        co_return std::unexpected(AccountError::network(response.error()));
-    if (response->isSuccess())
-        co_return *response;
-    const auto body = ServiceErrorBody::decode(response->body);
-    const auto retryAfter = seconds(response->header("Retry-After"));
-    if (const auto delay = retryDelay(response->status, body.code, retryAfter); mayRetry && delay) {
-        co_await sleepFor(m_clock, *delay, stop);
-        if (stop.stop_requested())
-            co_return std::unexpected(AccountError::cancelled());
-        co_return co_await attempt(request, usingSession, asked, false, stop);
-    }
-    const auto credential = usingSession && m_account.session() == asked ? AccountClient::Credential::session
-                                                                         : AccountClient::Credential::none;
-    co_return std::unexpected(m_account.failure(response->status, body, retryAfter, credential));
+    ServiceClient::RetryRule rule;
+    if (mayRetry)
+        rule.pause = [](const ServiceRefusal &refusal) {
+            return retryDelay(refusal.status, refusal.body.code, seconds(refusal.retryAfter));
+        };
+    return m_account.send(request,
+                          usingSession ? AccountClient::Credential::session : AccountClient::Credential::none,
+                          rule, stop);
 }
 
 std::optional<std::chrono::milliseconds>

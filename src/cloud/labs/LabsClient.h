@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/HttpTransport.h"
 #include "cloud/account/AccountClient.h"
 #include "cloud/account/AccountError.h"
 #include "cloud/labs/LabsMode.h"
@@ -17,7 +16,6 @@
 #include <optional>
 #include <stop_token>
 
-class Clock;
 class Credentials;
 
 /// What an assistant answered.
@@ -49,7 +47,11 @@ public:
     template <typename T>
     using Result = AccountClient::Result<T>;
 
-    LabsClient(AccountClient &account, const Credentials &credentials, HttpTransport &http, Clock &clock);
+    LabsClient(AccountClient &account, const Credentials &credentials)
+        : m_account(account),
+          m_credentials(credentials)
+    {
+    }
 
     /// Which assistants the service offers now.
     QCoro::Task<Result<LabsProviders>> providers(std::stop_token stop);
@@ -72,13 +74,9 @@ public:
     }
 
 private:
-    QCoro::Task<Result<HttpResponse>> attempt(HttpRequest request, bool usingSession, int asked,
-                                              bool mayRetry, std::stop_token stop);
     QCoro::Task<Result<HttpResponse>> exchange(QByteArray method, QString path,
                                                std::optional<QJsonObject> body, std::stop_token stop);
 
     AccountClient &m_account;
     const Credentials &m_credentials;
-    HttpTransport &m_http;
-    Clock &m_clock;
 };

@@ -44,10 +44,10 @@ Transcriber::Text textIn(const QByteArray &json)
 Transcriber::Transcriber(const Collaborators &with)
     : m_prefs(with.prefs),
       m_credentials(with.credentials),
-      m_sessions(with.sessions),
       m_account(with.account),
       m_http(with.http),
       m_clock(with.clock),
+      m_service({.sessions = with.sessions, .account = with.account, .http = with.http, .clock = with.clock}),
       m_accountClient({.prefs = with.prefs,
                        .sessions = with.sessions,
                        .account = with.account,

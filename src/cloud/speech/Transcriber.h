@@ -78,25 +78,21 @@ private:
     QCoro::Task<Text> accountTranscribe(QString filePath, std::stop_token stop);
     QCoro::Task<Text> ownKeyCleanup(Provider provider, QString transcript, std::stop_token stop);
     QCoro::Task<Text> accountCleanup(QString transcript, std::stop_token stop);
-    QCoro::Task<Answer> attempt(HttpRequest request, Provider provider, int session, bool mayRetry,
-                                std::stop_token stop);
-    QCoro::Task<Answer> afterServiceRefusal(HttpRequest request, HttpResponse response, int session,
-                                            bool mayRetry, std::stop_token stop);
     QCoro::Task<Answer> buildAndSend(Provider provider, QString model, RequestBuilder build,
                                      std::stop_token stop);
     /// What to use instead of a model that is gone, stored for later requests too; none when there is
     /// nothing.
     QCoro::Task<std::optional<QString>> successor(ModelPurpose purpose, Provider provider, QString model,
                                                   std::stop_token stop);
-    FlowError rejectedToken(const FlowError &otherwise);
+    FlowError failure(const ServiceClient::Failure &why);
     QCoro::Task<> sendWarmUp(Provider provider, std::stop_token stop);
 
     Prefs &m_prefs;
     const Credentials &m_credentials;
-    AccountSessionStore &m_sessions;
     AccountStatus &m_account;
     HttpTransport &m_http;
     Clock &m_clock;
+    ServiceClient m_service;
     AccountClient m_accountClient;
     std::optional<Clock::Duration> m_lastWarmUp;
 };

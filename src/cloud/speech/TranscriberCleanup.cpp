@@ -3,7 +3,7 @@
 #include "base/Text.h"
 #include "cloud/account/Credentials.h"
 #include "cloud/speech/ChatRequest.h"
-#include "cloud/speech/ProviderFailure.h"
+#include "cloud/speech/SpeechFailure.h"
 #include "preferences/Prefs.h"
 
 #include <QJsonDocument>

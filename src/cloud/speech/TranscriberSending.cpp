@@ -1,16 +1,27 @@
 #include "cloud/speech/Transcriber.h"
 
-#include "base/Sleep.h"
-#include "cloud/account/AccountSession.h"
 #include "cloud/account/AccountStatus.h"
-#include "cloud/speech/ProviderFailure.h"
-#include "cloud/speech/ServiceFailure.h"
+#include "cloud/speech/SpeechFailure.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 const FlowError cancelled = FlowError::platform(u"Cancelled."_s);
+
+/// A body with a member of another type than it should be tells nothing.
+ServiceRefusal whole(const ServiceRefusal &refusal)
+{
+    ServiceRefusal whole = refusal;
+    if (!whole.body.isSound)
+        whole.body = {};
+    return whole;
+}
+
+std::optional<std::chrono::milliseconds> accountRetryDelay(const ServiceRefusal &refusal)
+{
+    return ServiceFailure::accountRetryDelay(whole(refusal));
+}
 
 } // namespace
 
@@ -40,13 +51,14 @@ QCoro::Task<Transcriber::Answer> Transcriber::buildAndSend(Provider provider, QS
 QCoro::Task<Transcriber::Answer> Transcriber::send(HttpRequest request, Provider provider, bool mayRetry,
                                                    std::stop_token stop)
 {
-    return attempt(request, provider, m_account.session(), mayRetry, stop);
-}
-
-/// `session` is the number of the one that the request belongs to.
-QCoro::Task<Transcriber::Answer> Transcriber::attempt(HttpRequest request, Provider provider, int session,
-                                                      bool mayRetry, std::stop_token stop)
-{
+    if (provider == Provider::sayvane) {
+        const ServiceClient::Answer answer = co_await m_service.send(
+            request, mayRetry ? ServiceClient::RetryRule{accountRetryDelay} : ServiceClient::RetryRule(),
+            stop);
+        if (answer)
+            co_return *answer;
+        co_return std::unexpected(failure(answer.error()));
+    }
     const auto response = co_await m_http.send(request, stop);
     if (stop.stop_requested())
         co_return std::unexpected(cancelled);
@@ -54,37 +66,19 @@ QCoro::Task<Transcriber::Answer> Transcriber::attempt(HttpRequest request, Provi
         co_return std::unexpected(FlowError::platform(response.error().message));
     if (response->isSuccess())
         co_return *response;
-    if (provider == Provider::sayvane)
-        co_return co_await afterServiceRefusal(request, *response, session, mayRetry, stop);
     co_return std::unexpected(ProviderFailure::failure(provider, response->status, response->body));
 }
 
-QCoro::Task<Transcriber::Answer> Transcriber::afterServiceRefusal(HttpRequest request, HttpResponse response,
-                                                                  int session, bool mayRetry,
-                                                                  std::stop_token stop)
+FlowError Transcriber::failure(const ServiceClient::Failure &why)
 {
-    const auto body = AccountErrorBody::decode(response.body);
-    if (mayRetry) {
-        const auto code = body ? body->code : std::nullopt;
-        if (const auto delay =
-                ServiceFailure::accountRetryDelay(response.status, code, response.header("Retry-After"))) {
-            co_await sleepFor(m_clock, *delay, stop);
-            if (stop.stop_requested())
-                co_return std::unexpected(cancelled);
-            co_return co_await attempt(request, Provider::sayvane, session, false, stop);
-        }
-    }
-    const bool isNews = session == m_account.session();
-    if (isNews && body && body->remainingSeconds)
-        m_account.setRemainingSeconds(*body->remainingSeconds);
-    const ServiceFailure::Outcome outcome = ServiceFailure::accountFailure(response.status, body);
-    co_return std::unexpected(outcome.rejectsSession && isNews ? rejectedToken(outcome.error)
-                                                               : outcome.error);
-}
-
-FlowError Transcriber::rejectedToken(const FlowError &otherwise)
-{
-    if (!m_account.dropRejectedSession(m_sessions))
-        return otherwise;
+    if (const auto *error = std::get_if<TransportError>(&why))
+        return error->kind == TransportError::Kind::cancelled ? cancelled
+                                                              : FlowError::platform(error->message);
+    const ServiceRefusal refusal = whole(std::get<ServiceRefusal>(why));
+    if (refusal.isCurrent && refusal.body.remainingSeconds)
+        m_account.setRemainingSeconds(*refusal.body.remainingSeconds);
+    const ServiceFailure::Outcome outcome = ServiceFailure::accountFailure(refusal);
+    if (!outcome.rejectsSession || !refusal.isCurrent || !m_service.dropSession())
+        return outcome.error;
     return FlowError::api(FlowError::tr("Signed out. Sign in again in Settings."));
 }

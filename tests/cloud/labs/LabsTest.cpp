@@ -41,7 +41,7 @@ struct Fixture : AccountFixture
     }
 
     Credentials credentials{keychain, sessions};
-    LabsClient labs{client, credentials, machine.http, machine.clock};
+    LabsClient labs{client, credentials};
     std::unique_ptr<LabsSession> session =
         std::make_unique<LabsSession>(LabsSession::Collaborators{labs, account, prefs, machine.clock});
     std::unique_ptr<LabsAnswerMode> mode = std::make_unique<LabsAnswerMode>(prefs, machine.clock);

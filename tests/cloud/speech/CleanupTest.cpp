@@ -1,7 +1,7 @@
 #include "cloud/speech/SpeechFixture.h"
 
 #include "cloud/speech/ChatRequest.h"
-#include "cloud/speech/ProviderFailure.h"
+#include "cloud/speech/SpeechFailure.h"
 
 #include <QCryptographicHash>
 #include <QJsonArray>

@@ -1,6 +1,6 @@
 #include "cloud/speech/SpeechFixture.h"
 
-#include "cloud/speech/ProviderFailure.h"
+#include "cloud/speech/SpeechFailure.h"
 
 #include <QRegularExpression>
 #include <QTest>

@@ -30,7 +30,7 @@ struct Fixture
     AccountStatus status{sessions, prefs};
     Credentials credentials{keychain, sessions};
     AccountClient account{{prefs, sessions, status, machine.http, machine.clock}};
-    LabsClient client{account, credentials, machine.http, machine.clock};
+    LabsClient client{account, credentials};
     LabsSession session{{client, status, prefs, machine.clock}};
     LabsAnswerMode answerMode{prefs, machine.clock};
     TextInserter inserter{machine.pasteboard, machine.keyPoster, machine.trust, machine.presence, prefs, machine.clock};

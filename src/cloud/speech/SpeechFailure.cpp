@@ -1,11 +1,13 @@
-#include "cloud/speech/ProviderFailure.h"
+#include "cloud/speech/SpeechFailure.h"
 
 #include "base/Text.h"
+#include "cloud/ServiceClient.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
+#include <cmath>
 #include <initializer_list>
 
 using namespace Qt::StringLiterals;
@@ -65,4 +67,53 @@ bool ProviderFailure::mentionsRejectedParameter(const QString &message)
            containsAny(text, {"unknown"_L1, "unrecognized"_L1, "unrecognised"_L1, "unsupported"_L1,
                               "not supported"_L1, "invalid"_L1, "unexpected"_L1, "additional properties"_L1,
                               "not permitted"_L1});
+}
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+FlowError dailyMinutesUsedUp()
+{
+    return FlowError::api(FlowError::tr("Sayvane: daily minutes used up. Resets at midnight UTC."));
+}
+
+} // namespace
+
+std::optional<std::chrono::milliseconds> ServiceFailure::accountRetryDelay(const ServiceRefusal &refusal)
+{
+    const int status = refusal.status;
+    if (status != 502 && status != 504 && !(status == 429 && refusal.body.isRateLimit()))
+        return std::nullopt;
+    static constexpr double longest = 5.0;
+    const double seconds = ServiceClient::seconds(refusal.retryAfter).value_or(0);
+    if (!(seconds > 0))
+        return 1500ms;
+    return std::chrono::milliseconds(static_cast<qint64>(std::trunc(std::min(seconds, longest) * 1000)));
+}
+
+ServiceFailure::Outcome ServiceFailure::accountFailure(const ServiceRefusal &refusal)
+{
+    const int status = refusal.status;
+    const auto &[code, message, remainingSeconds, isSound] = refusal.body;
+    const FlowError noSession =
+        FlowError::api(FlowError::tr("Sayvane: not signed in. Sign in under Settings."));
+    if (code == "quota_exceeded"_L1)
+        return {dailyMinutesUsedUp()};
+    if (refusal.body.isRateLimit())
+        return {FlowError::api(FlowError::tr("Sayvane: busy, try again in a moment."))};
+    if (code == "unauthorized"_L1 || code == "invalid_token"_L1 || status == 401) {
+        // A known code decides before the status; here both come to the same.
+        return {noSession, true};
+    }
+    if (status == 429 && remainingSeconds == 0)
+        return {dailyMinutesUsedUp()};
+    if (status == 403)
+        return {FlowError::api(FlowError::tr("Sayvane: this account cannot be used. Please get in touch."))};
+    if (message)
+        return {FlowError::api(u"Sayvane: "_s + Text::quoted(*message))};
+    if (code)
+        return {FlowError::api(u"Sayvane: "_s + Text::quoted(*code))};
+    return {FlowError::api(FlowError::tr("Sayvane: HTTP %1").arg(status))};
 }

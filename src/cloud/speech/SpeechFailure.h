@@ -6,6 +6,9 @@
 #include <QByteArray>
 #include <QString>
 
+#include <chrono>
+#include <optional>
+
 /// What a refusal by Groq or OpenAI means to the user.
 namespace ProviderFailure {
 
@@ -20,3 +23,21 @@ bool mentionsUnknownModel(const QString &message);
 bool mentionsRejectedParameter(const QString &message);
 
 } // namespace ProviderFailure
+
+struct ServiceRefusal;
+
+/// What a refusal by the hosted service means: whether to try again, and what the user reads.
+namespace ServiceFailure {
+
+/// How long to wait before the one retry, 5 s at most; none when the answer is final.
+std::optional<std::chrono::milliseconds> accountRetryDelay(const ServiceRefusal &refusal);
+
+/// What follows from an answer that is final.
+struct Outcome
+{
+    FlowError error;
+    bool rejectsSession = false; ///< the session is no longer valid; `error` serves where none is stored
+};
+Outcome accountFailure(const ServiceRefusal &refusal);
+
+} // namespace ServiceFailure
