@@ -2,17 +2,38 @@
 
 using namespace Qt::StringLiterals;
 
-QString Providers::rawValue(Provider provider)
+const ProviderFacts &Providers::facts(Provider provider)
 {
-    switch (provider) {
-    case Provider::sayvane:
-        return u"sayvane"_s;
-    case Provider::groq:
-        return u"groq"_s;
-    case Provider::openai:
-        return u"openai"_s;
-    }
-    Q_UNREACHABLE();
+    static const ProviderFacts all[] = {
+        {.rawValue = u"sayvane"_s,
+         .displayName = u"Sayvane"_s,
+         .keychainAccount = {},
+         .keyPrefix = {},
+         .console = u"https://sayvane.app/account"_s,
+         .baseAddress = {},
+         .transcription = {},
+         .chat = {}},
+        {.rawValue = u"groq"_s,
+         .displayName = u"Groq"_s,
+         .keychainAccount = u"groq_api_key"_s,
+         .keyPrefix = u"gsk_"_s,
+         .console = u"https://console.groq.com/keys"_s,
+         .baseAddress = u"https://api.groq.com/openai/v1"_s,
+         .transcription = {u"whisper-large-v3-turbo"_s, u"whisper-large-v3"_s, u"whisper"_s,
+                           u"distil-whisper"_s},
+         .chat = {u"openai/gpt-oss-120b"_s, u"openai/gpt-oss-20b"_s, u"qwen/qwen3.6-27b"_s,
+                  u"llama-3.1-8b-instant"_s, u"llama-3.3-70b-versatile"_s, u"llama"_s, u"qwen"_s, u"gemma"_s,
+                  u"mixtral"_s}},
+        {.rawValue = u"openai"_s,
+         .displayName = u"OpenAI"_s,
+         .keychainAccount = u"openai_api_key"_s,
+         .keyPrefix = u"sk-"_s,
+         .console = u"https://platform.openai.com/api-keys"_s,
+         .baseAddress = u"https://api.openai.com/v1"_s,
+         .transcription = {u"gpt-4o-mini-transcribe"_s, u"gpt-4o-transcribe"_s, u"whisper-1"_s},
+         .chat = {u"gpt-4o-mini"_s, u"gpt-4.1-nano"_s, u"gpt-4.1-mini"_s, u"gpt-5-nano"_s, u"gpt-5-mini"_s,
+                  u"gpt-4o"_s}}};
+    return all[static_cast<size_t>(provider)];
 }
 
 std::optional<Provider> Providers::fromRawValue(const QString &rawValue)
@@ -24,28 +45,13 @@ std::optional<Provider> Providers::fromRawValue(const QString &rawValue)
     return std::nullopt;
 }
 
-QString Providers::displayName(Provider provider)
+std::optional<Provider> Providers::wrongCredential(const QString &key, Provider provider)
 {
-    switch (provider) {
-    case Provider::sayvane:
-        return u"Sayvane"_s;
-    case Provider::groq:
-        return u"Groq"_s;
-    case Provider::openai:
-        return u"OpenAI"_s;
+    if (key.startsWith(facts(provider).keyPrefix))
+        return std::nullopt;
+    for (const Provider other : apiKeyProviders) {
+        if (key.startsWith(facts(other).keyPrefix))
+            return other;
     }
-    Q_UNREACHABLE();
-}
-
-QString Providers::keychainAccount(Provider provider)
-{
-    switch (provider) {
-    case Provider::sayvane:
-        return {};
-    case Provider::groq:
-        return u"groq_api_key"_s;
-    case Provider::openai:
-        return u"openai_api_key"_s;
-    }
-    Q_UNREACHABLE();
+    return std::nullopt;
 }

@@ -67,18 +67,15 @@ double HistoryStore::estimatedCost(const Dictation &dictation, Provider currentP
         Providers::fromRawValue(dictation.providerRaw.value_or(QString())).value_or(currentProvider);
     if (provider == Provider::sayvane)
         return 0;
-    const bool isOpenAI = provider == Provider::openai;
-    const double transcription =
-        Rates::transcriptionUSD(dictation.durationSeconds,
-                                dictation.transcriptionModel.value_or(isOpenAI ? u"gpt-4o-mini-transcribe"_s
-                                                                               : u"whisper-large-v3-turbo"_s),
-                                provider);
+    const auto used = [provider](const std::optional<QString> &model, ModelPurpose purpose) {
+        return model.value_or(Providers::defaultModel(provider, purpose));
+    };
+    const double transcription = Rates::transcriptionUSD(
+        dictation.durationSeconds, used(dictation.transcriptionModel, ModelPurpose::transcription), provider);
     if (!dictation.chatModel && !dictation.rawText)
         return transcription;
-    return transcription + Rates::chatUSD(dictation.wordCount,
-                                          dictation.chatModel.value_or(isOpenAI ? u"gpt-4o-mini"_s
-                                                                                : u"openai/gpt-oss-120b"_s),
-                                          provider);
+    return transcription +
+           Rates::chatUSD(dictation.wordCount, used(dictation.chatModel, ModelPurpose::chat), provider);
 }
 
 HistoryStore::HistoryStore(Folders &folders, Clock &clock, Background &background)

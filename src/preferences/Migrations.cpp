@@ -34,9 +34,6 @@ QStringList priorInstallKeys(const Prefs &prefs)
             prefs.languageDefaultMigratedToAuto.key()};
 }
 
-const QString groqPrefix = u"gsk_"_s;
-const QString openAIPrefix = u"sk-"_s;
-
 /// What is stored, without white space around it.
 QString trimmed(const Prefs::Preference<QString> &preference)
 {
@@ -141,13 +138,7 @@ Provider Migrations::priorInstallProvider() const
 std::optional<QString> Migrations::misfiled(const std::optional<QString> &value, Provider provider)
 {
     const QString key = value.value_or(QString()).trimmed();
-    const bool isGroqKey = key.startsWith(groqPrefix);
-    const bool isOpenAIKey = key.startsWith(openAIPrefix);
-    if (provider == Provider::groq && isOpenAIKey && !isGroqKey)
-        return key;
-    if (provider == Provider::openai && isGroqKey && !isOpenAIKey)
-        return key;
-    return std::nullopt;
+    return Providers::wrongCredential(key, provider) ? std::optional(key) : std::nullopt;
 }
 
 void Migrations::migrateGroqChatDefault()

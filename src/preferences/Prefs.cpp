@@ -130,19 +130,5 @@ void Prefs::registerDefaults(Keychain &keychain)
 
 QString Prefs::launchModel(ModelPurpose purpose) const
 {
-    return defaultModel(m_launchProvider.value_or(provider()), purpose);
-}
-
-QString Prefs::defaultModel(Provider provider, ModelPurpose purpose)
-{
-    const bool chat = purpose == ModelPurpose::chat;
-    switch (provider) {
-    case Provider::sayvane:
-        return {};
-    case Provider::groq:
-        return chat ? u"openai/gpt-oss-120b"_s : u"whisper-large-v3-turbo"_s;
-    case Provider::openai:
-        return chat ? u"gpt-4o-mini"_s : u"gpt-4o-mini-transcribe"_s;
-    }
-    Q_UNREACHABLE();
+    return Providers::defaultModel(m_launchProvider.value_or(provider()), purpose);
 }

@@ -151,7 +151,6 @@ public:
 
     /// The text as a usable base address: https with a host, no query, no fragment; else none.
     static std::optional<QString> validAccountBaseURL(const QString &text);
-    static QString defaultModel(Provider provider, ModelPurpose purpose);
 
 Q_SIGNALS:
     void providerChanged();

@@ -161,7 +161,7 @@ private Q_SLOTS:
             user.secrets.setHangs(false);
             user.secrets.setTrouble(SecretStatus::success);
             QCOMPARE(user.provider(), after);
-            QCOMPARE(prefs.transcriptionModel(), Prefs::defaultModel(prefs.provider(), ModelPurpose::transcription));
+            QCOMPARE(prefs.transcriptionModel(), Providers::defaultModel(prefs.provider(), ModelPurpose::transcription));
             QVERIFY(prefs.keychainKeysMigrated());
         }
     }

@@ -70,36 +70,6 @@ ConnectionResult ConnectionResult::applyResolvedModels(const QStringList &availa
     return result;
 }
 
-const QStringList &ModelResolver::preferences(ModelPurpose purpose, Provider provider)
-{
-    static const QStringList none;
-    static const QStringList groqTranscription{u"whisper-large-v3-turbo"_s, u"whisper-large-v3"_s,
-                                               u"whisper"_s, u"distil-whisper"_s};
-    static const QStringList groqChat{u"openai/gpt-oss-120b"_s,
-                                      u"openai/gpt-oss-20b"_s,
-                                      u"qwen/qwen3.6-27b"_s,
-                                      u"llama-3.1-8b-instant"_s,
-                                      u"llama-3.3-70b-versatile"_s,
-                                      u"llama"_s,
-                                      u"qwen"_s,
-                                      u"gemma"_s,
-                                      u"mixtral"_s};
-    static const QStringList openaiTranscription{u"gpt-4o-mini-transcribe"_s, u"gpt-4o-transcribe"_s,
-                                                 u"whisper-1"_s};
-    static const QStringList openaiChat{u"gpt-4o-mini"_s, u"gpt-4.1-nano"_s, u"gpt-4.1-mini"_s,
-                                        u"gpt-5-nano"_s,  u"gpt-5-mini"_s,   u"gpt-4o"_s};
-    const bool chat = purpose == ModelPurpose::chat;
-    switch (provider) {
-    case Provider::sayvane:
-        return none;
-    case Provider::groq:
-        return chat ? groqChat : groqTranscription;
-    case Provider::openai:
-        return chat ? openaiChat : openaiTranscription;
-    }
-    Q_UNREACHABLE();
-}
-
 std::optional<QString> ModelResolver::resolve(ModelPurpose purpose, Provider provider,
                                               const QStringList &available, const QString &current)
 {

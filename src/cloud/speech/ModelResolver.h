@@ -31,7 +31,10 @@ namespace ModelResolver {
 
 /// Model families for the purpose, the most wanted first; an id belongs to one when it contains the entry in
 /// any letter case. Empty for the hosted service, which chooses for itself.
-const QStringList &preferences(ModelPurpose purpose, Provider provider);
+inline const QStringList &preferences(ModelPurpose purpose, Provider provider)
+{
+    return Providers::facts(provider).models(purpose);
+}
 
 /// The id to use, as the provider spells it; none when nothing on offer suits.
 std::optional<QString> resolve(ModelPurpose purpose, Provider provider, const QStringList &available,

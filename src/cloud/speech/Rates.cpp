@@ -23,20 +23,6 @@ std::optional<Value> lookUp(const QString &model, std::span<const Rates::Entry<V
     return longest ? std::optional(longest->value) : std::nullopt;
 }
 
-/// Stands for a model without a price; no model's name where the provider has no prices.
-QString fallback(Provider provider, const QString &groq, const QString &openai)
-{
-    switch (provider) {
-    case Provider::sayvane:
-        return {};
-    case Provider::groq:
-        return groq;
-    case Provider::openai:
-        return openai;
-    }
-    Q_UNREACHABLE();
-}
-
 } // namespace
 
 std::optional<double> Rates::rate(const QString &model, std::span<const Entry<double>> table)
@@ -53,8 +39,7 @@ double Rates::transcriptionUSD(double seconds, const QString &model, Provider pr
 {
     auto perHour = rate(model, transcriptionPerHour);
     if (!perHour)
-        perHour = rate(fallback(provider, u"whisper-large-v3-turbo"_s, u"gpt-4o-mini-transcribe"_s),
-                       transcriptionPerHour);
+        perHour = rate(Providers::defaultModel(provider, ModelPurpose::transcription), transcriptionPerHour);
     return (seconds > 0 ? seconds : 0) / 3600 * perHour.value_or(0);
 }
 
@@ -62,7 +47,7 @@ double Rates::chatUSD(qint64 wordCount, const QString &model, Provider provider)
 {
     auto perMillion = rate(model, chatPerMillion);
     if (!perMillion)
-        perMillion = rate(fallback(provider, u"openai/gpt-oss-120b"_s, u"gpt-4o-mini"_s), chatPerMillion);
+        perMillion = rate(Providers::defaultModel(provider, ModelPurpose::chat), chatPerMillion);
     if (!perMillion)
         return 0;
     const auto words = static_cast<double>(wordCount);

@@ -58,18 +58,8 @@ Transcriber::Transcriber(const Collaborators &with)
 
 std::expected<QUrl, FlowError> Transcriber::endpoint(const QString &path, Provider provider) const
 {
-    QString base;
-    switch (provider) {
-    case Provider::sayvane:
-        base = m_prefs.accountBaseURL();
-        break;
-    case Provider::groq:
-        base = u"https://api.groq.com/openai/v1"_s;
-        break;
-    case Provider::openai:
-        base = u"https://api.openai.com/v1"_s;
-        break;
-    }
+    const QString base =
+        provider == Provider::sayvane ? m_prefs.accountBaseURL() : Providers::facts(provider).baseAddress;
     QUrl url(base + path, QUrl::StrictMode);
     if (!url.isValid())
         return std::unexpected(

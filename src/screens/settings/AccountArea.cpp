@@ -1,9 +1,9 @@
 #include "screens/settings/AccountArea.h"
 
 #include "base/Clock.h"
+#include "base/Provider.h"
 #include "base/Workspace.h"
 #include "cloud/account/AccountSession.h"
-#include "screens/settings/OwnKey.h"
 
 #include <QLocale>
 #include <QUrl>
@@ -76,7 +76,7 @@ QString AccountArea::lastUsed(const QDateTime &time) const
 
 void AccountArea::manageAccount()
 {
-    const QString page = OwnKey::consoleAddress(Provider::sayvane);
+    const QString page = Providers::facts(Provider::sayvane).console;
     m_notice =
         m_workspace.open(QUrl(page)) ? QString() : tr("No browser could be opened. The page is %1").arg(page);
     Q_EMIT changed();

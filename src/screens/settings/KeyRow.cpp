@@ -73,14 +73,14 @@ void KeyRow::setKeyFieldFocused(bool focused)
 
 QString KeyRow::keyPlaceholder() const
 {
-    const QString start = OwnKey::prefix(m_prefs.provider()) + u'…';
+    const QString start = Providers::facts(m_prefs.provider()).keyPrefix + u'…';
     return m_keyStored ? tr("Key saved (%1%2). Enter a new key to replace it").arg(start, m_keySuffix)
                        : start;
 }
 
 QString KeyRow::consoleAddress() const
 {
-    return OwnKey::consoleAddress(m_prefs.provider());
+    return Providers::facts(m_prefs.provider()).console;
 }
 
 bool KeyRow::isPending() const
@@ -112,7 +112,7 @@ void KeyRow::saveKey()
         return report({}, m_keyStored
                               ? tr("Nothing typed. The saved key is unchanged. Use Remove key to delete it.")
                               : tr("Type or paste a key first."));
-    if (const auto other = OwnKey::wrongCredential(key, provider))
+    if (const auto other = Providers::wrongCredential(key, provider))
         return report(tr("This looks like a %1 key. Switch Provider to %1 or paste a %2 key.")
                           .arg(Providers::displayName(*other), Providers::displayName(provider)),
                       {});

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "screens/settings/OwnKey.h"
+#include "base/Provider.h"
 
 #include <QCoroTask>
 #include <QObject>

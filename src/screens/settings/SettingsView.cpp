@@ -118,8 +118,8 @@ void SettingsView::setShown(bool shown)
 
 void SettingsView::resetModels()
 {
-    m_prefs.transcriptionModel.set(Prefs::defaultModel(m_provider, ModelPurpose::transcription));
-    m_prefs.chatModel.set(Prefs::defaultModel(m_provider, ModelPurpose::chat));
+    m_prefs.transcriptionModel.set(Providers::defaultModel(m_provider, ModelPurpose::transcription));
+    m_prefs.chatModel.set(Providers::defaultModel(m_provider, ModelPurpose::chat));
 }
 
 void SettingsView::providerChanged()
@@ -131,8 +131,8 @@ void SettingsView::providerChanged()
         // A model that the user typed is kept.
         const auto adopt = [&](Prefs::Preference<QString> &preference, ModelPurpose purpose) {
             const QString model = preference().trimmed();
-            if (model.isEmpty() || model == Prefs::defaultModel(before, purpose))
-                preference.set(Prefs::defaultModel(m_provider, purpose));
+            if (model.isEmpty() || model == Providers::defaultModel(before, purpose))
+                preference.set(Providers::defaultModel(m_provider, purpose));
         };
         adopt(m_prefs.transcriptionModel, ModelPurpose::transcription);
         adopt(m_prefs.chatModel, ModelPurpose::chat);
